@@ -1,0 +1,23 @@
+# How this project's targets are compiled.
+
+set(DRIVER_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
+# Texts of assertions name files as they lie in the tree, wherever that is.
+add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+
+# What runs on a panel: C++11, no exceptions, nothing visible but what is exported by name.
+function(driver_runtime_options target)
+  set_target_properties(${target} PROPERTIES
+    CXX_STANDARD 11 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+  target_compile_options(${target} PRIVATE ${DRIVER_WARNINGS} -fno-exceptions -fstack-protector-strong)
+  target_include_directories(${target} PUBLIC
+    "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/runtime>")
+endfunction()
+
+# Programs and tests.
+function(driver_program_options target standard)
+  set_target_properties(${target} PROPERTIES
+    CXX_STANDARD ${standard} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF)
+  target_compile_options(${target} PRIVATE ${DRIVER_WARNINGS})
+endfunction()

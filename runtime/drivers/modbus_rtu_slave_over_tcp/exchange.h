@@ -1,0 +1,44 @@
+#pragma once
+
+#include "drivers/tools/command_data.h"
+#include "host/abstract_device_interface.h"
+
+/// What every request of the driver shares.
+
+/// Largest number of registers and of bits in one read. The protocol ends at 2000 bits ("MODBUS Application
+/// Protocol V1.1b3", 6.1); 2008 still fit the reply buffer, and there are slaves that serve them.
+const int LargestRegisterRead = 125;
+const int LargestBitRead = 2008;
+
+/// One past the last address of an area.
+const unsigned int AddressSpace = 65536;
+
+/// Where the data of a read's reply begins: behind station, function and byte count.
+const int ReadDataStart = 3;
+/// What is left of the eight bytes that confirm a write when the first five are there.
+const int EchoRest = 3;
+
+/// The station of a request: the low 8 bits of the channel's, asked for anew each time.
+inline unsigned char stationOf(AbstractDeviceInterface *device)
+{
+    return static_cast<unsigned char>(device->stationId() & 0xFF);
+}
+
+/// Whether \a count items from \a offset on stay within \a limit and the area.
+inline bool isInRange(unsigned short offset, quint64 count, unsigned int limit)
+{
+    return count <= limit && offset + count <= AddressSpace;
+}
+
+/// The number of an address as people write it, in error texts.
+inline QString oneBased(unsigned short offset)
+{
+    return QString::number(offset + 1);
+}
+
+/// How many registers hold \a count bits from bit \a bit of the first on. A negative count stays one, to be
+/// refused.
+inline int registersOfBits(unsigned char bit, int count)
+{
+    return count < 0 ? count : static_cast<int>(NumOfBitsToNumOfWords(bit, static_cast<unsigned int>(count)));
+}

@@ -1,0 +1,145 @@
+#include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
+
+#include "drivers/device_setting.h"
+#include "drivers/driver_setting.h"
+#include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
+#include "drivers/tools/command_data.h"
+
+namespace
+{
+
+const QString Version = QLatin1String("1.0.0");
+
+QString commandDetails(const char *transfer, const char *items, const char *direction, unsigned char station,
+                       const CommunicatorCommand &command)
+{
+    return QString::fromLatin1(" (%1 %2 %3 %4 %5-")
+               .arg(QLatin1String(transfer), QString::number(command.count), QLatin1String(items),
+                    QLatin1String(direction), QString::number(station)) +
+           command.address + QLatin1Char(')');
+}
+
+} // namespace
+
+DriverModbusRtuSlaveOverTcp::DriverModbusRtuSlaveOverTcp()
+    : errorFlag(false),
+      debugMode(false),
+      dbConnected(false),
+      dbLoaded(false),
+      bitAddressPattern(QLatin1String("^(\\d+)-((?:FN5)?DO|DI)(\\d+)"), Qt::CaseInsensitive),
+      connectionName(QString::number(nextRandomNumber()))
+{
+}
+
+int DriverModbusRtuSlaveOverTcp::totalSize()
+{
+    return 0x44000;
+}
+
+bool DriverModbusRtuSlaveOverTcp::initialize(AbstractDeviceInterface *)
+{
+    return true;
+}
+
+bool DriverModbusRtuSlaveOverTcp::validation(const QString &)
+{
+    return false;
+}
+
+QString DriverModbusRtuSlaveOverTcp::name()
+{
+    return QLatin1String("Modbus RTU Slave over TCP");
+}
+
+QString DriverModbusRtuSlaveOverTcp::vender()
+{
+    return QLatin1String("Modbus");
+}
+
+QString DriverModbusRtuSlaveOverTcp::getVersionNumber()
+{
+    return Version;
+}
+
+DeviceSetting *DriverModbusRtuSlaveOverTcp::getDefaultSerialDeviceSetting()
+{
+    return new DeviceSetting(DefaultDeviceType, QLatin1String("COM2"), 9600, 8, 0, 2);
+}
+
+DriverSetting *DriverModbusRtuSlaveOverTcp::getDefaultDriverSetting()
+{
+    return new DriverSetting(3000, 3, 1, 0);
+}
+
+QString DriverModbusRtuSlaveOverTcp::getStringBasedDefaultDriverSetting()
+{
+    return QLatin1String("23");
+}
+
+int DriverModbusRtuSlaveOverTcp::supportedCommunicationFlags()
+{
+    return 0x100;
+}
+
+void DriverModbusRtuSlaveOverTcp::setDebugMode(bool on)
+{
+    debugMode = on;
+}
+
+int DriverModbusRtuSlaveOverTcp::getBlockAccessSize()
+{
+    return LargestRegisterRead;
+}
+
+int DriverModbusRtuSlaveOverTcp::getBitBlockAccessSize()
+{
+    return LargestBitRead;
+}
+
+bool DriverModbusRtuSlaveOverTcp::hasError()
+{
+    return errorFlag;
+}
+
+QString DriverModbusRtuSlaveOverTcp::getLastError()
+{
+    return lastError;
+}
+
+QObject *DriverModbusRtuSlaveOverTcp::getThisObject()
+{
+    return this;
+}
+
+bool DriverModbusRtuSlaveOverTcp::isConnected(AbstractDeviceInterface *device)
+{
+    return device->isConnected();
+}
+
+void DriverModbusRtuSlaveOverTcp::clearError()
+{
+    errorFlag = false;
+}
+
+void DriverModbusRtuSlaveOverTcp::setCommError(const QString &text)
+{
+    errorFlag = true;
+    lastError = text;
+}
+
+void DriverModbusRtuSlaveOverTcp::appendCmdToReadCommError(unsigned char station,
+                                                           const CommunicatorCommand &command)
+{
+    static const char *const items[] = {"bit(s)", "byte(s)", "word(s)", "dword(s)"};
+    if (command.dataType >= BitItem && command.dataType <= DoubleWordItem)
+        lastError += commandDetails("read", items[command.dataType], "from", station, command);
+}
+
+// Write texts have no "(s)": hosts and logs know both wordings.
+void DriverModbusRtuSlaveOverTcp::appendCmdToWriteCommError(unsigned char station,
+                                                            const CommunicatorCommand &command)
+{
+    static const char *const items[] = {"bit", "byte", "word", "dword"};
+    if (command.dataType >= BitItem && command.dataType <= DoubleWordItem)
+        lastError += commandDetails("write", items[command.dataType], "to", station, command);
+}

@@ -1,0 +1,139 @@
+#include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
+
+#include "drivers/tools/plc_address.h"
+#include "drivers/tools/project_lookup.h"
+
+#include <QFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace
+{
+
+// SQLite looks into a file only when it is first read, so a file that is no database would open like one. It
+// takes an empty file for an empty database. A query would tell as well, but wait on a database that is
+// locked.
+bool isDatabaseFile(const QString &path)
+{
+    const QByteArray magic("SQLite format 3", 16);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray header = file.read(magic.size());
+    return header.isEmpty() || header == magic;
+}
+
+unsigned short zeroBased(unsigned int number)
+{
+    return static_cast<unsigned short>(number - 1);
+}
+
+bool startsWith(const QString &text, const char *prefix)
+{
+    return text.startsWith(QLatin1String(prefix), Qt::CaseInsensitive);
+}
+
+unsigned short addressOf(const QString &tag)
+{
+    return zeroBased(static_cast<unsigned int>(ExtractPLCDeviceAddress(tag, 10)));
+}
+
+} // namespace
+
+bool DriverModbusRtuSlaveOverTcp::createDBConnection()
+{
+    if (QSqlDatabase::contains(connectionName))
+        return true;
+    QSqlDatabase database = QSqlDatabase::addDatabase(QLatin1String("QSQLITE"), connectionName);
+    database.setDatabaseName(GetDatabaseName());
+    database.setConnectOptions(QLatin1String("QSQLITE_OPEN_READONLY"));
+    return isDatabaseFile(database.databaseName()) && database.open();
+}
+
+bool DriverModbusRtuSlaveOverTcp::readDB(const QString &devStr)
+{
+    if (dbLoaded)
+        return true;
+    if (!dbConnected) {
+        dbConnected = createDBConnection();
+        if (!dbConnected) {
+            setCommError(QLatin1String("can not open database"));
+            return false;
+        }
+    }
+
+    int linkId = 0;
+    unsigned char defaultStation = 0;
+    if (!GetLinkIdAndDefaultStationId(connectionName, DevStrToHmiPort(devStr), linkId, defaultStation)) {
+        setCommError(QLatin1String("failed to get default station id"));
+        return false;
+    }
+    if (!initValidBitAddressesMap(linkId, defaultStation)) {
+        setCommError(QLatin1String("failed to initialize valid bit addresses table"));
+        return false;
+    }
+
+    dbLoaded = true;
+    QSqlDatabase::database(connectionName, true).close();
+    dbConnected = false;
+    return true;
+}
+
+bool DriverModbusRtuSlaveOverTcp::initValidBitAddressesMap(int connectorId, unsigned char defaultStation)
+{
+    QSqlQuery query(QSqlDatabase::database(connectionName, true));
+    query.setForwardOnly(true);
+    query.exec(
+        QString::fromLatin1("SELECT address FROM custom_tag_table WHERE connector_id = %1").arg(connectorId));
+    if (!query.isActive())
+        return false;
+
+    validBitAddressesMap.clear();
+    while (query.next())
+        insertTag(query.value(0).toString(), defaultStation);
+    // A file that ends in the middle of the table: half of the addresses would read as if the others were
+    // unused.
+    if (query.lastError().isValid())
+        return false;
+
+    for (QMap<unsigned char, ModbusBitSet>::iterator station = validBitAddressesMap.begin();
+         station != validBitAddressesMap.end(); ++station) {
+        station.value().DISetSort();
+        station.value().DOSetSort();
+    }
+    return true;
+}
+
+// Tags of registers, and texts that are no address, are none of the map's business.
+void DriverModbusRtuSlaveOverTcp::insertTag(const QString &tag, unsigned char defaultStation)
+{
+    const QChar first = tag.isEmpty() ? QChar() : tag.at(0).toUpper();
+    if (first == QLatin1Char('D')) {
+        if (startsWith(tag, "DI"))
+            validBitAddressesMapInsertDI(defaultStation, addressOf(tag));
+        else if (startsWith(tag, "DO"))
+            validBitAddressesMapInsertDO(defaultStation, addressOf(tag));
+    } else if (first == QLatin1Char('F')) {
+        if (startsWith(tag, "FN5DO"))
+            validBitAddressesMapInsertDO(defaultStation, addressOf(tag.mid(3)));
+    } else if (first.isDigit() && bitAddressPattern.indexIn(tag) == 0) {
+        const unsigned char station = static_cast<unsigned char>(bitAddressPattern.cap(1).toUInt());
+        const unsigned short address = zeroBased(bitAddressPattern.cap(3).toUInt());
+        if (startsWith(bitAddressPattern.cap(2), "DI"))
+            validBitAddressesMapInsertDI(station, address);
+        else
+            validBitAddressesMapInsertDO(station, address);
+    }
+}
+
+void DriverModbusRtuSlaveOverTcp::validBitAddressesMapInsertDI(unsigned char station, unsigned short address)
+{
+    validBitAddressesMap[station].DISetPush(address);
+}
+
+void DriverModbusRtuSlaveOverTcp::validBitAddressesMapInsertDO(unsigned char station, unsigned short address)
+{
+    validBitAddressesMap[station].DOSetPush(address);
+}

@@ -1,0 +1,54 @@
+#include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
+
+#include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
+#include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
+#include "drivers/tools/bit_array.h"
+
+namespace
+{
+
+// Above the 1968 coils of the protocol ("MODBUS Application Protocol V1.1b3", 6.11): 247 bytes of data, which
+// slaves without that limit take.
+const unsigned int LargestCoilWrite = 1976;
+
+} // namespace
+
+bool DriverModbusRtuSlaveOverTcp::writeCoils(AbstractDeviceInterface *device, unsigned short offset,
+                                             const QByteArray &bits, int count)
+{
+    if (!checkCoilRange(offset, count))
+        return false;
+    Reply reply;
+    return exchange(
+        device,
+        ModbusRTUSlaveBuildFn15Request(stationOf(device), offset, static_cast<unsigned short>(count), bits),
+        EchoRest, reply);
+}
+
+// One request a coil, back to back.
+bool DriverModbusRtuSlaveOverTcp::writeCoilsWithFN5(AbstractDeviceInterface *device, unsigned short offset,
+                                                    const QByteArray &bits, int count)
+{
+    if (!checkCoilRange(offset, count))
+        return false;
+    const QByteArray on("\xFF\x00", 2);
+    const QByteArray off("\x00\x00", 2);
+    for (int i = 0; i < count; ++i) {
+        const QByteArray request = ModbusRTUSlaveBuildWriteSingleRequest(
+            stationOf(device), WriteSingleCoil, static_cast<unsigned short>(offset + i),
+            getBit(bits, i) ? on : off);
+        Reply reply;
+        if (!exchange(device, request, EchoRest, reply))
+            return false;
+    }
+    return true;
+}
+
+bool DriverModbusRtuSlaveOverTcp::checkCoilRange(unsigned short offset, int count)
+{
+    if (isInRange(offset, static_cast<unsigned int>(count), LargestCoilWrite))
+        return true;
+    setCommError(
+        QString::fromLatin1("can't write %1 bits to DO%2").arg(QString::number(count), oneBased(offset)));
+    return false;
+}

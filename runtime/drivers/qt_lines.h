@@ -1,0 +1,43 @@
+#pragma once
+
+/// What differs between the Qt lines that the drivers build on, 4.8 and 5.15, dealt with here so that the
+/// code that uses it need not ask which one it is.
+
+#include <QObject>
+#include <QtGlobal>
+#include <QtPlugin>
+
+#if QT_VERSION < 0x050000
+
+// Qt 4 exports the plug-in from a source file and makes its verification text from the Qt that it is built
+// on.
+#define Q_PLUGIN_METADATA(iid)
+#define DRIVER_EXPORT_PLUGIN(name, className) Q_EXPORT_PLUGIN2(name, className)
+
+#else
+
+// Qt 5 exports the plug-in from its class. The loader of a Qt 4.8.6 panel asks for this text as well, and
+// looks for it in this section of the file before it loads anything.
+#define DRIVER_EXPORT_PLUGIN(name, className)                                                                \
+    __attribute__((section(".qtplugin"), used)) static const char qt_plugin_verification_data[] =            \
+        "pattern=QT_PLUGIN_VERIFICATION_DATA\n"                                                              \
+        "version=4.8.6\n"                                                                                    \
+        "debug=false\n"                                                                                      \
+        "buildkey=arm linux g++-4 no-pkg-config";                                                            \
+    extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data();                                \
+    extern "C" Q_DECL_EXPORT const char *qt_plugin_query_verification_data()                                 \
+    {                                                                                                        \
+        return qt_plugin_verification_data;                                                                  \
+    }
+
+#endif
+
+/// The next number of the thread's sequence, which the host starts with qsrand(). Its successors know nothing
+/// of qsrand() and do not exist in Qt 4.
+inline int nextRandomNumber()
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    return qrand();
+#pragma GCC diagnostic pop
+}
