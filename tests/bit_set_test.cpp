@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
+
 TEST(BitSet, EmptySetContainsNothing)
 {
     const ModbusBitSet set;
@@ -14,7 +16,7 @@ TEST(BitSet, EmptySetContainsNothing)
 TEST(BitSet, SortsAndDropsDuplicates)
 {
     ModbusBitSet set;
-    for (const ushort address : {5, 3, 5, 1})
+    for (const ushort address : std::initializer_list<ushort>{5, 3, 5, 1})
         set.DOSetPush(address);
     set.DOSetSort();
     EXPECT_EQ(set.DOSet(), (UShortVector{1, 3, 5}));
