@@ -37,7 +37,7 @@ TEST(BitSet, SortGivesMemoryBack)
 TEST(BitSet, FindsEveryEntryFromEveryStart)
 {
     UShortVector set;
-    for (int address = 0; address < 65536; address += 257)
+    for (int address = 0; address < 65535; address += 257)
         set.push_back(static_cast<ushort>(address));
     const int size = static_cast<int>(set.size());
     for (int from = 0; from <= size; ++from)
