@@ -10,14 +10,15 @@ DriverSetting::DriverSetting(int timeoutMs, int retries, int station, int delayM
 {
 }
 
-DriverSetting::DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString &,
-                             unsigned short)
+DriverSetting::DriverSetting(int timeoutMs, int retries, int station, int delayMs,
+                             const QString & /*ignored*/, unsigned short /*ignored*/)
     : DriverSetting(timeoutMs, retries, station, delayMs)
 {
 }
 
-DriverSetting::DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString &,
-                             unsigned short, const QString &text, bool flag)
+DriverSetting::DriverSetting(int timeoutMs, int retries, int station, int delayMs,
+                             const QString & /*ignored*/, unsigned short /*ignored*/, const QString &text,
+                             bool flag)
     : timeout(timeoutMs), retry(retries), stationId(station), delay(delayMs), auxText(text), auxFlag(flag)
 {
 }

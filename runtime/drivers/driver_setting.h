@@ -21,10 +21,11 @@ struct DriverSetting {
     DriverSetting();
     DriverSetting(int timeoutMs, int retries, int station, int delayMs);
     /// The same: the text and the number belong to other drivers' records and are dropped.
-    DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString &, unsigned short);
+    DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString & /*ignored*/,
+                  unsigned short /*ignored*/);
     /// Keeps the second text and the flag; the first text and the number are dropped.
-    DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString &, unsigned short,
-                  const QString &text, bool flag);
+    DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString & /*ignored*/,
+                  unsigned short /*ignored*/, const QString &text, bool flag);
 
     /// Takes over everything of \a other but auxFlag, which stays as it is.
     void copy(const DriverSetting &other);

@@ -50,10 +50,10 @@ public:
     virtual QString getLastError() = 0;
     virtual QObject *getThisObject() = 0;
     virtual bool isSupportSessionCommand() { return false; }
-    virtual void setSessionCommand(const QList<CommunicatorCommand> &) {}
+    virtual void setSessionCommand(const QList<CommunicatorCommand> & /*commands*/) {}
     virtual void clearSessionCommand() {}
-    virtual bool deviceSettingChanged(DeviceSetting *) { return true; }
-    virtual bool isConnected(AbstractDeviceInterface *) { return true; }
+    virtual bool deviceSettingChanged(DeviceSetting * /*setting*/) { return true; }
+    virtual bool isConnected(AbstractDeviceInterface * /*device*/) { return true; }
 
 private:
     static QString notAssigned() { return QLatin1String("Not Assigned"); }

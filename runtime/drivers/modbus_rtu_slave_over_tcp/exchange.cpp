@@ -63,7 +63,7 @@ bool DriverModbusRtuSlaveOverTcp::checkMinADU(AbstractDeviceInterface *device, c
 
 bool DriverModbusRtuSlaveOverTcp::checkException(const char *reply, unsigned char function)
 {
-    const unsigned char *bytes = reinterpret_cast<const unsigned char *>(reply);
+    const auto *bytes = reinterpret_cast<const unsigned char *>(reply);
     if (bytes[1] == function)
         return true;
     if (bytes[1] != (function | 0x80)) {

@@ -36,12 +36,12 @@ int DriverModbusRtuSlaveOverTcp::totalSize()
     return 0x44000;
 }
 
-bool DriverModbusRtuSlaveOverTcp::initialize(AbstractDeviceInterface *)
+bool DriverModbusRtuSlaveOverTcp::initialize(AbstractDeviceInterface * /*device*/)
 {
     return true;
 }
 
-bool DriverModbusRtuSlaveOverTcp::validation(const QString &)
+bool DriverModbusRtuSlaveOverTcp::validation(const QString & /*address*/)
 {
     return false;
 }

@@ -23,10 +23,10 @@ size_t firstUsedFrom(const UShortVector &used, unsigned short offset)
 // How many used addresses from index `first` on follow each other without a gap, `limit` at most.
 int runLengthAt(const UShortVector &used, size_t first, int limit)
 {
-    int length = 1;
-    while (length < limit && first + length < used.size() && used[first + length] == used[first] + length)
-        ++length;
-    return length;
+    size_t end = first + 1;
+    while (end < used.size() && used[end] == used[end - 1] + 1)
+        ++end;
+    return qMin(static_cast<int>(end - first), limit);
 }
 
 } // namespace
@@ -38,7 +38,7 @@ QByteArray DriverModbusRtuSlaveOverTcp::readDIDOs(AbstractDeviceInterface *devic
         return refuseBitRead(count, area, offset);
 
     const ModbusFunction function = isCoilArea(area) ? ReadCoils : ReadDiscreteInputs;
-    const unsigned short quantity = static_cast<unsigned short>(count);
+    const auto quantity = static_cast<unsigned short>(count);
     const int size = static_cast<int>(NumOfBitsToNumOfBytes(0, quantity));
     Reply reply;
     if (!exchange(device,
@@ -97,7 +97,7 @@ QByteArray DriverModbusRtuSlaveOverTcp::readUsedBits(AbstractDeviceInterface *de
             HRSleep(device->delayTime());
         const QByteArray bits = readDIDOs(device, area, used[next], length);
         if (bits.isEmpty())
-            return bits;
+            return QByteArray();
         CopyBits(result, bits, position, length);
         next += static_cast<size_t>(length);
     }

@@ -62,7 +62,7 @@ bool DriverModbusRtuSlaveOverTcp::readRegisters(AbstractDeviceInterface *device,
         return false;
     }
     const ModbusFunction function = isHoldingRegisterArea(area) ? ReadHoldingRegisters : ReadInputRegisters;
-    const unsigned short quantity = static_cast<unsigned short>(registers);
+    const auto quantity = static_cast<unsigned short>(registers);
     return exchange(device,
                     ModbusRTUSlaveBuildReadDevicesRequest(stationOf(device), function, offset, quantity),
                     2 * quantity, reply);

@@ -88,7 +88,7 @@ public:
 
     QByteArray finish()
     {
-        const unsigned char *begin = reinterpret_cast<const unsigned char *>(frame.constData());
+        const auto *begin = reinterpret_cast<const unsigned char *>(frame.constData());
         const Crc crc = crcOf(begin, static_cast<unsigned short>(out - begin));
         putByte(crc.first);
         putByte(crc.second);

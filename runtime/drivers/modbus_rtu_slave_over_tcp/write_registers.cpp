@@ -44,7 +44,7 @@ bool DriverModbusRtuSlaveOverTcp::writeBytes(AbstractDeviceInterface *device, un
 bool DriverModbusRtuSlaveOverTcp::writeRegistersWithFN16(AbstractDeviceInterface *device,
                                                          unsigned short offset, const QByteArray &registers)
 {
-    const unsigned short quantity = static_cast<unsigned short>(registers.size() / 2);
+    const auto quantity = static_cast<unsigned short>(registers.size() / 2);
     Reply reply;
     return exchange(device, ModbusRTUSlaveBuildFn16Request(stationOf(device), offset, quantity, registers),
                     EchoRest, reply);

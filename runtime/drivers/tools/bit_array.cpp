@@ -128,9 +128,9 @@ void setBit(QByteArray &bits, int index, bool on)
 
 void setBit(unsigned char *bits, int index, bool on)
 {
-    const int mask = 1 << (index % 8);
-    unsigned char &byte = bits[index / 8];
-    byte = static_cast<unsigned char>(on ? byte | mask : byte & ~mask);
+    const unsigned char byte = bits[index / 8];
+    const auto bit = static_cast<unsigned short>(index % 8);
+    bits[index / 8] = on ? setBit(byte, bit) : clearBit(byte, bit);
 }
 
 void CopyBits(QByteArray &target, const QByteArray &source, int targetStart, int count)

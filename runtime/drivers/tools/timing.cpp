@@ -26,7 +26,7 @@ qint64 CurrentMSecsSinceBoot()
 
 bool ProcessIsRunning(qint64 pid)
 {
-    const pid_t id = static_cast<pid_t>(pid);
+    const auto id = static_cast<pid_t>(pid);
     return id == pid && (kill(id, 0) == 0 || errno == EPERM);
 }
 
