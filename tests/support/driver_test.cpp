@@ -1,0 +1,41 @@
+#include "support/driver_test.h"
+
+CommunicatorCommand makeCommand(int dataType, const QString &address, int count)
+{
+    CommunicatorCommand command;
+    command.dataType = dataType;
+    command.count = count;
+    command.address = address;
+    return command;
+}
+
+QStringList stringList(std::initializer_list<const char *> texts)
+{
+    QStringList list;
+    for (const char *text : texts)
+        list << QLatin1String(text);
+    return list;
+}
+
+DriverTest::DriverTest(const QStringList &tags)
+{
+    const ProjectDatabase project(tags, 1);
+    const CommunicatorCommand unsupported = makeCommand(4, QString(), 0);
+    driver.read(&channel, unsupported);
+    channel.forgetCalls();
+}
+
+QByteArray DriverTest::read(int dataType, const char *address, int count)
+{
+    return driver.read(&channel, makeCommand(dataType, QLatin1String(address), count));
+}
+
+bool DriverTest::write(int dataType, const char *address, int count, const QByteArray &data)
+{
+    return driver.write(&channel, makeCommand(dataType, QLatin1String(address), count), data);
+}
+
+QString DriverTest::error()
+{
+    return driver.hasError() ? driver.getLastError() : QString();
+}
