@@ -14,11 +14,13 @@ struct DriverSetting {
     int stationId;
     /// Pause before each transaction, in milliseconds.
     int delay;
+    /// Not persisted; empty and false but for the longest constructor.
     QString auxText;
-    bool auxFlag;
+    bool auxFlag; ///< \copybrief auxText
 
     /// All zero and empty; something to read a stream into.
     DriverSetting();
+    /// No text and no flag.
     DriverSetting(int timeoutMs, int retries, int station, int delayMs);
     /// The same: the text and the number belong to other drivers' records and are dropped.
     DriverSetting(int timeoutMs, int retries, int station, int delayMs, const QString & /*ignored*/,
@@ -33,8 +35,11 @@ struct DriverSetting {
     void dump() const;
 };
 
+/// \relates DriverSetting
 /// Four qint32 in the stream's byte order: timeout, retry, stationId, delay. auxText and auxFlag are not
 /// persisted, and reading leaves them as they were. After a stream that is too short the fields hold what
 /// Qt's operators left there; the stream's status tells.
+/// @{
 QDataStream &operator<<(QDataStream &stream, const DriverSetting &setting);
 QDataStream &operator>>(QDataStream &stream, DriverSetting &setting);
+/// @}

@@ -1,5 +1,6 @@
 #pragma once
 
+/// \file
 /// What differs between the Qt lines that the drivers build on, 4.8 and 5.15, dealt with here so that the
 /// code that uses it need not ask which one it is.
 
@@ -15,6 +16,9 @@
 #define DRIVER_EXPORT_PLUGIN(name, className) Q_EXPORT_PLUGIN2(name, className)
 
 #else
+
+/// Exports \a className, which has Q_PLUGIN_METADATA in it, as the Qt plug-in \a name. Stands once in a
+/// source file of the plug-in.
 
 // Qt 5 exports the plug-in from its class. The loader of a Qt 4.8.6 panel asks for this text as well, and
 // looks for it in this section of the file before it loads anything.

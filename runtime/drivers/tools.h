@@ -1,5 +1,6 @@
 #pragma once
 
+/// \file
 /// The tools that every driver of the family builds on: free functions without state, all in the global
 /// namespace.
 

@@ -24,6 +24,7 @@ public:
     virtual int writeData(const char *data, int length) = 0;
     /// (Re)opens the channel; false when that failed, with the reason in errorString().
     virtual bool open() = 0;
+    /// Closes the channel; nothing when it is closed.
     virtual void close() = 0;
     virtual void slot7() {}
     /// The settings of this link, never null; the host keeps the ownership. Asked only while the project
@@ -36,6 +37,7 @@ public:
     virtual void slot13() {}
     virtual void slot14() {}
     virtual void slot15() {}
+    /// Whether the channel is open.
     virtual bool isConnected() const = 0;
     virtual void slot17() {}
     virtual void slot18() {}

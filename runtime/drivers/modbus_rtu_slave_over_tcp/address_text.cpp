@@ -48,9 +48,11 @@ void ModbusRTUSlaveParseAddress(const QString &text, QByteArray &area, unsigned 
                                 unsigned char &bit)
 {
     int i = endOfArea(text);
-    area.reserve(area.size() + i);
+    const int before = area.size();
+    area.resize(before + i);
+    char *letters = area.data() + before;
     for (int letter = 0; letter < i; ++letter)
-        area.append(latin1At(text, letter));
+        letters[letter] = latin1At(text, letter);
 
     const bool hasNumber = i < text.size() && isDigit(text, i);
     offset = hasNumber ? static_cast<unsigned short>(numberAt(text, i) - 1) : NoOffset;

@@ -1,6 +1,7 @@
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 
 #include <cstring>
+#include <utility>
 
 namespace
 {
@@ -92,7 +93,7 @@ public:
         const Crc crc = crcOf(begin, static_cast<unsigned short>(out - begin));
         putByte(crc.first);
         putByte(crc.second);
-        return frame;
+        return std::move(frame);
     }
 
 private:

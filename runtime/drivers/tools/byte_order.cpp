@@ -1,5 +1,9 @@
 #include "drivers/tools/byte_order.h"
 
+#include <QtEndian>
+
+#include <cstring>
+
 namespace
 {
 
@@ -27,25 +31,24 @@ QByteArray paddedToMultipleOf(int itemSize, const QByteArray &bytes)
 }
 
 // Copies whole items, each with its bytes in reverse order. Source and target may be the same memory.
-void swapWords(const char *source, char *target, int count)
+template <typename Item>
+void reverseItems(const char *source, char *target, int count)
 {
-    for (int i = 0; i < count; ++i, source += 2, target += 2) {
-        const char first = source[0];
-        target[0] = source[1];
-        target[1] = first;
+    for (int i = 0; i < count; ++i, source += sizeof(Item), target += sizeof(Item)) {
+        Item item;
+        std::memcpy(&item, source, sizeof item);
+        item = qbswap<Item>(item);
+        std::memcpy(target, &item, sizeof item);
     }
 }
 
-void swapDoubleWords(const char *source, char *target, int count)
+template <typename Item>
+QByteArray reversedItems(const char *source, int count)
 {
-    for (int i = 0; i < count; ++i, source += 4, target += 4) {
-        const char first = source[0];
-        const char second = source[1];
-        target[0] = source[3];
-        target[1] = source[2];
-        target[2] = second;
-        target[3] = first;
-    }
+    const int items = qMax(count, 0);
+    QByteArray reversed(static_cast<int>(sizeof(Item)) * items, Qt::Uninitialized);
+    reverseItems<Item>(source, reversed.data(), items);
+    return reversed;
 }
 
 } // namespace
@@ -93,44 +96,36 @@ bool isBigEndian()
 
 QByteArray fromBigEndianUShortArray(const unsigned char *source, int count)
 {
-    const int items = qMax(count, 0);
-    QByteArray swapped(2 * items, Qt::Uninitialized);
-    swapWords(reinterpret_cast<const char *>(source), swapped.data(), items);
-    return swapped;
+    return reversedItems<quint16>(reinterpret_cast<const char *>(source), count);
 }
 
 QByteArray fromBigEndianULongArray(const unsigned char *source, int count)
 {
-    const int items = qMax(count, 0);
-    QByteArray swapped(4 * items, Qt::Uninitialized);
-    swapDoubleWords(reinterpret_cast<const char *>(source), swapped.data(), items);
-    return swapped;
+    return reversedItems<quint32>(reinterpret_cast<const char *>(source), count);
 }
 
 QByteArray toBigEndianUShortArray(const QByteArray &bytes)
 {
-    QByteArray swapped = To16bitsData(bytes);
-    toLittleEndianUShortArray(swapped);
-    return swapped;
+    const QByteArray padded = To16bitsData(bytes);
+    return reversedItems<quint16>(padded.constData(), padded.size() / 2);
 }
 
 QByteArray toBigEndianULongArray(const QByteArray &bytes)
 {
-    QByteArray swapped = To32bitsData(bytes);
-    toLittleEndianULongArray(swapped);
-    return swapped;
+    const QByteArray padded = To32bitsData(bytes);
+    return reversedItems<quint32>(padded.constData(), padded.size() / 4);
 }
 
 void toLittleEndianUShortArray(QByteArray &bytes)
 {
     char *data = bytes.data();
-    swapWords(data, data, bytes.size() / 2);
+    reverseItems<quint16>(data, data, bytes.size() / 2);
 }
 
 void toLittleEndianULongArray(QByteArray &bytes)
 {
     char *data = bytes.data();
-    swapDoubleWords(data, data, bytes.size() / 4);
+    reverseItems<quint32>(data, data, bytes.size() / 4);
 }
 
 QByteArray To16bitsData(const QByteArray &bytes)

@@ -191,7 +191,7 @@ QByteArray ByteArrayPack(const char *format, ...)
 {
     va_list args;
     va_start(args, format);
-    const QByteArray result = VByteArrayPack(format, args);
+    QByteArray result = VByteArrayPack(format, args);
     va_end(args);
     return result;
 }

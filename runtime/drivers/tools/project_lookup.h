@@ -4,16 +4,19 @@
 #include <QList>
 #include <QString>
 
+/// \file
 /// Where the compiled project lies, and which link and station of it a channel serves.
 
 /// Names of the folders below the application's directory that lead to the project database.
+/// @{
 extern const QString COMPILE_PATH;
 extern const QString DATABASE_PATH;
+/// @}
 
 /// A link of the project and the default station on it.
 struct LinkIdStationId {
-    int linkId;
-    unsigned char stationId;
+    int linkId;              ///< Key of the table LINK.
+    unsigned char stationId; ///< Low 8 bits of the station that the project has.
 };
 
 /// The application's directory, or its subdirectory "compile" when it has one.
@@ -28,8 +31,10 @@ QString GetDatabaseName();
 /// process.
 int DevStrToHmiPort(const QString &dev_str);
 
-/// The lookups run one query on the named database connection, which they open when it is closed. Stations
-/// are truncated to 8 bits.
+/// \name Lookups
+/// Each runs one query on the named database connection, which it opens when it is closed. Stations are
+/// truncated to 8 bits.
+/// @{
 
 /// The first link on \a hmiPort with a default node, and that node's station. False, with the outputs
 /// untouched, when there is none or the query fails.
@@ -43,3 +48,5 @@ bool GetLinkIdAndDefaultStationId(const QString &connectionName, int hmiPort, co
 /// Appends every default node of the link. Returns whether \a result has any entry afterwards, those that it
 /// came with included.
 bool GetLinkIdAndDefaultStationId(const QString &connectionName, int linkId, QList<LinkIdStationId> &result);
+
+/// @}

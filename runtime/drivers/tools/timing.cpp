@@ -36,7 +36,9 @@ QString dumpByteArray(const QByteArray &bytes)
     for (int i = 0; i < bytes.size(); ++i)
         text += QLatin1String("0X") + QString::number(static_cast<unsigned char>(bytes.at(i)), 16) +
                 QLatin1Char(' ');
-    return text + QLatin1String(") : ") + QLatin1String(bytes.constData());
+    // Raw data that the array only refers to has no zero byte at its end.
+    const uint length = qstrnlen(bytes.constData(), static_cast<uint>(bytes.size()));
+    return text + QLatin1String(") : ") + QString::fromLatin1(bytes.constData(), static_cast<int>(length));
 }
 
 QByteArray reverseArray(const QByteArray &bytes)
