@@ -1,0 +1,103 @@
+#include "slave/rtu_deframer.h"
+
+#include "trace_frame.h"
+
+#include <QtGlobal>
+
+#include <utility>
+
+namespace
+{
+
+const int NoFrame = 0;
+const int Incomplete = -1;
+
+// 0 and those with the exception bit are no functions of requests.
+bool isRequestFunction(int function)
+{
+    return function > 0 && function < 0x80;
+}
+
+// A function whose form is not known here: the CRC alone says where the request ends.
+int sizeByCrc(const QByteArray &bytes)
+{
+    const int longest = qMin(int(bytes.size()), LargestFrame);
+    for (int size = SmallestFrame; size <= longest; ++size) {
+        if (hasGoodCrc(bytes.left(size)))
+            return size;
+    }
+    return bytes.size() < LargestFrame ? Incomplete : NoFrame;
+}
+
+bool hasKnownForm(const QByteArray &bytes)
+{
+    return requestSize(bytes) != SizeUnknown;
+}
+
+} // namespace
+
+QByteArray RtuDeframer::next()
+{
+    while (!buffer.isEmpty()) {
+        const int size = frameSizeAt(0);
+        if (size > 0) {
+            const QByteArray frame = buffer.left(size);
+            buffer.remove(0, size);
+            return frame;
+        }
+        if (size == NoFrame) {
+            drop(1);
+            continue;
+        }
+        const int start = frameWithinReach();
+        if (start == NoFrame)
+            break;
+        drop(start);
+    }
+    return QByteArray();
+}
+
+int RtuDeframer::frameSizeAt(int position) const
+{
+    const QByteArray bytes = buffer.mid(position, LargestFrame);
+    if (bytes.size() < 2)
+        return Incomplete;
+    if (!isRequestFunction(byteAt(bytes, 1)))
+        return NoFrame;
+    const int size = requestSize(bytes);
+    if (size == SizeUnknown)
+        return sizeByCrc(bytes);
+    if (size == SizeNeedsMoreBytes || size > bytes.size())
+        return size > LargestFrame ? NoFrame : Incomplete;
+    return hasGoodCrc(bytes.left(size)) ? size : NoFrame;
+}
+
+// Where a whole request of a known form begins behind an incomplete one whose form is not known: that one was
+// noise. A request of a known form, on the other hand, may hold such bytes as data and is waited for.
+int RtuDeframer::frameWithinReach() const
+{
+    if (hasKnownForm(buffer))
+        return NoFrame;
+    for (int start = 1; start + SmallestFrame <= buffer.size(); ++start) {
+        if (hasKnownForm(buffer.mid(start, 8)) && frameSizeAt(start) > 0)
+            return start;
+    }
+    return NoFrame;
+}
+
+void RtuDeframer::giveUp()
+{
+    if (!buffer.isEmpty())
+        drop(1);
+}
+
+void RtuDeframer::drop(int size)
+{
+    dropped += buffer.left(size);
+    buffer.remove(0, size);
+}
+
+QByteArray RtuDeframer::takeDropped()
+{
+    return std::exchange(dropped, QByteArray());
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QObject>
+
+class QSocketNotifier;
+
+/// While one of these exists SIGINT, SIGTERM and SIGHUP end nothing: they set raised() and emit stop(). At
+/// most one at a time.
+class StopSignal : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit StopSignal(QObject *parent = nullptr);
+    ~StopSignal() override;
+
+    /// Whether one of the signals came since the object was made. For loops that block.
+    static bool raised();
+
+signals:
+    void stop();
+
+private:
+    void drainPipe();
+
+    QSocketNotifier *notifier;
+};
