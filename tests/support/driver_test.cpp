@@ -35,7 +35,7 @@ bool DriverTest::write(int dataType, const char *address, int count, const QByte
     return driver.write(&channel, makeCommand(dataType, QLatin1String(address), count), data);
 }
 
-QString DriverTest::error()
+std::string DriverTest::error()
 {
-    return driver.hasError() ? driver.getLastError() : QString();
+    return driver.hasError() ? std::string(driver.getLastError().toUtf8().constData()) : NoError;
 }

@@ -8,6 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
+const char NoError[] = "no error";
+
 CommunicatorCommand makeCommand(int dataType, const QString &address, int count);
 /// The strings as a list, for tags.
 QStringList stringList(std::initializer_list<const char *> texts);
@@ -24,8 +28,8 @@ protected:
     QByteArray read(int dataType, const char *address, int count);
     bool write(int dataType, const char *address, int count, const QByteArray &data);
 
-    /// The error text, null when there is no error.
-    QString error();
+    /// The error text, NoError when there is none.
+    std::string error();
 
     SleepRecorder pauses;
     ScriptedChannel channel;

@@ -89,16 +89,19 @@ std::string ScriptedChannel::trace() const
 int ScriptedChannel::readData(char *buffer, int maxLength)
 {
     record(ReadData, maxLength);
-    const int wanted = resultOf(ReadData, maxLength);
-    const int taken = takeBytes(buffer, std::min(wanted, maxLength));
-    return wanted == maxLength ? taken : wanted;
+    int claimed = 0;
+    if (!isToFail(ReadData, claimed))
+        return takeBytes(buffer, maxLength);
+    takeBytes(buffer, std::min(claimed, maxLength));
+    return claimed;
 }
 
 int ScriptedChannel::writeData(const char *data, int length)
 {
     const QByteArray request(data, length);
     record(WriteData, length, request);
-    const int sent = resultOf(WriteData, connected ? length : 0);
+    int sent = connected ? length : 0;
+    isToFail(WriteData, sent);
     if (sent != length)
         return sent;
     incoming.clear();
@@ -114,7 +117,9 @@ int ScriptedChannel::writeData(const char *data, int length)
 bool ScriptedChannel::open()
 {
     record(Open);
-    connected = resultOf(Open, 1) != 0;
+    int result = 1;
+    isToFail(Open, result);
+    connected = result != 0;
     return connected;
 }
 
@@ -137,7 +142,9 @@ DeviceSetting *ScriptedChannel::deviceSetting() const
 bool ScriptedChannel::isConnected() const
 {
     record(IsConnected);
-    return resultOf(IsConnected, connected ? 1 : 0) != 0;
+    int result = connected ? 1 : 0;
+    isToFail(IsConnected, result);
+    return result != 0;
 }
 
 int ScriptedChannel::retryCount() const
@@ -170,15 +177,17 @@ void ScriptedChannel::record(Operation operation, int length, const QByteArray &
     log.push_back(call);
 }
 
-// The usual answer, unless this is the call that was to fail.
-int ScriptedChannel::resultOf(Operation operation, int usual) const
+// Whether this is a call that was to fail; its result is then what was said.
+bool ScriptedChannel::isToFail(Operation operation, int &result) const
 {
-    int result = usual;
+    bool isHit = false;
     const auto range = failures.equal_range(operation);
     for (auto failure = range.first; failure != range.second; ++failure)
-        if (--failure->second.callsLeft == 0)
+        if (--failure->second.callsLeft == 0) {
             result = failure->second.result;
-    return result;
+            isHit = true;
+        }
+    return isHit;
 }
 
 int ScriptedChannel::takeBytes(char *buffer, int maxLength)

@@ -92,7 +92,7 @@ private:
     };
 
     void record(Operation operation, int length = 0, const QByteArray &bytes = QByteArray()) const;
-    int resultOf(Operation operation, int usual) const;
+    bool isToFail(Operation operation, int &result) const;
     int takeBytes(char *buffer, int maxLength);
 
     // The contract's questions are const and are recorded as well.
