@@ -27,12 +27,12 @@ DriverTest::DriverTest(const QStringList &tags)
 
 QByteArray DriverTest::read(int dataType, const char *address, int count)
 {
-    return driver.read(&channel, makeCommand(dataType, QLatin1String(address), count));
+    return driver.read(&channel, makeCommand(dataType, QString::fromUtf8(address), count));
 }
 
 bool DriverTest::write(int dataType, const char *address, int count, const QByteArray &data)
 {
-    return driver.write(&channel, makeCommand(dataType, QLatin1String(address), count), data);
+    return driver.write(&channel, makeCommand(dataType, QString::fromUtf8(address), count), data);
 }
 
 std::string DriverTest::error()
