@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+#include <optional>
+
+/// The arguments of one subcommand: its options, what is wrong with them, and its help.
+class CommandLine
+{
+public:
+    struct Texts {
+        const char *name;      ///< "read"
+        const char *arguments; ///< "[TARGET] ADDRESS..."
+        const char *summary;
+        const char *example;
+    };
+
+    explicit CommandLine(const Texts &texts);
+
+    void addOptions(const QList<QCommandLineOption> &options) { m_parser.addOptions(options); }
+
+    /// Takes the arguments behind the subcommand's name. The exit code when the run ends with that: help was
+    /// asked for, or an option is unknown.
+    std::optional<int> parse(const QStringList &arguments);
+
+    bool isSet(const char *option) const { return m_parser.isSet(QLatin1String(option)); }
+    QString text(const char *option) const { return m_parser.value(QLatin1String(option)); }
+    QStringList texts(const char *option) const { return m_parser.values(QLatin1String(option)); }
+    /// The option's number; one outside the limits is a mistake and gives \a lowest.
+    int number(const char *option, int lowest, int highest);
+    /// An option in seconds, "0.5", as milliseconds.
+    int milliseconds(const char *option, int lowest, int highest);
+    /// Which of \a choices the option names; the first, and a mistake, when none.
+    int choice(const char *option, const QStringList &choices);
+
+    /// What is left when options are taken away.
+    QStringList words() const;
+
+    /// Notes the first thing that is wrong.
+    void mistake(const QString &text);
+    bool isRight() const { return m_mistake.isEmpty(); }
+    /// Tells the mistake; the exit code.
+    int refuse() const;
+
+private:
+    QString helpText() const;
+
+    Texts m_texts;
+    QCommandLineParser m_parser;
+    QString m_mistake;
+};
+
+/// A word with the minus sign that CommandLine::words() puts in front of negative numbers, which would be
+/// taken for options, made an ordinary one.
+QString withPlainMinus(const QString &word);

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QStringList>
+
+/// The subcommands. Each takes the arguments behind its name and returns the exit code.
+int runInfo(const QStringList &arguments);
+int runRead(const QStringList &arguments);
+int runWrite(const QStringList &arguments);
+int runDemo(const QStringList &arguments);

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "command_line.h"
+#include "items.h"
+#include "value_output.h"
+
+const int MostItems = 65536;
+
+/// What the addresses on the command line stand for.
+struct ItemOptions {
+    std::optional<ItemKind> kind; ///< otherwise what each address suggests
+    int count = 1;
+    ValueForm form = ValueForm::Unsigned;
+    std::optional<bool> highWordFirst; ///< otherwise what each address says
+    bool isRaw = false;
+};
+
+QList<QCommandLineOption> itemOptions();
+/// The option for the number of items, "items", and \a names besides.
+QCommandLineOption itemCountOption(const QStringList &names = {});
+
+QCommandLineOption formatOption();
+OutputFormat formatOf(CommandLine &line);
+
+/// Mistakes are noted in \a line.
+ItemOptions itemOptionsOf(CommandLine &line);
+/// The items at the address \a text; a mistake is noted in \a line.
+Items itemsAt(const QString &text, const ItemOptions &options, CommandLine &line);

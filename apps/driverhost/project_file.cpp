@@ -1,0 +1,133 @@
+#include "project_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QUuid>
+#include <QVariant>
+
+#include <functional>
+
+namespace
+{
+
+const char *const Tables[] = {
+    "CREATE TABLE LINK (LINKID INTEGER PRIMARY KEY, HMIPORT INTEGER NOT NULL)",
+    "CREATE TABLE NODE (LINKID INTEGER NOT NULL, STATIONID INTEGER NOT NULL, ISDEFAULT INTEGER NOT NULL, "
+    "IP TEXT, PORT INTEGER)",
+    "CREATE TABLE custom_tag_table (address TEXT NOT NULL, connector_id INTEGER NOT NULL)",
+};
+
+// A connection to a database file for as long as this lives.
+class Database
+{
+public:
+    Database(const QString &path, const QString &options) : m_name(QUuid::createUuid().toString())
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        database.setDatabaseName(path);
+        database.setConnectOptions(options);
+        if (!database.open())
+            m_error = database.lastError().text();
+    }
+    ~Database()
+    {
+        QSqlDatabase::database(m_name, false).close();
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    // Runs one statement; after the first failure nothing more.
+    void run(const QString &statement, const QVariantList &values = {})
+    {
+        select(statement, values, [](const QSqlQuery &) {});
+    }
+    void select(const QString &statement, const QVariantList &values,
+                const std::function<void(const QSqlQuery &)> &takeRow)
+    {
+        if (!m_error.isEmpty())
+            return;
+        QSqlQuery query(QSqlDatabase::database(m_name, false));
+        query.setForwardOnly(true);
+        bool isGood = query.prepare(statement);
+        for (const QVariant &value : values)
+            query.addBindValue(value);
+        isGood = isGood && query.exec();
+        while (isGood && query.next())
+            takeRow(query);
+        if (query.lastError().isValid())
+            m_error = query.lastError().text();
+    }
+    const QString &error() const { return m_error; }
+
+private:
+    QString m_name;
+    QString m_error;
+};
+
+void insertProject(Database &database, const Project &project)
+{
+    for (const char *table : Tables)
+        database.run(QLatin1String(table));
+    database.run(QStringLiteral("BEGIN"));
+    for (const Project::Link &link : project.links)
+        database.run(QStringLiteral("INSERT INTO LINK VALUES (?, ?)"), {link.id, link.hmiPort});
+    for (const Project::Node &node : project.nodes)
+        database.run(QStringLiteral("INSERT INTO NODE VALUES (?, ?, ?, ?, ?)"),
+                     {node.link, node.station, node.isDefault ? 1 : 0, node.host, node.port});
+    for (const Project::Tag &tag : project.tags)
+        database.run(QStringLiteral("INSERT INTO custom_tag_table VALUES (?, ?)"), {tag.address, tag.link});
+    database.run(QStringLiteral("COMMIT"));
+}
+
+} // namespace
+
+bool writeProjectFile(const QString &path, const Project &project, QString &error)
+{
+    const QString unfinished = path + QStringLiteral(".new");
+    QFile::remove(unfinished);
+    {
+        Database database(unfinished, QString());
+        insertProject(database, project);
+        error = database.error();
+    }
+    // rename() replaces in one step, which QFile::rename() does not.
+    if (error.isEmpty() &&
+        std::rename(QFile::encodeName(unfinished).constData(), QFile::encodeName(path).constData()) == 0)
+        return true;
+    if (error.isEmpty())
+        error = qt_error_string();
+    error = QStringLiteral("cannot write the project database %1: %2").arg(path, error);
+    QFile::remove(unfinished);
+    return false;
+}
+
+std::optional<Project> readProjectFile(const QString &path, QString &error)
+{
+    if (!QFileInfo(path).isFile()) {
+        error = QStringLiteral("%1: there is no such file").arg(path);
+        return std::nullopt;
+    }
+    Project project;
+    Database database(path, QStringLiteral("QSQLITE_OPEN_READONLY"));
+    database.select(QStringLiteral("SELECT LINKID, HMIPORT FROM LINK"), {}, [&](const QSqlQuery &row) {
+        project.links.append({row.value(0).toInt(), row.value(1).toInt()});
+    });
+    database.select(QStringLiteral("SELECT LINKID, STATIONID, ISDEFAULT, IP, PORT FROM NODE"), {},
+                    [&](const QSqlQuery &row) {
+                        project.nodes.append({row.value(0).toInt(), row.value(1).toInt(),
+                                              row.value(2).toInt() == 1, row.value(3).toString(),
+                                              static_cast<quint16>(row.value(4).toUInt())});
+                    });
+    database.select(QStringLiteral("SELECT connector_id, address FROM custom_tag_table"), {},
+                    [&](const QSqlQuery &row) {
+                        project.tags.append({row.value(0).toInt(), row.value(1).toString()});
+                    });
+    if (database.error().isEmpty())
+        return project;
+    error = QStringLiteral("%1: %2").arg(path, database.error());
+    return std::nullopt;
+}

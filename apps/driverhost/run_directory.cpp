@@ -1,0 +1,148 @@
+#include "run_directory.h"
+
+#include "child_process.h"
+#include "exit_codes.h"
+#include "messages.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <unistd.h>
+
+namespace
+{
+
+const char DirectoryVariable[] = "DRIVERHOST_RUN_DIRECTORY";
+const char PluginVariable[] = "DRIVERHOST_RUN_PLUGIN";
+const char NamePattern[] = "driverhost-XXXXXX";
+const int MostTries = 10;
+
+QString lockPath(const QString &directory)
+{
+    return directory + QStringLiteral("/lock");
+}
+
+// A lock tells a directory in use from one left behind. The lock of a directory that was made this moment may
+// still be missing; its maker then finds that it has lost it, and makes another one.
+void removeLeftovers(const QString &place)
+{
+    QDir folder(place);
+    folder.setFilter(QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
+    folder.setNameFilters({QString::fromLatin1(NamePattern).replace(QLatin1Char('X'), QLatin1Char('?'))});
+    for (const QFileInfo &entry : folder.entryInfoList()) {
+        if (entry.ownerId() != getuid())
+            continue;
+        QLockFile lock(lockPath(entry.filePath()));
+        lock.setStaleLockTime(0);
+        if (lock.tryLock(0))
+            QDir(entry.filePath()).removeRecursively();
+    }
+}
+
+bool copyProgram(const QString &target)
+{
+    // Also right when the file on the disk has been replaced meanwhile.
+    return QFile::copy(QStringLiteral("/proc/self/exe"), target) &&
+           QFile::setPermissions(target, QFile::ReadOwner | QFile::ExeOwner);
+}
+
+} // namespace
+
+bool runsInRunDirectory()
+{
+    const QByteArray directory = qgetenv(DirectoryVariable);
+    return !directory.isEmpty() && QFileInfo(QFile::decodeName(directory)).canonicalFilePath() ==
+                                       QFileInfo(QCoreApplication::applicationDirPath()).canonicalFilePath();
+}
+
+QString inheritedPlugin()
+{
+    return QFile::decodeName(qgetenv(PluginVariable));
+}
+
+QStringList RunDirectory::usualPlaces()
+{
+    QStringList places{QDir::tempPath()};
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    if (!runtime.isEmpty())
+        places += runtime;
+    places += QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    return places;
+}
+
+RunDirectory::RunDirectory(const QStringList &places)
+{
+    for (const QString &place : places) {
+        if (!tryPlace(place))
+            continue;
+        if (place != places.first())
+            complain(QStringLiteral("programs cannot run from %1; using %2").arg(places.first(), place));
+        return;
+    }
+    m_error = QStringLiteral(
+                  "no folder to run the driver from: programs cannot run from %1 (set TMPDIR to a folder "
+                  "that is not mounted noexec)")
+                  .arg(places.join(QStringLiteral(", ")));
+}
+
+bool RunDirectory::tryPlace(const QString &place)
+{
+    QDir().mkpath(place);
+    removeLeftovers(place);
+    for (int i = 0; i < MostTries; ++i) {
+        auto directory =
+            std::make_unique<QTemporaryDir>(place + QLatin1Char('/') + QLatin1String(NamePattern));
+        if (!directory->isValid())
+            return false;
+        auto lock = std::make_unique<QLockFile>(lockPath(directory->path()));
+        lock->setStaleLockTime(0);
+        if (!lock->tryLock(0))
+            continue;
+        m_directory = std::move(directory);
+        m_lock = std::move(lock);
+        const bool isReady = copyProgram(programPath()) && QDir().mkpath(QFileInfo(databasePath()).path()) &&
+                             access(QFile::encodeName(programPath()).constData(), X_OK) == 0;
+        if (!isReady) {
+            m_lock.reset();
+            m_directory.reset();
+        }
+        return isReady;
+    }
+    return false;
+}
+
+QString RunDirectory::programPath() const
+{
+    return path() + QStringLiteral("/driverhost");
+}
+
+QString RunDirectory::databasePath() const
+{
+    return path() + QStringLiteral("/compile/database/database");
+}
+
+int runBesideDatabase(const QString &plugin, const DatabaseMaker &makeDatabase)
+{
+    ChildEnd end;
+    {
+        // From here on a signal ends the child, not this process, which has to tidy up.
+        const SignalForwarding forwarding;
+        const RunDirectory directory;
+        if (!directory.isValid()) {
+            complain(directory.errorString());
+            return DatabaseError;
+        }
+        QString error;
+        if (!makeDatabase(directory.databasePath(), error)) {
+            complain(error);
+            return DatabaseError;
+        }
+        end =
+            forwarding.run(directory.programPath(), {{DirectoryVariable, QFile::encodeName(directory.path())},
+                                                     {PluginVariable, QFile::encodeName(plugin)}});
+    }
+    return end.signal == 0 ? end.code : dieOf(end.signal);
+}

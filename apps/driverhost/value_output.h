@@ -1,0 +1,33 @@
+#pragma once
+
+#include "items.h"
+#include "values.h"
+
+#include <QStringList>
+
+enum class OutputFormat { Text, Csv, Json };
+
+/// "text", "csv", "json", in the order of the enumeration.
+QStringList outputFormatNames();
+
+/// One value as it was read.
+struct ValueRow {
+    int station = 1;
+    QString address; ///< as people write it
+    int offset = -1; ///< zero-based, on the wire; -1 when not known
+    ItemKind kind = WordItem;
+    ValueForm form = ValueForm::Unsigned;
+    quint32 value = 0;
+};
+
+/// The values of \a items in the driver's data, a row each.
+std::vector<ValueRow> rowsOf(const Items &items, const QByteArray &data, int station, ValueForm form);
+
+/// Rows as lines of the format, aligned when it is text. CSV and text begin with a line of titles.
+QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format);
+
+/// What the "value" column holds.
+QString valueText(const ValueRow &row);
+
+/// Writes lines to standard output at once; false when nobody reads it any more.
+bool print(const QStringList &lines);

@@ -1,0 +1,133 @@
+#include "commands.h"
+
+#include "item_options.h"
+#include "messages.h"
+#include "session.h"
+
+namespace
+{
+
+const CommandLine::Texts Texts = {
+    "write",
+    "[rtutcp://HOST:PORT/STATION] ADDRESS VALUE...",
+    "Writes values through the driver, from the address on. HR writes with function 16, FN6HR register by "
+    "register\n"
+    "with function 6, DO with function 15, FN5DO coil by coil with function 5; HR7.3 changes bits of "
+    "registers.\n"
+    "What does not fit the item is refused before anything is sent.",
+    "  driverhost write rtutcp://192.168.0.10:502/1 HR100 1234 -5 --verify\n"
+    "  driverhost write HR20 3.5 --as float --word-order high",
+};
+
+// Limits of one request ("MODBUS Application Protocol V1.1b3", 6.11 and 6.12).
+const int MostCoils = 1968;
+const int MostRegisters = 123;
+
+QString problemWith(const Items &items)
+{
+    const Area area = items.address.area;
+    if (area == Area::InputRegisters || area == Area::DiscreteInputs)
+        return QStringLiteral("%1 is an input and cannot be written").arg(items.address.areaName);
+    if (items.address.isBitArea() && isByteKind(items.kind))
+        return QStringLiteral("%1 is written bit by bit; expected the kind bit").arg(items.address.areaName);
+    const int most = items.address.isBitArea() ? MostCoils : MostRegisters;
+    if (extentOf(items) > most)
+        return QStringLiteral("one request writes %1 %2 at most")
+            .arg(QString::number(most),
+                 items.address.isBitArea() ? QStringLiteral("coils") : QStringLiteral("registers"));
+    return {};
+}
+
+struct WriteRequest {
+    Items items;
+    ValueForm form = ValueForm::Unsigned;
+    std::vector<quint32> values;
+};
+
+WriteRequest writeRequest(const QStringList &words, const ItemOptions &options, CommandLine &line)
+{
+    WriteRequest request;
+    if (words.size() < 2) {
+        line.mistake(QStringLiteral("expected an address and at least one value"));
+        return request;
+    }
+    ItemOptions itemOptions = options;
+    itemOptions.count = words.size() - 1;
+    request.items = itemsAt(words.first(), itemOptions, line);
+    request.form = options.form;
+    for (const QString &word : words.mid(1)) {
+        QString error;
+        const std::optional<quint32> value = parseValue(word, request.items.kind, options.form, error);
+        if (!value)
+            line.mistake(error);
+        request.values.push_back(value.value_or(0));
+    }
+    const QString problem = request.items.isRaw() ? QString() : problemWith(request.items);
+    if (!problem.isEmpty())
+        line.mistake(QStringLiteral("address \"%1\": %2").arg(words.first(), problem));
+    return request;
+}
+
+// Whether the slave holds what was written.
+int verify(Session &session, const WriteRequest &request)
+{
+    std::vector<quint32> read;
+    for (const Items &portion : requestsFor(request.items)) {
+        const std::optional<QByteArray> data = session.read(portion);
+        if (!data) {
+            tellFailure(session, portion);
+            return session.failure();
+        }
+        const std::vector<quint32> values = valuesIn(*data, portion);
+        read.insert(read.end(), values.begin(), values.end());
+    }
+    int code = Success;
+    for (size_t i = 0; i < read.size(); ++i) {
+        if (read[i] == request.values[i])
+            continue;
+        complain(QStringLiteral("%1: wrote %2, read back %3")
+                     .arg(request.items.label(static_cast<int>(i)),
+                          formatValue(request.values[i], request.items.kind, request.form),
+                          formatValue(read[i], request.items.kind, request.form)));
+        code = NotVerified;
+    }
+    if (code == Success)
+        tell(QStringLiteral("%1: verified").arg(request.items.label(0)));
+    return code;
+}
+
+int writeAll(Session &session, const WriteRequest &request, bool isVerified)
+{
+    if (!session.write(request.items, dataOf(request.values, request.items.kind))) {
+        tellFailure(session, request.items);
+        return session.failure();
+    }
+    tell(
+        QStringLiteral("%1: wrote %2 of kind %3")
+            .arg(request.items.label(0), QString::number(request.values.size()), nameOf(request.items.kind)));
+    return isVerified ? verify(session, request) : Success;
+}
+
+} // namespace
+
+int runWrite(const QStringList &arguments)
+{
+    CommandLine line(Texts);
+    line.addOptions(itemOptions());
+    line.addOptions({{QStringLiteral("verify"), QStringLiteral("Read back what was written and compare.")}});
+    line.addOptions(linkOptions());
+    if (const std::optional<int> end = line.parse(arguments))
+        return *end;
+
+    QStringList words = line.words();
+    const LinkSettings link = linkSettings(line, words);
+    const WriteRequest request = writeRequest(words, itemOptionsOf(line), line);
+    if (!line.isRight())
+        return line.refuse();
+
+    const bool isVerified = line.isSet("verify");
+    const int station =
+        request.items.address.station < 0 ? link.channel.station : request.items.address.station;
+    return runWithDriver(link, tagsFor(request.items, station),
+                         [&](Session &session) { return writeAll(session, request, isVerified); });
+}
