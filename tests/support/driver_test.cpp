@@ -17,7 +17,7 @@ QStringList stringList(std::initializer_list<const char *> texts)
     return list;
 }
 
-DriverTest::DriverTest(const QStringList &tags)
+LoadedDriver::LoadedDriver(const QStringList &tags)
 {
     const ProjectDatabase project(tags, 1);
     const CommunicatorCommand unsupported = makeCommand(4, QString(), 0);
@@ -25,17 +25,25 @@ DriverTest::DriverTest(const QStringList &tags)
     channel.forgetCalls();
 }
 
-QByteArray DriverTest::read(int dataType, const char *address, int count)
+QByteArray LoadedDriver::read(int dataType, const char *address, int count)
 {
     return driver.read(&channel, makeCommand(dataType, QString::fromUtf8(address), count));
 }
 
-bool DriverTest::write(int dataType, const char *address, int count, const QByteArray &data)
+bool LoadedDriver::write(int dataType, const char *address, int count, const QByteArray &data)
 {
     return driver.write(&channel, makeCommand(dataType, QString::fromUtf8(address), count), data);
 }
 
-std::string DriverTest::error()
+std::string LoadedDriver::error()
 {
     return driver.hasError() ? std::string(driver.getLastError().toUtf8().constData()) : NoError;
+}
+
+QByteArray patternBytes(int size)
+{
+    QByteArray bytes(size, '\0');
+    for (int i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(i * 37 + 11);
+    return bytes;
 }

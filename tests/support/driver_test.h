@@ -15,23 +15,30 @@ const char NoError[] = "no error";
 CommunicatorCommand makeCommand(int dataType, const QString &address, int count);
 /// The strings as a list, for tags.
 QStringList stringList(std::initializer_list<const char *> texts);
+/// \a size bytes, each different from its neighbours, over the whole range of values.
+QByteArray patternBytes(int size);
 
 /// A driver on a scripted channel of station 1. Pauses take no time.
 ///
-/// The project has only the link of the channel, with the tags that a test's constructor gives; the database
-/// is there until the driver has loaded it, with the first command.
-class DriverTest : public testing::Test
-{
-protected:
-    explicit DriverTest(const QStringList &tags = QStringList());
+/// The project has only the link of the channel, with these tags and the default station 1; the database is
+/// gone once the driver has loaded it.
+struct LoadedDriver {
+    explicit LoadedDriver(const QStringList &tags = QStringList());
 
     QByteArray read(int dataType, const char *address, int count);
     bool write(int dataType, const char *address, int count, const QByteArray &data);
 
     /// The error text, NoError when there is none.
     std::string error();
+    /// Whether nothing was sent since the calls were last forgotten.
+    bool isSilent() const { return channel.count(ScriptedChannel::WriteData) == 0; }
 
     SleepRecorder pauses;
     ScriptedChannel channel;
     DriverModbusRtuSlaveOverTcp driver;
+};
+
+/// A test with a loaded driver whose project uses no bit addresses.
+class DriverTest : public testing::Test, protected LoadedDriver
+{
 };
