@@ -24,7 +24,7 @@ int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
 void ModbusBitSet::setSort(UShortVector &set)
 {
     std::sort(set.begin(), set.end());
-    // A copy of the unique part has just its size; shrink_to_fit() does nothing in a build without
+    // A copy of the unique part has just its size; shrink_to_fit() may do nothing in a build without
     // exceptions.
     UShortVector(set.begin(), std::unique(set.begin(), set.end())).swap(set);
 }

@@ -13,7 +13,7 @@ LITERAL = re.compile(r'"((?:[^"\\]|\\.)*)"')
 
 def calls(source, name):
     """The argument texts of every call of `name` in `source`."""
-    for match in re.finditer(re.escape(name) + r"\(", source):
+    for match in re.finditer(r"\b" + re.escape(name) + r"\(", source):
         depth, end = 1, match.end()
         while depth:
             depth += {"(": 1, ")": -1}.get(source[end], 0)
@@ -26,8 +26,9 @@ def raised_texts(tree):
     texts = set()
     for path in sorted((tree / "runtime" / "drivers").rglob("*.cpp")):
         source = path.read_text()
-        for arguments in calls(source, "setCommError"):
-            texts.update(LITERAL.findall(arguments)[:1])
+        for name in ("setCommError", "fail", "failAndClose"):
+            for arguments in calls(source, name):
+                texts.update(LITERAL.findall(arguments)[:1])
         for arguments in calls(source, "TOOL_ASSERT"):
             texts.update(LITERAL.findall(arguments)[-1:])
     return texts

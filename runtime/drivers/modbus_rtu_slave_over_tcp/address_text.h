@@ -7,12 +7,16 @@
 ///
 /// \a area is appended to, letters in their case; \a offset is the one-based number minus one, modulo 65536,
 /// and 65535 when the text has no number where one should be; \a bit is written only when a "." follows,
-/// modulo 256. No text is refused: the offset 65535 fails the range checks of all but single items.
+/// modulo 256. No text is refused: from offset 65535 on nothing longer than one register or bit is in range, but
+/// byte reads of bit areas go on at 0.
 void ModbusRTUSlaveParseAddress(const QString &text, QByteArray &area, unsigned short &offset,
                                 unsigned char &bit);
 
 /// Whether the area begins with \a prefix, or is \a name, in any case.
-bool areaStartsWith(const QByteArray &area, const char *prefix);
+inline bool areaStartsWith(const QByteArray &area, const char *prefix)
+{
+    return qstrnicmp(area.constData(), prefix, qstrlen(prefix)) == 0;
+}
 bool areaIs(const QByteArray &area, const char *name);
 
 /// "HR" and "FN6HR": holding registers; every other area of registers is read as input registers.

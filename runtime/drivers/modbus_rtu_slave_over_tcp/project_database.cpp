@@ -25,6 +25,14 @@ bool isDatabaseFile(const QString &path)
     return header.isEmpty() || header == magic;
 }
 
+// Qt 4.8 leaks a handle with every open that fails, so a connection is only opened again when its file is
+// there.
+bool canBeOpened(const QString &connectionName)
+{
+    const QSqlDatabase database = QSqlDatabase::database(connectionName, false);
+    return database.isOpen() || isDatabaseFile(database.databaseName());
+}
+
 unsigned short zeroBased(unsigned int number)
 {
     return static_cast<unsigned short>(number - 1);
@@ -64,9 +72,11 @@ bool DriverModbusRtuSlaveOverTcp::readDB(const QString &devStr)
         }
     }
 
+    const int hmiPort = DevStrToHmiPort(devStr);
     int linkId = 0;
     unsigned char defaultStation = 0;
-    if (!GetLinkIdAndDefaultStationId(connectionName, DevStrToHmiPort(devStr), linkId, defaultStation)) {
+    if (!canBeOpened(connectionName) ||
+        !GetLinkIdAndDefaultStationId(connectionName, hmiPort, linkId, defaultStation)) {
         setCommError(QLatin1String("failed to get default station id"));
         return false;
     }

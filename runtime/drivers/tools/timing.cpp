@@ -10,7 +10,7 @@ void HRSleep(unsigned long milliseconds)
     const quint32 nanoseconds = static_cast<quint32>(milliseconds) * 1000000u;
     if (nanoseconds == 0)
         return;
-    timespec left = {};
+    timespec left;
     left.tv_sec = static_cast<time_t>(nanoseconds / 1000000000u);
     left.tv_nsec = static_cast<long>(nanoseconds % 1000000000u);
     while (nanosleep(&left, &left) == -1 && errno == EINTR) {
@@ -19,7 +19,7 @@ void HRSleep(unsigned long milliseconds)
 
 qint64 CurrentMSecsSinceBoot()
 {
-    timespec now = {};
+    timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
     return qint64(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
 }
