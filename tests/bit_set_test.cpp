@@ -43,7 +43,9 @@ TEST(BitSet, FindsEveryEntryFromEveryStart)
     for (int from = 0; from <= size; ++from)
         for (int i = 0; i < size; ++i) {
             EXPECT_EQ(ModbusBitSet::setContains(set, from, set[static_cast<size_t>(i)]), i < from ? -1 : i);
-            EXPECT_EQ(ModbusBitSet::setContains(set, from, static_cast<ushort>(set[static_cast<size_t>(i)] + 1)), -1);
+            EXPECT_EQ(
+                ModbusBitSet::setContains(set, from, static_cast<ushort>(set[static_cast<size_t>(i)] + 1)),
+                -1);
         }
 }
 
