@@ -195,16 +195,22 @@ QStringList contradictions(const QByteArray &frame, const QByteArray &request)
     return parts;
 }
 
+QString bytes(int count)
+{
+    return count == 1 ? QStringLiteral("1 byte") : QStringLiteral("%1 bytes").arg(count);
+}
+
 QStringList describeEnd(const QByteArray &frame, int size)
 {
     if (size == SizeNeedsMoreBytes || size > frame.size()) {
-        const QString whole = size > 0 ? QStringLiteral(" of %1").arg(size) : QString();
-        return {QStringLiteral("incomplete: %1%2 bytes").arg(frame.size()).arg(whole)};
+        if (size == SizeNeedsMoreBytes)
+            return {QStringLiteral("incomplete: ") + bytes(frame.size())};
+        return {QStringLiteral("incomplete: %1 of %2").arg(frame.size()).arg(bytes(size))};
     }
     const int end = size == SizeUnknown ? int(frame.size()) : size;
     QStringList parts{hasGoodCrc(frame.left(end)) ? QStringLiteral("CRC good") : QStringLiteral("CRC bad")};
     if (frame.size() > end)
-        parts << QStringLiteral("%1 more bytes").arg(frame.size() - end);
+        parts << QStringLiteral("then ") + bytes(frame.size() - end);
     return parts;
 }
 
@@ -213,7 +219,7 @@ QStringList describeEnd(const QByteArray &frame, int size)
 QString describeFrame(FrameRole role, const QByteArray &frame, const QByteArray &request)
 {
     if (frame.size() < 2)
-        return QStringLiteral("incomplete: %1 bytes").arg(frame.size());
+        return QStringLiteral("incomplete: ") + bytes(frame.size());
     QStringList parts{QStringLiteral("station %1").arg(byteAt(frame, 0))};
     if (role == FrameRole::Request) {
         parts << functionName(byteAt(frame, 1)) << describeRequest(frame);

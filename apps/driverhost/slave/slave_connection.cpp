@@ -35,6 +35,7 @@ SlaveConnection::SlaveConnection(QTcpSocket *connectedSocket, quint64 connection
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
     silence.setSingleShot(true);
     pause.setSingleShot(true);
+    pause.setTimerType(Qt::PreciseTimer);
     connect(socket, &QTcpSocket::readyRead, this, &SlaveConnection::takeBytes);
     connect(socket, &QTcpSocket::disconnected, this, &SlaveConnection::endConnection);
     connect(&silence, &QTimer::timeout, this, &SlaveConnection::giveUpRequest);
