@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# Checks the style of the tree: clang-format, clang-tidy, shellcheck, the length of files. Installs what is missing and
+# builds the release first, since clang-tidy reads its compile commands and moc's output.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/packages.sh
+
+longest_file=350
+
+main() {
+    install_packages "${build_packages[@]}" "${test_packages[@]}" "${ci_packages[@]}"
+    check_format
+    check_scripts
+    check_length
+    cmake --preset release >/dev/null
+    cmake --build --preset release
+    check_code build/release
+    echo "style is clean"
+}
+
+sources() {
+    git ls-files -- "$@"
+}
+
+check_format() {
+    sources '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+}
+
+check_scripts() {
+    sources '*.sh' .ci/run | xargs shellcheck --external-sources
+}
+
+check_length() {
+    local long
+    long=$(sources '*.cpp' '*.h' '*.py' '*.sh' | xargs wc -l | awk -v most="$longest_file" '$2 != "total" && $1 > most')
+    if [[ -n $long ]]; then
+        printf 'longer than %s lines; one topic a file:\n%s\n' "$longest_file" "$long" >&2
+        return 1
+    fi
+}
+
+check_code() {
+    run-clang-tidy -p "$1" -j "$(nproc)" -quiet "$PWD/(runtime|apps)/.*\.cpp$" >"$1/clang-tidy.log" 2>&1 || {
+        grep -E '(error|warning):' -A 3 "$1/clang-tidy.log" | sort -u | head -n 60 >&2
+        return 1
+    }
+}
+
+main

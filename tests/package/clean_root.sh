@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Makes the packages of a build tree, installs the desk package in a clean Debian root and runs the demo there.
+# Usage: clean_root.sh BUILD_DIR        (as root; needs mmdebstrap and the distribution's archive)
+set -euo pipefail
+
+build=$(realpath "$1")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+
+(cd "$build" && cpack -G "DEB;TGZ" -B "$work/packages")
+deb=$(echo "$work"/packages/*.deb)
+panel=$(echo "$work"/packages/*.tar.gz)
+
+echo "--- $(basename "$deb")"
+dpkg-deb --info "$deb" | grep -E '^ (Package|Version|Architecture|Depends):'
+dpkg-deb --contents "$deb" | awk '{print $1, $3, $6}'
+for wanted in /libmodbus_rtu_slave_over_tcp.so /bin/driverhost /man1/driverhost.1.gz; do
+  dpkg-deb --contents "$deb" | grep -q "$wanted" || { echo "not in the package: $wanted" >&2; exit 1; }
+done
+for wanted in libqt5core5a libqt5sql5 libqt5network5 libqt5serialbus5 libqt5sql5-sqlite; do
+  dpkg-deb --field "$deb" Depends | grep -q "$wanted" || { echo "not a dependency: $wanted" >&2; exit 1; }
+done
+
+echo "--- $(basename "$panel")"
+tar -tzf "$panel"
+test "$(tar -tzf "$panel" | grep -vc '/$')" -eq 1 || { echo "the panel archive holds more than the plug-in" >&2; exit 1; }
+
+echo "--- clean root"
+mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $(. /etc/os-release && echo "$VERSION_CODENAME")" |
+  sort -u | head -n 1)
+mmdebstrap --quiet --variant=minbase --include="$deb" \
+  --customize-hook='chroot "$1" driverhost info' \
+  --customize-hook='chroot "$1" driverhost demo' \
+  "$(. /etc/os-release && echo "$VERSION_CODENAME")" /dev/null "deb $mirror $(. /etc/os-release && echo "$VERSION_CODENAME") main"
