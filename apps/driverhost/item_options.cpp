@@ -107,8 +107,7 @@ Items itemsAt(const QString &text, const ItemOptions &options, CommandLine &line
     const QString problem = problemWith(items, options);
     if (!problem.isEmpty())
         line.mistake(QStringLiteral("address \"%1\": %2").arg(text, problem));
-    if (options.highWordFirst == true && items.kind == DoubleWordItem)
-        items.address.highWordFirst = true;
+    items.highWordFirst = options.highWordFirst.value_or(false);
     if (!checkItems(items, error))
         line.mistake(error);
     return items;

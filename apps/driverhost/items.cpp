@@ -2,6 +2,7 @@
 
 #include "drivers/tools/bit_array.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -12,6 +13,15 @@ namespace
 const int AreaSize = 65536;
 const int RegisterBits = 16;
 const int ByteBits = 8;
+
+// What the driver takes for the number of a text that may be anything.
+int numberInRawText(const QString &text)
+{
+    static const QRegularExpression form(QStringLiteral("^(?:[Ff]..)?[A-Za-z]*(\\d+)"));
+    bool isNumber = false;
+    const uint number = form.match(text).captured(1).toUInt(&isNumber);
+    return isNumber ? static_cast<int>((number - 1) % AreaSize + 1) : AreaSize;
+}
 
 // What one request carries. The driver would ask for 2008 bits; slaves need not answer more than 2000
 // ("MODBUS Application Protocol V1.1b3", 6.1).
@@ -103,7 +113,9 @@ CommunicatorCommand Items::command() const
     CommunicatorCommand command;
     command.dataType = kind;
     command.count = count;
-    command.address = isRaw() ? rawText : address.text();
+    Address whole = address;
+    whole.highWordFirst = whole.highWordFirst || highWordFirst;
+    command.address = isRaw() ? rawText : whole.text();
     return command;
 }
 
@@ -168,14 +180,20 @@ std::vector<Items> requestsFor(const Items &items)
 
 QStringList tagsFor(const Items &items, int station)
 {
-    if (!items.address.isBitArea() || !isByteKind(items.kind))
+    if (!isByteKind(items.kind) || (!items.isRaw() && !items.address.isBitArea()))
         return {};
-    const QString area = items.address.area == Area::Coils ? QStringLiteral("DO") : QStringLiteral("DI");
+    QStringList areas;
+    if (items.isRaw() || items.address.area == Area::Coils)
+        areas += QStringLiteral("DO");
+    if (items.isRaw() || items.address.area == Area::DiscreteInputs)
+        areas += QStringLiteral("DI");
+    const int first = items.isRaw() ? numberInRawText(items.rawText) : items.address.number;
+    const int last = static_cast<int>(std::min<qint64>(first + qint64(items.count) * ByteBits - 1, AreaSize));
     QStringList tags;
-    const int count = static_cast<int>(extentOf(items));
-    for (int i = 0; i < count; ++i)
-        tags += QStringLiteral("%1-%2%3").arg(QString::number(station), area,
-                                              QString::number(items.address.number + i));
+    for (const QString &area : qAsConst(areas)) {
+        for (int number = first; number <= last; ++number)
+            tags += QStringLiteral("%1-%2%3").arg(QString::number(station), area, QString::number(number));
+    }
     return tags;
 }
 

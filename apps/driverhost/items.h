@@ -13,6 +13,8 @@ struct Items {
     Address address;
     ItemKind kind = WordItem;
     int count = 1;
+    /// Of double words, also when the address does not say so.
+    bool highWordFirst = false;
     /// Handed to the driver as it stands, unchecked; the address above is empty then.
     QString rawText;
 
