@@ -3,43 +3,44 @@
 namespace
 {
 
-const unsigned short NoOffset = 65535;
 const int FunctionPrefixLength = 3; // "FN5", "FN6"
 
-char latin1At(const QString &text, int i)
+bool isLetter(QChar c)
 {
-    const ushort unicode = text.at(i).unicode();
-    return unicode > 0xFF ? '?' : static_cast<char>(unicode);
-}
-
-bool isLetter(const QString &text, int i)
-{
-    const ushort lowerCase = text.at(i).unicode() | 0x20;
+    const ushort lowerCase = c.unicode() | 0x20;
     return lowerCase >= 'a' && lowerCase <= 'z';
 }
 
-bool isDigit(const QString &text, int i)
+bool isDigit(QChar c)
 {
-    const ushort unicode = text.at(i).unicode();
-    return unicode >= '0' && unicode <= '9';
+    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
 }
 
-// The number at i, modulo 2^32; i moves behind it.
-unsigned int numberAt(const QString &text, int &i)
+// The number at c, modulo 2^32, 0 when there is none; c moves behind it.
+unsigned int numberAt(const QChar *&c, const QChar *end)
 {
     unsigned int number = 0;
-    for (; i < text.size() && isDigit(text, i); ++i)
-        number = number * 10 + (text.at(i).unicode() - '0');
+    for (; c != end && isDigit(*c); ++c)
+        number = number * 10 + (c->unicode() - '0');
     return number;
 }
 
-int endOfArea(const QString &text)
+const QChar *endOfArea(const QChar *c, const QChar *end)
 {
-    const bool hasFunction = !text.isEmpty() && (text.at(0).unicode() | 0x20) == 'f';
-    int i = hasFunction ? qMin(FunctionPrefixLength, text.size()) : 0;
-    while (i < text.size() && isLetter(text, i))
-        ++i;
-    return i;
+    const bool hasFunction = c != end && (c->unicode() | 0x20) == 'f';
+    if (hasFunction)
+        c += qMin(FunctionPrefixLength, static_cast<int>(end - c));
+    while (c != end && isLetter(*c))
+        ++c;
+    return c;
+}
+
+void appendLatin1(QByteArray &bytes, const QChar *c, const QChar *end)
+{
+    const int before = bytes.size();
+    bytes.resize(before + static_cast<int>(end - c));
+    for (char *out = bytes.data() + before; c != end; ++c)
+        *out++ = c->unicode() > 0xFF ? '?' : static_cast<char>(c->unicode());
 }
 
 } // namespace
@@ -47,23 +48,16 @@ int endOfArea(const QString &text)
 void ModbusRTUSlaveParseAddress(const QString &text, QByteArray &area, unsigned short &offset,
                                 unsigned char &bit)
 {
-    int i = endOfArea(text);
-    const int before = area.size();
-    area.resize(before + i);
-    char *letters = area.data() + before;
-    for (int letter = 0; letter < i; ++letter)
-        letters[letter] = latin1At(text, letter);
+    const QChar *c = text.constData();
+    const QChar *const end = c + text.size();
+    const QChar *const areaEnd = endOfArea(c, end);
+    appendLatin1(area, c, areaEnd);
 
-    const bool hasNumber = i < text.size() && isDigit(text, i);
-    offset = hasNumber ? static_cast<unsigned short>(numberAt(text, i) - 1) : NoOffset;
+    c = areaEnd;
+    offset = static_cast<unsigned short>(numberAt(c, end) - 1);
 
-    if (i < text.size() && text.at(i) == QLatin1Char('.'))
-        bit = static_cast<unsigned char>(numberAt(text, ++i));
-}
-
-bool areaStartsWith(const QByteArray &area, const char *prefix)
-{
-    return qstrnicmp(area.constData(), prefix, qstrlen(prefix)) == 0;
+    if (c != end && *c == QLatin1Char('.'))
+        bit = static_cast<unsigned char>(numberAt(++c, end));
 }
 
 bool areaIs(const QByteArray &area, const char *name)

@@ -7,8 +7,8 @@
 ///
 /// \a area is appended to, letters in their case; \a offset is the one-based number minus one, modulo 65536,
 /// and 65535 when the text has no number where one should be; \a bit is written only when a "." follows,
-/// modulo 256. No text is refused: from offset 65535 on nothing longer than one register or bit is in range, but
-/// byte reads of bit areas go on at 0.
+/// modulo 256. No text is refused: from offset 65535 on nothing longer than one register or bit is in range,
+/// but byte reads of bit areas go on at 0.
 void ModbusRTUSlaveParseAddress(const QString &text, QByteArray &area, unsigned short &offset,
                                 unsigned char &bit);
 

@@ -40,5 +40,5 @@ bool DriverModbusRtuSlaveOverTcp::beginAttempt(AbstractDeviceInterface *device,
 
 bool DriverModbusRtuSlaveOverTcp::mayRetry(AbstractDeviceInterface *device, int attempt)
 {
-    return hasError() && attempt < device->retryCount();
+    return errorFlag && attempt < device->retryCount();
 }

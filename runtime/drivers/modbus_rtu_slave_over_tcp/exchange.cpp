@@ -18,11 +18,8 @@ const int FirstStage = 5;
 bool DriverModbusRtuSlaveOverTcp::exchange(AbstractDeviceInterface *device, const QByteArray &request,
                                            int restSize, Reply &reply)
 {
-    if (device->writeData(request.constData(), request.size()) != request.size()) {
-        setCommError(device->errorString());
-        device->close();
-        return false;
-    }
+    if (device->writeData(request.constData(), request.size()) != request.size())
+        return failAndClose(device, device->errorString());
 
     std::memset(reply, 0, sizeof reply);
     char *buffer = reinterpret_cast<char *>(reply);
@@ -32,55 +29,56 @@ bool DriverModbusRtuSlaveOverTcp::exchange(AbstractDeviceInterface *device, cons
     if (!checkException(buffer, static_cast<unsigned char>(request.at(1))))
         return false;
 
-    if (device->readData(buffer + FirstStage, restSize) != restSize) {
-        setCommError(QLatin1String("packet loss"));
-        device->close();
-        return false;
-    }
+    if (device->readData(buffer + FirstStage, restSize) != restSize)
+        return failAndClose(device, QLatin1String("packet loss"));
     return checkCRC(reply, FirstStage + restSize);
 }
 
 bool DriverModbusRtuSlaveOverTcp::checkMinADU(AbstractDeviceInterface *device, const char *reply,
                                               int received)
 {
-    if (received <= 0) {
-        setCommError(QLatin1String("PLC no response"));
-        device->close();
-        return false;
-    }
-    if (received != FirstStage) {
-        setCommError(QString::fromLatin1("received bytes < %1").arg(FirstStage));
-        device->close();
-        return false;
-    }
     const int station = static_cast<unsigned char>(reply[0]);
-    if (station != device->stationId()) {
-        setCommError(QString::fromLatin1("invalid slave id:%1").arg(station));
-        return false;
-    }
-    return true;
+    return (received == FirstStage && station == device->stationId()) ||
+           refuseFirstStage(device, station, received);
+}
+
+bool DriverModbusRtuSlaveOverTcp::refuseFirstStage(AbstractDeviceInterface *device, int station, int received)
+{
+    if (received <= 0)
+        return failAndClose(device, QLatin1String("PLC no response"));
+    if (received != FirstStage)
+        return failAndClose(device, QString::fromLatin1("received bytes < %1").arg(FirstStage));
+    return fail(QString::fromLatin1("invalid slave id:%1").arg(station));
 }
 
 bool DriverModbusRtuSlaveOverTcp::checkException(const char *reply, unsigned char function)
 {
     const auto *bytes = reinterpret_cast<const unsigned char *>(reply);
-    if (bytes[1] == function)
-        return true;
-    if (bytes[1] != (function | 0x80)) {
-        setCommError(QLatin1String("invalid response"));
-        return false;
-    }
-    if (checkCRC(bytes, FirstStage)) {
-        const QString code = QString::number(bytes[2], 16).toUpper().rightJustified(2, QLatin1Char('0'));
-        setCommError(QLatin1String("exception code:0x") + code);
-    }
-    return false;
+    return bytes[1] == function || refuseAnswer(bytes, function);
+}
+
+bool DriverModbusRtuSlaveOverTcp::refuseAnswer(const unsigned char *reply, unsigned char function)
+{
+    if (reply[1] != (function | 0x80))
+        return fail(QLatin1String("invalid response"));
+    const QString code = QString::number(reply[2], 16).toUpper().rightJustified(2, QLatin1Char('0'));
+    return checkCRC(reply, FirstStage) && fail(QLatin1String("exception code:0x") + code);
 }
 
 bool DriverModbusRtuSlaveOverTcp::checkCRC(const unsigned char *reply, int size)
 {
-    if (ModbusRTUSlaveCheckCRC(reply, static_cast<unsigned int>(size)))
-        return true;
-    setCommError(QLatin1String("CRC error"));
+    return ModbusRTUSlaveCheckCRC(reply, static_cast<unsigned int>(size)) || fail(QLatin1String("CRC error"));
+}
+
+bool DriverModbusRtuSlaveOverTcp::fail(const QString &text)
+{
+    setCommError(text);
+    return false;
+}
+
+bool DriverModbusRtuSlaveOverTcp::failAndClose(AbstractDeviceInterface *device, const QString &text)
+{
+    setCommError(text);
+    device->close();
     return false;
 }

@@ -55,8 +55,12 @@ private:
     // One exchange: exchange.cpp
     bool exchange(AbstractDeviceInterface *device, const QByteArray &request, int restSize, Reply &reply);
     bool checkMinADU(AbstractDeviceInterface *device, const char *reply, int received);
+    bool refuseFirstStage(AbstractDeviceInterface *device, int station, int received);
     bool checkException(const char *reply, unsigned char function);
+    bool refuseAnswer(const unsigned char *reply, unsigned char function);
     bool checkCRC(const unsigned char *reply, int size);
+    bool fail(const QString &text);
+    bool failAndClose(AbstractDeviceInterface *device, const QString &text);
 
     // Attempts and dispatch: attempt.cpp, read.cpp, write.cpp
     bool loadProjectOnce(AbstractDeviceInterface *device);
@@ -79,6 +83,7 @@ private:
                             unsigned char bit, int count);
     bool readRegisters(AbstractDeviceInterface *device, const char *item, const QByteArray &area,
                        unsigned short offset, quint64 registers, Reply &reply);
+    bool refuseRegisterRead(const char *item, const QByteArray &area, unsigned short offset);
     QByteArray readDIDOs(AbstractDeviceInterface *device, const QByteArray &area, unsigned short offset,
                          int count);
     QByteArray readBytesFromDI(AbstractDeviceInterface *device, unsigned short offset, int count);

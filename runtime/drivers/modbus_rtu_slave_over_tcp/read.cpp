@@ -15,17 +15,15 @@ QByteArray DriverModbusRtuSlaveOverTcp::read(AbstractDeviceInterface *device,
     unsigned char bit = 0;
     ModbusRTUSlaveParseAddress(command.address, area, offset, bit);
 
-    QByteArray data;
-    int attempt = 0;
-    do {
-        if (!beginAttempt(device, command))
-            return QByteArray();
-        data = readItems(device, command, area, offset, bit);
-    } while (mayRetry(device, attempt++));
-
-    if (hasError())
-        appendCmdToReadCommError(stationOf(device), command);
-    return data;
+    for (int attempt = 0; beginAttempt(device, command); ++attempt) {
+        QByteArray data = readItems(device, command, area, offset, bit);
+        if (mayRetry(device, attempt))
+            continue;
+        if (errorFlag)
+            appendCmdToReadCommError(stationOf(device), command);
+        return data;
+    }
+    return QByteArray();
 }
 
 QByteArray DriverModbusRtuSlaveOverTcp::readItems(AbstractDeviceInterface *device,

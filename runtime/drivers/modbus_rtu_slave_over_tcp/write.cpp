@@ -15,6 +15,8 @@ const int RefusedSize = 256;
 QByteArray sizedData(const CommunicatorCommand &command, const QByteArray &data)
 {
     const int size = GetSafeDataLen(command);
+    if (size == data.size())
+        return data;
     return size < 0 || size > RefusedSize ? QByteArray(RefusedSize, '\0') : ToSafeData(command, data);
 }
 
@@ -39,7 +41,7 @@ bool DriverModbusRtuSlaveOverTcp::write(AbstractDeviceInterface *device, const C
         written = writeItems(device, command, sizedData(command, data), area, offset, bit);
     } while (mayRetry(device, attempt++));
 
-    if (hasError())
+    if (errorFlag)
         appendCmdToWriteCommError(stationOf(device), command);
     return written;
 }

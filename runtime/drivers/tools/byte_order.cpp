@@ -30,9 +30,14 @@ QByteArray paddedToMultipleOf(int itemSize, const QByteArray &bytes)
     return partial == 0 ? bytes : bytes + QByteArray(itemSize - partial, '\0');
 }
 
+const unsigned char *bytesOf(const QByteArray &bytes)
+{
+    return reinterpret_cast<const unsigned char *>(bytes.constData());
+}
+
 // Copies whole items, each with its bytes in reverse order. Source and target may be the same memory.
 template <typename Item>
-void reverseItems(const char *source, char *target, int count)
+void reverseItems(const unsigned char *source, char *target, int count)
 {
     for (int i = 0; i < count; ++i, source += sizeof(Item), target += sizeof(Item)) {
         Item item;
@@ -43,7 +48,7 @@ void reverseItems(const char *source, char *target, int count)
 }
 
 template <typename Item>
-QByteArray reversedItems(const char *source, int count)
+inline QByteArray reversedItems(const unsigned char *source, int count)
 {
     const int items = qMax(count, 0);
     QByteArray reversed(static_cast<int>(sizeof(Item)) * items, Qt::Uninitialized);
@@ -96,36 +101,36 @@ bool isBigEndian()
 
 QByteArray fromBigEndianUShortArray(const unsigned char *source, int count)
 {
-    return reversedItems<quint16>(reinterpret_cast<const char *>(source), count);
+    return reversedItems<quint16>(source, count);
 }
 
 QByteArray fromBigEndianULongArray(const unsigned char *source, int count)
 {
-    return reversedItems<quint32>(reinterpret_cast<const char *>(source), count);
+    return reversedItems<quint32>(source, count);
 }
 
 QByteArray toBigEndianUShortArray(const QByteArray &bytes)
 {
-    const QByteArray padded = To16bitsData(bytes);
-    return reversedItems<quint16>(padded.constData(), padded.size() / 2);
+    return bytes.size() % 2 == 0 ? fromBigEndianUShortArray(bytesOf(bytes), bytes.size() / 2)
+                                 : toBigEndianUShortArray(To16bitsData(bytes));
 }
 
 QByteArray toBigEndianULongArray(const QByteArray &bytes)
 {
-    const QByteArray padded = To32bitsData(bytes);
-    return reversedItems<quint32>(padded.constData(), padded.size() / 4);
+    return bytes.size() % 4 == 0 ? fromBigEndianULongArray(bytesOf(bytes), bytes.size() / 4)
+                                 : toBigEndianULongArray(To32bitsData(bytes));
 }
 
 void toLittleEndianUShortArray(QByteArray &bytes)
 {
     char *data = bytes.data();
-    reverseItems<quint16>(data, data, bytes.size() / 2);
+    reverseItems<quint16>(bytesOf(bytes), data, bytes.size() / 2);
 }
 
 void toLittleEndianULongArray(QByteArray &bytes)
 {
     char *data = bytes.data();
-    reverseItems<quint32>(data, data, bytes.size() / 4);
+    reverseItems<quint32>(bytesOf(bytes), data, bytes.size() / 4);
 }
 
 QByteArray To16bitsData(const QByteArray &bytes)
