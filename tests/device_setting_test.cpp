@@ -1,4 +1,5 @@
 #include "drivers/device_setting.h"
+#include "support/frames.h"
 #include "support/message_capture.h"
 
 #include <gtest/gtest.h>
