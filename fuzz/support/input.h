@@ -24,6 +24,12 @@ public:
         return static_cast<std::uint16_t>(high << 8 | byte());
     }
 
+    std::uint32_t doubleWord()
+    {
+        const std::uint32_t high = word();
+        return high << 16 | word();
+    }
+
     /// At most \a size bytes, fewer at the end.
     QByteArray bytes(int size)
     {

@@ -70,8 +70,10 @@ void replaceTags(const QStringList &tags)
 void writeProjectBytes(const QByteArray &bytes)
 {
     QFile file(projectPath());
-    FUZZ_CHECK(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    // A file that is emptied first makes some file systems wait for the disk.
+    FUZZ_CHECK(file.open(QIODevice::ReadWrite));
     FUZZ_CHECK(file.write(bytes) == bytes.size());
+    FUZZ_CHECK(file.resize(bytes.size()));
 }
 
 void forgetDriverConnections()

@@ -126,11 +126,11 @@ Plan planWrite(const Command &command, const QByteArray &data, int station, cons
             return planRegisters(command, data, station, command.areaIs("FN6HR"));
         return refused(items[command.isByteKind() ? 1 : command.dataType], command);
     }
-    const QByteArray bits = command.count < 0
-                                ? QByteArray()
-                                : data.leftJustified(qMin(command.count, 0xFFFF) / 8 + 1, '\0', true);
+    // Longer ones are refused whatever they are.
+    const int bitBytes = (qBound(0, command.count, 0xFFFF) + 7) / 8;
+    const QByteArray bits = data.leftJustified(bitBytes, '\0', true);
     if (command.area->isCoils)
-        return planCoils(command, bits.left((command.count + 7) / 8), station);
+        return planCoils(command, bits, station);
     if (command.area->isHolding)
         return planRegisterBits(command, bits, station, exchanges);
     return refused(items[0], command);
