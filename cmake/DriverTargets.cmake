@@ -3,6 +3,10 @@
 set(DRIVER_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror)
 # Texts of assertions name files as they lie in the tree, wherever that is.
 add_compile_options("-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=")
+# No notes about what GCC 6 passed otherwise on ARM: all of a program comes from one compiler.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  add_compile_options(-Wno-psabi)
+endif()
 
 # What runs on a panel: C++11, no exceptions, nothing visible but what is exported by name.
 function(driver_runtime_options target)

@@ -1,0 +1,10 @@
+# Says how much room a file takes on a panel: cmake -DFILE=… -DSTRIP=… -P report_size.cmake
+set(stripped "${FILE}.stripped")
+execute_process(COMMAND "${STRIP}" -o "${stripped}" "${FILE}" RESULT_VARIABLE failed)
+if(failed)
+  message(FATAL_ERROR "cannot strip ${FILE}")
+endif()
+file(SIZE "${stripped}" bytes)
+file(REMOVE "${stripped}")
+get_filename_component(name "${FILE}" NAME)
+message("${name}: ${bytes} bytes stripped")

@@ -1,0 +1,53 @@
+# Sourced by the scripts: the Debian packages that each of them needs, and how they get installed.
+# shellcheck shell=bash
+
+# shellcheck disable=SC2034  # the arrays are for the scripts
+build_packages=(cmake g++ ninja-build qtbase5-dev libqt5serialbus5-dev libqt5sql5-sqlite)
+test_packages=(binutils libgtest-dev)
+arm_packages=(cmake g++-arm-linux-gnueabihf mmdebstrap ninja-build qemu-user qtbase5-dev-tools)
+# What the armhf root holds: the same libraries for the panel's processor.
+arm_root_packages=(libc6-dev libgtest-dev libqt5serialbus5-dev libqt5sql5-sqlite qtbase5-dev)
+ci_packages=(clang clang-format clang-tidy shellcheck)
+
+export DEBIAN_FRONTEND=noninteractive
+
+# install_packages PACKAGE...: installs those that are missing, or says how
+install_packages() {
+    local missing=() package
+    for package in "$@"; do
+        is_installed "$package" || missing+=("$package")
+    done
+    if ((${#missing[@]} == 0)); then
+        return
+    fi
+    echo "Installing ${missing[*]}"
+    if ! run_apt "${missing[@]}"; then
+        echo "Could not install what is missing. Run this line, then try again:" >&2
+        echo "    sudo apt-get update && sudo apt-get install --no-install-recommends ${missing[*]}" >&2
+        exit 1
+    fi
+}
+
+is_installed() {
+    [[ $(dpkg-query -W -f '${db:Status-Status}' "$1" 2>/dev/null) == installed ]]
+}
+
+run_apt() {
+    local install=(apt-get install --yes --no-install-recommends -o DPkg::Lock::Timeout=300 "$@")
+    command -v apt-get >/dev/null || return
+    # Without package lists nothing is found, with old ones the download fails.
+    if "${install[@]}" --simulate >/dev/null 2>&1 && as_root "${install[@]}"; then
+        return
+    fi
+    as_root apt-get update && as_root "${install[@]}"
+}
+
+as_root() {
+    if ((EUID == 0)); then
+        "$@"
+    elif [[ -t 0 ]]; then
+        command -v sudo >/dev/null && sudo env DEBIAN_FRONTEND=noninteractive "$@"
+    else
+        command -v sudo >/dev/null && sudo --non-interactive env DEBIAN_FRONTEND=noninteractive "$@"
+    fi
+}

@@ -1,0 +1,102 @@
+#!/usr/bin/env bash
+# Builds for a 32-bit ARM panel and runs the tests under qemu-arm, on the distribution's Qt 5 for that processor.
+# Installs what is missing first. Everything it makes lies in build/armhf and build/armhf-root.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/packages.sh
+
+build=build/armhf
+root=build/armhf-root
+
+# An ARM program under qemu-arm cannot start another one: the kernel here does not know how to run it. So tests with this
+# label stay out, and are named.
+starts_programs=starts-programs
+
+main() {
+    install_packages "${arm_packages[@]}"
+    make_root
+    cmake --preset armhf
+    cmake --build --preset armhf
+    rm -rf "$build/results"
+    GTEST_OUTPUT="xml:$PWD/$build/results/" \
+        ctest --preset armhf --parallel "$(nproc)" --label-exclude "^$starts_programs\$"
+    count_tests
+    name_what_stays_out
+}
+
+# A root made of the distribution's packages for the panel's processor, unpacked and no more. Kept for the next time.
+make_root() {
+    local suite wanted archive mode=root
+    suite=$(source /etc/os-release && echo "${VERSION_CODENAME:-}")
+    wanted="$suite ${arm_root_packages[*]}"
+    if [[ -d $root && $(cat "$root.made" 2>/dev/null) == "$wanted" ]]; then
+        return
+    fi
+    archive=$(archive_of "$suite")
+    ((EUID == 0)) || mode=chrootless
+    rm -rf "$root" "$root.made"
+    mkdir -p build
+    apt-config dump --format '%F "%v";%n' Acquire::http Acquire::https >build/armhf-apt.conf
+    mmdebstrap --quiet --mode="$mode" --variant=extract --architectures=armhf --aptopt="$PWD/build/armhf-apt.conf" \
+        --include="${arm_root_packages[*]}" "$suite" "$root" "$archive" ||
+        fail "could not make the armhf root; does $archive carry armhf?"
+    echo "$wanted" >"$root.made"
+}
+
+# Where this machine gets its own packages of the base suite from.
+archive_of() {
+    local found
+    found=$(known_archive "$1")
+    if [[ -z $found ]]; then
+        as_root apt-get update >&2
+        found=$(known_archive "$1")
+    fi
+    [[ -n $found ]] || fail "apt knows no archive for the main component of '$1'"
+    echo "$found"
+}
+
+known_archive() {
+    # shellcheck disable=SC2016  # the names between $( and ) are apt's
+    apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Component: main' "Codename: $1" | sed -n 1p
+}
+
+# A program that does not even start can end with 0 under qemu-arm, so each must have reported as many tests as it has.
+count_tests() {
+    local program name listed ran tests=0 programs=0
+    while read -r program; do
+        name=$(basename "$program")
+        listed=$(qemu-arm -L "$root" "$program" --gtest_list_tests | grep -c '^  ' || true)
+        ran=$(cat "$build/results/$name"*.xml | sed -n 's/^<testsuites tests="\([0-9]*\)".*/\1/p' | sum)
+        ((listed > 0 && ran >= listed)) || fail "$name has $listed tests and ran $ran"
+        ((tests += ran, programs += 1))
+    done < <(test_programs)
+    ((programs > 0)) || fail "no test programs found"
+    echo "$tests tests of $programs programs ran on ARM"
+    sed -n 's/.*<skipped message="\([^"]*\)".*/  skipped: \1/p' "$build"/results/*.xml | sort | uniq -c
+}
+
+sum() {
+    local total=0 number
+    while read -r number; do
+        ((total += number)) || true
+    done
+    echo "$total"
+}
+
+# The commands of the tests that ran, as far as they are programs of ours.
+test_programs() {
+    ctest --test-dir "$build" --show-only=json-v1 --label-exclude "^$starts_programs\$" |
+        grep -o "\"$PWD/$build/[^\"]*_test\"" | tr -d '"' | sort -u
+}
+
+name_what_stays_out() {
+    echo "Built and not run on ARM, since they start other programs:"
+    ctest --test-dir "$build" --show-only --label-regex "^$starts_programs\$" | sed -n 's/^ *Test *#[0-9]*: /  /p'
+}
+
+fail() {
+    echo "test-arm.sh: $*" >&2
+    exit 1
+}
+
+main
