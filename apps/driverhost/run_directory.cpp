@@ -25,6 +25,23 @@ QString lockPath(const QString &directory)
     return directory + QStringLiteral("/lock");
 }
 
+// All but the lock itself: as long as that is there, nobody else takes the directory for their own.
+void removeLocked(const QString &directory, QLockFile &lock)
+{
+    QDir folder(directory);
+    folder.setFilter(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    for (const QFileInfo &entry : folder.entryInfoList()) {
+        if (entry.filePath() == lockPath(directory))
+            continue;
+        if (entry.isDir() && !entry.isSymLink())
+            QDir(entry.filePath()).removeRecursively();
+        else
+            QFile::remove(entry.filePath());
+    }
+    lock.unlock();
+    QDir().rmdir(directory);
+}
+
 // A lock tells a directory in use from one left behind. The lock of a directory that was made this moment may
 // still be missing; its maker then finds that it has lost it, and makes another one.
 void removeLeftovers(const QString &place)
@@ -38,7 +55,7 @@ void removeLeftovers(const QString &place)
         QLockFile lock(lockPath(entry.filePath()));
         lock.setStaleLockTime(0);
         if (lock.tryLock(0))
-            QDir(entry.filePath()).removeRecursively();
+            removeLocked(entry.filePath(), lock);
     }
 }
 
