@@ -52,6 +52,13 @@ void EmbeddedSlave::acceptConnections()
         new SlaveConnection(socket, ++count.connections, this);
 }
 
+SlaveCounts EmbeddedSlave::counts() const
+{
+    SlaveCounts counts = count;
+    counts.openConnections = findChildren<SlaveConnection *>().size();
+    return counts;
+}
+
 bool EmbeddedSlave::isAddressed(const QByteArray &request) const
 {
     const int station = byteAt(request, 0);

@@ -29,7 +29,7 @@ public:
     quint16 value(int station, SlaveArea area, quint16 offset) const;
     void setValue(int station, SlaveArea area, quint16 offset, quint16 value);
     void inject(const Fault &fault, int replies) { options.faults.inject(fault, replies); }
-    const SlaveCounts &counts() const { return count; }
+    SlaveCounts counts() const;
 
     /// For the connections: whether \a request, a whole frame, is to be answered, and with what fault.
     bool isAddressed(const QByteArray &request) const;

@@ -39,6 +39,7 @@ struct SlaveOptions {
 /// What a slave did since it started.
 struct SlaveCounts {
     quint64 connections = 0;
+    int openConnections = 0;
     /// Whole requests to a station of this slave, broadcasts included.
     quint64 requests = 0;
     quint64 broadcasts = 0;
