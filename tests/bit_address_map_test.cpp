@@ -224,12 +224,13 @@ TEST_F(TagTable, FailureAfterTheFirstRowStartsAnewLater)
 {
     ProjectDatabase project(QStringList(), 1);
     ProjectDatabase::execute(
-        QStringList() << QLatin1String("DROP TABLE custom_tag_table")
-                      << QLatin1String("CREATE TABLE tags (address, number)")
-                      << QLatin1String("INSERT INTO tags VALUES ('DI1', 1)")
-                      << QLatin1String("INSERT INTO tags VALUES ('DI3', -9223372036854775807 - 1)")
-                      << QLatin1String("CREATE VIEW custom_tag_table AS SELECT address || "
-                                       "substr(abs(number), 1, 0) AS address, 1 AS connector_id FROM tags"));
+        QStringList()
+        << QLatin1String("DROP TABLE custom_tag_table")
+        << QLatin1String("CREATE TABLE tags (address, number)")
+        << QLatin1String("INSERT INTO tags VALUES ('DI1', 1)")
+        << QLatin1String("INSERT INTO tags VALUES ('DI3', 2000000000)")
+        << QLatin1String("CREATE VIEW custom_tag_table AS SELECT address || "
+                         "substr(length(zeroblob(number)), 1, 0) AS address, 1 AS connector_id FROM tags"));
     EXPECT_EQ(requestsFor(1), "");
     EXPECT_EQ(driver.getLastError(),
               QString(QLatin1String("failed to initialize valid bit addresses table")));
