@@ -4,6 +4,9 @@
 #include <QPair>
 #include <QString>
 
+/// \file
+/// The settings of a channel.
+
 class QDataStream;
 
 /// Kind of a channel. The host defines the values; the driver's default setting uses the one that is named.

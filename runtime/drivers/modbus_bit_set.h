@@ -4,6 +4,9 @@
 
 #include <vector>
 
+/// \file
+/// Which bits of a station a project uses.
+
 /// Addresses of bits.
 typedef std::vector<ushort> UShortVector;
 
