@@ -152,6 +152,11 @@ bool isByteKind(ItemKind kind)
     return kind == ByteItem || kind == BlockItem;
 }
 
+int stationOf(const Items &items, int usual)
+{
+    return items.address.station < 0 ? usual : items.address.station;
+}
+
 bool checkItems(const Items &items, QString &error)
 {
     if (items.isRaw())

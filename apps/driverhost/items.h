@@ -34,6 +34,9 @@ ItemKind usualKind(const Address &address);
 bool isBitKind(ItemKind kind);
 bool isByteKind(ItemKind kind);
 
+/// The station in the items' address, or \a usual when it names none.
+int stationOf(const Items &items, int usual);
+
 /// How many bits, or registers, of the area the items lie on.
 qint64 extentOf(const Items &items);
 

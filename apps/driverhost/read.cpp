@@ -38,6 +38,7 @@ int readAll(Session &session, const std::vector<Items> &all, const ReadOptions &
     int code = Success;
     std::vector<ValueRow> rows;
     for (const Items &items : all) {
+        warnOfBroadcast(session.stationFor(items));
         const std::vector<Items> requests = requestsFor(items);
         if (requests.size() > 1)
             tell(QStringLiteral("%1: %2 items are more than one request carries; reading them in %3 portions")
@@ -64,7 +65,7 @@ QStringList allTags(const std::vector<Items> &all, int station)
 {
     QStringList tags;
     for (const Items &items : all)
-        tags += tagsFor(items, items.address.station < 0 ? station : items.address.station);
+        tags += tagsFor(items, stationOf(items, station));
     return tags;
 }
 

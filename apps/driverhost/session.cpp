@@ -110,7 +110,7 @@ bool Session::write(const Items &items, const QByteArray &data)
 
 int Session::stationFor(const Items &items) const
 {
-    return items.address.station < 0 ? m_station : items.address.station;
+    return stationOf(items, m_station);
 }
 
 ExitCode Session::failure()
@@ -151,6 +151,12 @@ void Session::observe(ChannelEvent event, const QByteArray &bytes)
         m_trace.received(bytes);
         break;
     }
+}
+
+void warnOfBroadcast(int station)
+{
+    if (station == 0)
+        tell(QStringLiteral("station 0 is a broadcast: every slave takes a write, and none replies"));
 }
 
 void tellFailure(Session &session, const Items &items)

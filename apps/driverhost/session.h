@@ -58,6 +58,9 @@ private:
     bool m_openFailed = false;
 };
 
+/// Tells what to expect of station 0.
+void warnOfBroadcast(int station);
+
 /// Tells a failure: the driver's text as it stands, and what to look at next.
 void tellFailure(Session &session, const Items &items);
 

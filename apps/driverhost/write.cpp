@@ -1,8 +1,12 @@
 #include "commands.h"
 
+#include "dry_run_channel.h"
 #include "item_options.h"
 #include "messages.h"
 #include "session.h"
+#include "trace.h"
+#include "value_output.h"
+#include "write_report.h"
 
 namespace
 {
@@ -99,7 +103,10 @@ int verify(Session &session, const WriteRequest &request)
 int writeAll(Session &session, const WriteRequest &request, bool isVerified)
 {
     if (!session.write(request.items, dataOf(request.values, request.items.kind))) {
+        const QStringList written = writtenBeforeFailure(session.exchanges());
         tellFailure(session, request.items);
+        for (const QString &line : written)
+            tell(QStringLiteral("  ") + line);
         return session.failure();
     }
     tell(
@@ -108,13 +115,35 @@ int writeAll(Session &session, const WriteRequest &request, bool isVerified)
     return isVerified ? verify(session, request) : Success;
 }
 
+// The frames that a write would send.
+int showFrames(Session &session, const WriteRequest &request)
+{
+    DryRunChannel channel(session.stationFor(request.items), session.channel().deviceSetting()->deviceString);
+    const QByteArray data = dataOf(request.values, request.items.kind);
+    if (!session.driver()->write(&channel, request.items.command(), data)) {
+        tellFailure(session, request.items);
+        return session.failure();
+    }
+    QStringList lines;
+    for (const QByteArray &frame : channel.requests())
+        lines += QString::fromLatin1(frame.toHex(' ').toUpper()) + QStringLiteral("  ") +
+                 describeFrame(FrameRole::Request, frame);
+    tell(QStringLiteral("%1: nothing is sent; the frames would be").arg(request.items.label(0)));
+    if (!request.items.address.isBitArea() && isBitKind(request.items.kind))
+        tell(QStringLiteral("  (the other bits of the registers as they are read, here 0)"));
+    return print(lines) ? Success : OutputClosed;
+}
+
 } // namespace
 
 int runWrite(const QStringList &arguments)
 {
     CommandLine line(Texts);
     line.addOptions(itemOptions());
-    line.addOptions({{QStringLiteral("verify"), QStringLiteral("Read back what was written and compare.")}});
+    line.addOptions({
+        {QStringLiteral("verify"), QStringLiteral("Read back what was written and compare.")},
+        {QStringLiteral("dry-run"), QStringLiteral("Show the frames and send nothing.")},
+    });
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
@@ -126,8 +155,12 @@ int runWrite(const QStringList &arguments)
         return line.refuse();
 
     const bool isVerified = line.isSet("verify");
-    const int station =
-        request.items.address.station < 0 ? link.channel.station : request.items.address.station;
-    return runWithDriver(link, tagsFor(request.items, station),
-                         [&](Session &session) { return writeAll(session, request, isVerified); });
+    const bool isDryRun = line.isSet("dry-run");
+    const int station = stationOf(request.items, link.channel.station);
+    return runWithDriver(link, tagsFor(request.items, station), [&](Session &session) {
+        if (isDryRun)
+            return showFrames(session, request);
+        warnOfBroadcast(station);
+        return writeAll(session, request, isVerified);
+    });
 }
