@@ -1,36 +1,10 @@
 #include "support/driver_test.h"
+#include "support/used_bits.h"
 
 // Which bit addresses of which station a driver takes from the tags of its project.
 
 namespace
 {
-
-// "DI 0 2, DO 9": what byte items over the whole of both areas ask a station for.
-std::string usedOf(LoadedDriver &link, int station)
-{
-    std::string used;
-    link.channel.station = station;
-    link.channel.setResponder([](const QByteArray &request) {
-        return readReply(request.at(0), request.at(1), QByteArray(1, '\0'));
-    });
-    for (const char *area : {"DI", "DO"}) {
-        link.channel.forgetCalls();
-        link.read(5, (area + std::string("1")).c_str(), 8192);
-        if (link.error() != NoError)
-            return link.error();
-        std::string addresses;
-        const QList<QByteArray> sent = link.channel.requests();
-        for (int i = 0; i < sent.size(); ++i) {
-            const int first = static_cast<unsigned char>(sent.at(i).at(2)) * 256 +
-                              static_cast<unsigned char>(sent.at(i).at(3));
-            for (int k = 0; k < sent.at(i).at(5); ++k)
-                addresses += " " + std::to_string(first + k);
-        }
-        if (!addresses.empty())
-            used += (used.empty() ? "" : ", ") + (area + addresses);
-    }
-    return used;
-}
 
 struct TagCase {
     const char *tag;
@@ -54,9 +28,9 @@ TEST_P(TagClass, IsOneBitOfOneArea)
 {
     const TagCase &c = GetParam();
     LoadedDriver link(QStringList() << QLatin1String("DI100") << QString::fromUtf8(c.tag));
-    EXPECT_EQ(usedOf(link, c.station), c.used);
+    EXPECT_EQ(usedBits(link.driver, link.channel, c.station), c.used);
     if (c.station != 1) {
-        EXPECT_EQ(usedOf(link, 1), "DI 99");
+        EXPECT_EQ(usedBits(link.driver, link.channel, 1), "DI 99");
     }
 }
 
@@ -140,15 +114,15 @@ TEST(BitAddressMap, MixedProject)
 {
     LoadedDriver link(
         stringList({"DO10", "di3", "2-DO5", "HR1", "DI1", "DO10", "FN5DO2", "2-DI9", "DI3", "2-fn5do1"}));
-    EXPECT_EQ(usedOf(link, 1), "DI 0 2, DO 1 9");
-    EXPECT_EQ(usedOf(link, 2), "DI 8, DO 0 4");
-    EXPECT_EQ(usedOf(link, 3), "invalid address 3-DI");
+    EXPECT_EQ(usedBits(link.driver, link.channel, 1), "DI 0 2, DO 1 9");
+    EXPECT_EQ(usedBits(link.driver, link.channel, 2), "DI 8, DO 0 4");
+    EXPECT_EQ(usedBits(link.driver, link.channel, 3), "invalid address 3-DI");
 }
 
 TEST(BitAddressMap, ProjectWithoutTags)
 {
     LoadedDriver link;
-    EXPECT_EQ(usedOf(link, 1), "invalid address 1-DI");
+    EXPECT_EQ(usedBits(link.driver, link.channel, 1), "invalid address 1-DI");
 }
 
 namespace
@@ -158,27 +132,6 @@ namespace
 class TagTable : public testing::Test
 {
 protected:
-    TagTable()
-    {
-        channel.setResponder([](const QByteArray &request) {
-            return readReply(request.at(0), request.at(1), QByteArray(1, '\0'));
-        });
-    }
-
-    // The requests for the first bytes of both areas, as "02 0000 0003".
-    std::string requestsFor(int station)
-    {
-        channel.station = station;
-        channel.forgetCalls();
-        driver.read(&channel, makeCommand(5, QLatin1String("DI1"), 4));
-        driver.read(&channel, makeCommand(5, QLatin1String("DO1"), 4));
-        std::string requests;
-        const QList<QByteArray> sent = channel.requests();
-        for (int i = 0; i < sent.size(); ++i)
-            requests += (i > 0 ? ", " : "") + toHex(sent.at(i).mid(1, 5));
-        return requests;
-    }
-
     SleepRecorder pauses;
     ScriptedChannel channel;
     DriverModbusRtuSlaveOverTcp driver;
@@ -193,7 +146,7 @@ TEST_F(TagTable, OnlyTagsOfTheLinkCount)
     project.addNode(5, 1, true);
     project.addTags(stringList({"DI1"}), 5);
     project.addTags(stringList({"DI3", "1-DO3"}), 4);
-    EXPECT_EQ(requestsFor(1), "02 00 00 00 01");
+    EXPECT_EQ(usedBits(driver, channel, 1), "DI 0");
 }
 
 TEST_F(TagTable, DefaultStationIsTheNodesLowByte)
@@ -202,7 +155,7 @@ TEST_F(TagTable, DefaultStationIsTheNodesLowByte)
     project.addLink(5, 2000);
     project.addNode(5, 300, true);
     project.addTags(stringList({"DO2"}), 5);
-    EXPECT_EQ(requestsFor(44), "01 00 01 00 01");
+    EXPECT_EQ(usedBits(driver, channel, 44), "DO 1");
 }
 
 TEST_F(TagTable, ValuesThatAreNoText)
@@ -216,7 +169,7 @@ TEST_F(TagTable, ValuesThatAreNoText)
                              << QLatin1String("INSERT INTO custom_tag_table VALUES ('DO6', NULL)")
                              << QLatin1String("INSERT INTO custom_tag_table VALUES ('DO8', '1')"));
     // Bytes are read as the text that they spell.
-    EXPECT_EQ(requestsFor(1), "01 00 01 00 01, 01 00 03 00 01");
+    EXPECT_EQ(usedBits(driver, channel, 1), "DO 1 3");
 }
 
 // A table that cannot be read to its end is no table: the addresses behind would count as unused.
@@ -231,9 +184,7 @@ TEST_F(TagTable, FailureAfterTheFirstRowStartsAnewLater)
         << QLatin1String("INSERT INTO tags VALUES ('DI3', 2000000000)")
         << QLatin1String("CREATE VIEW custom_tag_table AS SELECT address || "
                          "substr(length(zeroblob(number)), 1, 0) AS address, 1 AS connector_id FROM tags"));
-    EXPECT_EQ(requestsFor(1), "");
-    EXPECT_EQ(driver.getLastError(),
-              QString(QLatin1String("failed to initialize valid bit addresses table")));
+    EXPECT_EQ(usedBits(driver, channel, 1), "failed to initialize valid bit addresses table");
     ProjectDatabase::execute(QLatin1String("UPDATE tags SET address = 'DI5', number = 1"));
-    EXPECT_EQ(requestsFor(1), "02 00 04 00 01");
+    EXPECT_EQ(usedBits(driver, channel, 1), "DI 4");
 }
