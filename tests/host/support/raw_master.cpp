@@ -48,7 +48,8 @@ void RawMaster::send(const QByteArray &bytes)
 bool RawMaster::waitForBytes(int timeoutMs) const
 {
     pollfd waiting = {descriptor, POLLIN, 0};
-    return ::poll(&waiting, 1, timeoutMs) > 0;
+    // What is left of a time that has just run out is below 0, which poll() takes for no limit.
+    return ::poll(&waiting, 1, qMax(timeoutMs, 0)) > 0;
 }
 
 QByteArray RawMaster::receiveSegment(int timeoutMs)
