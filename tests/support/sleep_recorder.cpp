@@ -2,34 +2,56 @@
 
 #include <cerrno>
 #include <ctime>
+#include <unistd.h>
 
 namespace
 {
 
 SleepRecorder *recorder = nullptr;
 
+int sleepReally(const timespec *request, timespec *remaining)
+{
+    const int error = clock_nanosleep(CLOCK_MONOTONIC, 0, request, remaining);
+    if (error == 0)
+        return 0;
+    errno = error;
+    return -1;
+}
+
 } // namespace
 
-SleepRecorder::SleepRecorder()
+SleepRecorder::SleepRecorder() : outer(recorder)
 {
     recorder = this;
 }
 
 SleepRecorder::~SleepRecorder()
 {
-    recorder = nullptr;
+    recorder = outer;
 }
 
-// Takes the place of the C library's function for the whole program.
+// These take the places of the C library's functions for the whole program.
+
 extern "C" int nanosleep(const timespec *request, timespec *remaining)
 {
-    if (recorder != nullptr) {
-        recorder->note(qint64(request->tv_sec) * 1000000000 + request->tv_nsec);
-        return 0;
-    }
-    const int error = clock_nanosleep(CLOCK_MONOTONIC, 0, request, remaining);
-    if (error == 0)
-        return 0;
-    errno = error;
-    return -1;
+    if (recorder == nullptr)
+        return sleepReally(request, remaining);
+    recorder->note(qint64(request->tv_sec) * 1000000000 + request->tv_nsec);
+    return 0;
+}
+
+extern "C" int usleep(useconds_t microseconds)
+{
+    timespec time = {};
+    time.tv_sec = static_cast<time_t>(microseconds / 1000000);
+    time.tv_nsec = static_cast<long>(microseconds % 1000000) * 1000;
+    return recorder == nullptr ? sleepReally(&time, nullptr) : 0;
+}
+
+extern "C" unsigned int sleep(unsigned int seconds)
+{
+    timespec time = {};
+    time.tv_sec = static_cast<time_t>(seconds);
+    timespec left = {};
+    return recorder == nullptr && sleepReally(&time, &left) != 0 ? static_cast<unsigned int>(left.tv_sec) : 0;
 }

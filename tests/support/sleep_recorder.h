@@ -4,7 +4,8 @@
 
 #include <vector>
 
-/// While one lives, nanosleep() sleeps no longer in this program: it notes the time and returns at once.
+/// While one lives, nothing sleeps in this program. What nanosleep() was asked for is noted; sleep() and
+/// usleep(), with which SQLite waits on a locked database, just return.
 class SleepRecorder
 {
 public:
@@ -20,4 +21,5 @@ public:
 
 private:
     std::vector<qint64> asked;
+    SleepRecorder *outer;
 };
