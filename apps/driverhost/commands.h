@@ -6,4 +6,5 @@
 int runInfo(const QStringList &arguments);
 int runRead(const QStringList &arguments);
 int runWrite(const QStringList &arguments);
+int runWatch(const QStringList &arguments);
 int runDemo(const QStringList &arguments);

@@ -112,3 +112,21 @@ Items itemsAt(const QString &text, const ItemOptions &options, CommandLine &line
         line.mistake(error);
     return items;
 }
+
+AddressedItems addressedItems(CommandLine &line)
+{
+    AddressedItems addressed;
+    QStringList words = line.words();
+    addressed.link = linkSettings(line, words);
+    ItemOptions options = itemOptionsOf(line);
+    options.count = line.number("items", 1, MostItems);
+    addressed.form = options.form;
+    for (const QString &word : qAsConst(words)) {
+        const Items items = itemsAt(word, options, line);
+        addressed.items.push_back(items);
+        addressed.tags += tagsFor(items, stationOf(items, addressed.link.channel.station));
+    }
+    if (words.isEmpty())
+        line.mistake(QStringLiteral("no address; expected one such as HR100"));
+    return addressed;
+}

@@ -2,6 +2,7 @@
 
 #include "command_line.h"
 #include "items.h"
+#include "link_options.h"
 #include "value_output.h"
 
 const int MostItems = 65536;
@@ -26,3 +27,12 @@ OutputFormat formatOf(CommandLine &line);
 ItemOptions itemOptionsOf(CommandLine &line);
 /// The items at the address \a text; a mistake is noted in \a line.
 Items itemsAt(const QString &text, const ItemOptions &options, CommandLine &line);
+
+/// Everything that a command line of a target, addresses and their options says.
+struct AddressedItems {
+    LinkSettings link;
+    std::vector<Items> items;
+    QStringList tags; ///< that a project needs for them
+    ValueForm form = ValueForm::Unsigned;
+};
+AddressedItems addressedItems(CommandLine &line);

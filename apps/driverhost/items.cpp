@@ -202,21 +202,22 @@ QStringList tagsFor(const Items &items, int station)
     return tags;
 }
 
+quint32 valueAt(const QByteArray &data, ItemKind kind, int position)
+{
+    if (isBitKind(kind))
+        return getBit(data, position) ? 1 : 0;
+    const int size = GetSafeDataLen(CommunicatorCommand{kind, 1, QString()});
+    quint32 value = 0;
+    for (int byte = size - 1; byte >= 0; --byte)
+        value = value << ByteBits | static_cast<unsigned char>(data.at(position * size + byte));
+    return value;
+}
+
 std::vector<quint32> valuesIn(const QByteArray &data, const Items &items)
 {
     std::vector<quint32> values;
-    const int size =
-        isBitKind(items.kind) ? 0 : GetSafeDataLen(CommunicatorCommand{items.kind, 1, QString()});
-    for (int i = 0; i < items.count; ++i) {
-        if (size == 0) {
-            values.push_back(getBit(data, i) ? 1 : 0);
-            continue;
-        }
-        quint32 value = 0;
-        for (int byte = size - 1; byte >= 0; --byte)
-            value = value << ByteBits | static_cast<unsigned char>(data.at(i * size + byte));
-        values.push_back(value);
-    }
+    for (int i = 0; i < items.count; ++i)
+        values.push_back(valueAt(data, items.kind, i));
     return values;
 }
 

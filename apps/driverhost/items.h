@@ -50,6 +50,8 @@ std::vector<Items> requestsFor(const Items &items);
 /// where the project has tags. Empty for all other items.
 QStringList tagsFor(const Items &items, int station);
 
+/// Item \a position of the driver's data, which must hold it.
+quint32 valueAt(const QByteArray &data, ItemKind kind, int position);
 /// The values of \a items in the driver's data and back; one number an item.
 std::vector<quint32> valuesIn(const QByteArray &data, const Items &items);
 QByteArray dataOf(const std::vector<quint32> &values, ItemKind kind);

@@ -20,6 +20,7 @@ const Subcommand Subcommands[] = {
     {"info", "What the plug-in says about itself", runInfo},
     {"read", "Read values from a slave", runRead},
     {"write", "Write values to a slave", runWrite},
+    {"watch", "Read values again and again", runWatch},
     {"slave", "Be a slave, also a faulty one", runSlave},
     {"demo", "Show the plug-in at work against a slave of its own", runDemo},
 };

@@ -1,7 +1,7 @@
 #include "commands.h"
 
 #include "item_options.h"
-#include "messages.h"
+#include "readings.h"
 #include "session.h"
 #include "value_output.h"
 
@@ -22,51 +22,27 @@ const CommandLine::Texts Texts = {
     "  driverhost read --host gateway --station 2 DI17 HR7.3 IR1",
 };
 
-struct ReadOptions {
-    ValueForm form;
-    OutputFormat format;
-};
-
-int exitCodeAfter(int code, int newCode)
-{
-    return code == Success ? newCode : code;
-}
-
 // The rows of everything that could be read; the first failure decides the exit code.
-int readAll(Session &session, const std::vector<Items> &all, const ReadOptions &options)
+int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat format)
 {
     int code = Success;
     std::vector<ValueRow> rows;
-    for (const Items &items : all) {
-        warnOfBroadcast(session.stationFor(items));
-        const std::vector<Items> requests = requestsFor(items);
-        if (requests.size() > 1)
-            tell(QStringLiteral("%1: %2 items are more than one request carries; reading them in %3 portions")
-                     .arg(items.label(0), QString::number(items.count), QString::number(requests.size())));
-        for (const Items &request : requests) {
-            const std::optional<QByteArray> data = session.read(request);
-            if (data) {
-                const auto more = rowsOf(request, *data, session.stationFor(request), options.form);
-                rows.insert(rows.end(), more.begin(), more.end());
-                continue;
-            }
-            tellFailure(session, request);
-            code = exitCodeAfter(code, session.failure());
-            break;
+    for (const Reading &reading : readings) {
+        const int station = session.stationFor(reading.items);
+        warnOfBroadcast(station);
+        if (const std::optional<QByteArray> data = session.read(reading.items)) {
+            const std::vector<ValueRow> more = rowsOf(reading, *data, station);
+            rows.insert(rows.end(), more.begin(), more.end());
+            continue;
         }
-        if (code == CannotConnect || code == DatabaseError)
+        tellFailure(session, reading.items);
+        const int failure = session.failure();
+        code = code == Success ? failure : code;
+        if (failure == CannotConnect || failure == DatabaseError)
             break;
     }
-    const bool isPrinted = rows.empty() || print(linesOf(rows, options.format));
+    const bool isPrinted = rows.empty() || print(linesOf(rows, format));
     return isPrinted ? code : OutputClosed;
-}
-
-QStringList allTags(const std::vector<Items> &all, int station)
-{
-    QStringList tags;
-    for (const Items &items : all)
-        tags += tagsFor(items, stationOf(items, station));
-    return tags;
 }
 
 } // namespace
@@ -80,19 +56,11 @@ int runRead(const QStringList &arguments)
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
 
-    QStringList words = line.words();
-    const LinkSettings link = linkSettings(line, words);
-    ItemOptions itemOptions = itemOptionsOf(line);
-    itemOptions.count = line.number("items", 1, MostItems);
-    const ReadOptions options{itemOptions.form, formatOf(line)};
-    std::vector<Items> all;
-    for (const QString &word : qAsConst(words))
-        all.push_back(itemsAt(word, itemOptions, line));
-    if (words.isEmpty())
-        line.mistake(QStringLiteral("no address; expected one such as HR100"));
+    const AddressedItems addressed = addressedItems(line);
+    const OutputFormat format = formatOf(line);
     if (!line.isRight())
         return line.refuse();
-
-    return runWithDriver(link, allTags(all, link.channel.station),
-                         [&](Session &session) { return readAll(session, all, options); });
+    return runWithDriver(addressed.link, addressed.tags, [&](Session &session) {
+        return readAll(session, readingsOf(addressed.items, addressed.form), format);
+    });
 }

@@ -10,12 +10,21 @@
 namespace
 {
 
-const QStringList &csvTitles()
+QStringList csvTitles(bool hasTime)
 {
-    static const QStringList titles{QStringLiteral("station"), QStringLiteral("address"),
-                                    QStringLiteral("offset"), QStringLiteral("kind"),
-                                    QStringLiteral("value")};
+    QStringList titles{QStringLiteral("station"), QStringLiteral("address"), QStringLiteral("offset"),
+                       QStringLiteral("kind"), QStringLiteral("value")};
+    if (hasTime) {
+        titles.prepend(QStringLiteral("time"));
+        titles.append(QStringLiteral("latency_ms"));
+    }
     return titles;
+}
+
+double milliseconds(qint64 microseconds)
+{
+    const double thousand = 1000;
+    return static_cast<double>(microseconds) / thousand;
 }
 
 QString offsetText(const ValueRow &row)
@@ -34,8 +43,12 @@ QString quoted(const QString &text)
 
 QString csvLine(const ValueRow &row)
 {
-    const QStringList cells{QString::number(row.station), quoted(row.address), offsetText(row),
-                            nameOf(row.kind), valueText(row)};
+    QStringList cells{QString::number(row.station), quoted(row.address), offsetText(row), nameOf(row.kind),
+                      valueText(row)};
+    if (!row.time.isEmpty()) {
+        cells.prepend(row.time);
+        cells.append(QString::number(milliseconds(row.latency)));
+    }
     return cells.join(QLatin1Char(','));
 }
 
@@ -47,6 +60,10 @@ QString jsonLine(const ValueRow &row)
                        {QStringLiteral("value"), numberOf(row.value, row.kind, row.form)},
                        {QStringLiteral("text"), valueText(row)}};
     object.insert(QStringLiteral("offset"), row.offset < 0 ? QJsonValue() : QJsonValue(row.offset));
+    if (!row.time.isEmpty()) {
+        object.insert(QStringLiteral("time"), row.time);
+        object.insert(QStringLiteral("latency_ms"), milliseconds(row.latency));
+    }
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
@@ -62,20 +79,6 @@ QString valueText(const ValueRow &row)
     return formatValue(row.value, row.kind, row.form);
 }
 
-std::vector<ValueRow> rowsOf(const Items &items, const QByteArray &data, int station, ValueForm form)
-{
-    std::vector<ValueRow> rows;
-    const std::vector<quint32> values = valuesIn(data, items);
-    const QString prefix =
-        items.address.station < 0 ? QString() : QString::number(items.address.station) + QLatin1Char('-');
-    for (int i = 0; i < items.count; ++i) {
-        const int offset = items.isRaw() ? -1 : items.addressOf(i).wireOffset();
-        rows.push_back(
-            {station, prefix + items.label(i), offset, items.kind, form, values[static_cast<size_t>(i)]});
-    }
-    return rows;
-}
-
 QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format)
 {
     if (format == OutputFormat::Text) {
@@ -86,10 +89,26 @@ QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format)
     }
     QStringList lines;
     if (format == OutputFormat::Csv)
-        lines += csvTitles().join(QLatin1Char(','));
+        lines += csvTitles(false).join(QLatin1Char(','));
     for (const ValueRow &row : rows)
         lines += format == OutputFormat::Csv ? csvLine(row) : jsonLine(row);
     return lines;
+}
+
+QString seriesTitles(OutputFormat format)
+{
+    return format == OutputFormat::Csv ? csvTitles(true).join(QLatin1Char(',')) : QString();
+}
+
+QString seriesLine(const ValueRow &row, OutputFormat format, int addressWidth)
+{
+    switch (format) {
+    case OutputFormat::Csv: return csvLine(row);
+    case OutputFormat::Json: return jsonLine(row);
+    case OutputFormat::Text: break;
+    }
+    return QStringLiteral("%1  %2  %3")
+        .arg(row.time, row.address.leftJustified(addressWidth), valueText(row));
 }
 
 bool print(const QStringList &lines)

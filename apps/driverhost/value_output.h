@@ -18,13 +18,18 @@ struct ValueRow {
     ItemKind kind = WordItem;
     ValueForm form = ValueForm::Unsigned;
     quint32 value = 0;
+    // Of values that are read again and again:
+    QString time;
+    qint64 latency = -1; ///< of the request, in microseconds
 };
-
-/// The values of \a items in the driver's data, a row each.
-std::vector<ValueRow> rowsOf(const Items &items, const QByteArray &data, int station, ValueForm form);
 
 /// Rows as lines of the format, aligned when it is text. CSV and text begin with a line of titles.
 QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format);
+
+/// The same for rows with a time, which come one by one: the line of titles, empty when the format has none,
+/// and the line of a row. Text is aligned for addresses of \a addressWidth characters.
+QString seriesTitles(OutputFormat format);
+QString seriesLine(const ValueRow &row, OutputFormat format, int addressWidth);
 
 /// What the "value" column holds.
 QString valueText(const ValueRow &row);
