@@ -124,7 +124,7 @@ TEST_F(BitArrayProperty, Shift)
         const Bits before = unpacked(original);
         Bits expected(before.begin() + n, before.end());
         expected.resize(at(8 * (original.size() - n / 8)), false);
-        expected.insert(expected.end(), before.begin(), before.begin() + n / 8 * 8);
+        expected.insert(expected.end(), before.begin(), before.begin() + (n - n % 8));
         QByteArray shifted = original;
         RightShiftNBits(shifted, n);
         ASSERT_EQ(unpacked(shifted), expected) << toHex(original) << " by " << n;

@@ -13,12 +13,12 @@ namespace
 template <typename Integer>
 void checkEveryBitOf()
 {
-    const int width = static_cast<int>(8 * sizeof(Integer));
+    const auto width = static_cast<int>(8 * sizeof(Integer));
     const Integer none = 0;
     const Integer all = std::numeric_limits<Integer>::max();
     for (int i = 0; i < 65536; ++i) {
-        const unsigned short index = static_cast<unsigned short>(i);
-        const Integer bit = static_cast<Integer>(i < width ? Integer(1) << i : 0);
+        const auto index = static_cast<unsigned short>(i);
+        const auto bit = static_cast<Integer>(i < width ? Integer(1) << i : 0);
         ASSERT_EQ(setBit(none, index), bit) << i;
         ASSERT_EQ(setBit(all, index), all) << i;
         ASSERT_EQ(clearBit(all, index), static_cast<Integer>(all - bit)) << i;
@@ -199,10 +199,9 @@ TEST(ArrayBits, Rotate)
         for (int m = 0; m <= 9; ++m) {
             std::vector<unsigned char> items(static_cast<size_t>(k + m) + 1);
             std::iota(items.begin(), items.end(), static_cast<unsigned char>(0));
-            std::vector<unsigned char> expected;
+            std::vector<unsigned char> expected = items;
             for (int i = 0; i < k + m; ++i)
-                expected.push_back(static_cast<unsigned char>((i + k) % (k + m)));
-            expected.push_back(static_cast<unsigned char>(k + m));
+                expected[static_cast<size_t>(i)] = static_cast<unsigned char>((i + k) % (k + m));
             RotateArray<unsigned char>(items.data(), k, m);
             EXPECT_EQ(items, expected) << k << " " << m;
         }

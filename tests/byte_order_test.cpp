@@ -73,11 +73,11 @@ TEST(ByteOrder, IntegersComeBack)
     RandomData random;
     SCOPED_TRACE(random.trace());
     for (int i = 0; i < 1000; ++i) {
-        const int number = static_cast<int>(random.number());
+        const auto number = static_cast<int>(random.number());
         EXPECT_EQ(QByteArrayToInt(intToByteArray(number)), number);
-        const short half = static_cast<short>(number);
+        const auto half = static_cast<short>(number);
         EXPECT_EQ(QByteArrayToShort(shortToByteArray(half)), half);
-        const unsigned short word = static_cast<unsigned short>(half);
+        const auto word = static_cast<unsigned short>(half);
         EXPECT_EQ(QByteArrayToWord(wordToByteArray(word)), word);
     }
 }

@@ -70,7 +70,7 @@ void checkStep(Step16 step, const Expected &expected)
     RandomData random;
     SCOPED_TRACE(random.trace());
     for (int round = 0; round < 20; ++round) {
-        const unsigned short crc = static_cast<unsigned short>(round == 0 ? 0 : random.between(0, 0xFFFF));
+        const auto crc = static_cast<unsigned short>(round == 0 ? 0 : random.between(0, 0xFFFF));
         for (int c = -128; c < 128; ++c)
             ASSERT_EQ(step(crc, static_cast<char>(c)), expected(crc, static_cast<char>(c)))
                 << crc << " " << c;

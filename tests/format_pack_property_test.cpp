@@ -73,7 +73,7 @@ protected:
         Layout layout;
         for (int i = random.between(0, MostItems); i > 0; --i) {
             const char letter = anyOf(SingleLetters);
-            const int value = static_cast<int>(random.number());
+            const auto value = static_cast<int>(random.number());
             layout.format += letter;
             layout.wire +=
                 isGap(letter) ? QByteArray(1, '\0') : swapped(letter, lowBytes(value, widthOf(letter)));
@@ -111,7 +111,7 @@ protected:
 QByteArray packed(const Layout &layout)
 {
     QByteArray out(layout.wire.size() + 1, '\0');
-    unsigned char *bytes = reinterpret_cast<unsigned char *>(out.data());
+    auto *bytes = reinterpret_cast<unsigned char *>(out.data());
     const char *format = layout.format.c_str();
     const std::vector<int> &v = layout.values;
     const std::vector<QByteArray> &a = layout.arrays;
@@ -136,10 +136,8 @@ QByteArray packedAsArray(const Layout &layout)
 // What comes out of the wire of a layout, each item in memory of its own with one byte behind it.
 std::vector<QByteArray> unpacked(const Layout &layout)
 {
-    std::vector<QByteArray> out;
-    for (int i = 0; i < MostItems; ++i)
-        out.push_back(QByteArray(layout.wire.size() + 1, '\x77'));
-    const unsigned char *in = reinterpret_cast<const unsigned char *>(layout.wire.constData());
+    std::vector<QByteArray> out(MostItems, QByteArray(layout.wire.size() + 1, '\x77'));
+    const auto *in = reinterpret_cast<const unsigned char *>(layout.wire.constData());
     EXPECT_EQ(DataUnpack(in, layout.format.c_str(), out[0].data(), out[1].data(), out[2].data(),
                          out[3].data(), out[4].data(), out[5].data()),
               layout.wire.size());
