@@ -1,155 +1,139 @@
 #include "slave_command.h"
 
 #include "exit_codes.h"
+#include "messages.h"
 #include "slave/embedded_slave.h"
 #include "stop_signal.h"
 #include "target.h"
 
-#include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QTextStream>
 
 namespace
 {
 
+const CommandLine::Texts Texts = {
+    "slave",
+    "",
+    "A Modbus slave that speaks RTU framing over TCP, to try things against: functions 1 to 6, 15 and 16 on\n"
+    "65536 addresses of each area, all 0 at first. Ctrl-C ends it and prints what it did.\n"
+    "\n"
+    "The file of --values has lines such as\n"
+    "  HR100 = 1 -2 0x1F     the address counts from 1; values from there on\n"
+    "  2-DO1 = 1 0 1         of station 2 only\n"
+    "  hole IR200..299       addresses that do not exist\n"
+    "\n"
+    "Faults of --fault; the number behind the colon may be left out:\n"
+    "  silence               no reply\n"
+    "  delay:MS              the reply comes so many milliseconds late\n"
+    "  truncate:BYTES        only so many bytes of it\n"
+    "  wrong-station:ID      in the name of another station\n"
+    "  wrong-function:CODE   with another function\n"
+    "  wrong-crc             one bit of the CRC is wrong\n"
+    "  exception:CODE        refused, and not executed\n"
+    "  junk-before:BYTES     noise in front of the reply\n"
+    "  junk-after:BYTES      noise behind it\n"
+    "  split:MS              one byte a segment, so many milliseconds apart\n"
+    "  merge                 held back and sent in one segment with the next reply\n"
+    "  double                twice in one segment\n"
+    "  stale                 the reply before it comes once more, in front\n"
+    "  echo                  the request comes back in front of the reply\n"
+    "  reset, close          the connection is reset, or closed, instead\n"
+    "  half-open             the connection stays up and nothing happens on it any more",
+    "  driverhost slave --port 1502 --values plant.txt\n"
+    "  driverhost slave --station 1-3 --latency 20 --fault silence=1% --fault truncate:4=1/10 --trace",
+};
+
 const int HighestStation = 247;
+const int HighestFunction = 127;
 const int HighestPort = 65535;
 const int LongestLatency = 60 * 1000;
 
-const char example[] =
-    "A Modbus slave that speaks RTU framing over TCP: functions 1 to 6, 15 and 16 on 65536 addresses of\n"
-    "each area, all 0 at first.\n"
-    "\n"
-    "  driverhost slave --port 1502 --values plant.txt --fault silence=1% --trace\n"
-    "\n"
-    "The file of --values has lines such as\n"
-    "  HR100 = 1 -2 0x1F        one-based address, values from there on\n"
-    "  2-DO1 = 1 0 1            of station 2 only\n"
-    "  hole IR200..299          addresses that do not exist";
-
-QString faultHelp()
+QCommandLineOption option(const char *name, const QString &description, const char *value,
+                          const char *usual = "")
 {
-    return QStringLiteral(
-               "Spoil replies, a share of them (silence=1%) or every n-th (truncate:4=1/10). May be given "
-               "several times. Faults: %1. Behind a colon: milliseconds for delay and split, bytes for "
-               "truncate, junk-before and junk-after, the code for exception, what is put in for "
-               "wrong-station "
-               "and wrong-function.")
-        .arg(allFaultNames().join(QLatin1String(", ")));
+    const QString shown = qstrlen(usual) == 0 ? QString() : QStringLiteral(" (default %1)").arg(usual);
+    return {QLatin1String(name), description + shown, QLatin1String(value), QLatin1String(usual)};
 }
 
 // Numbers and ranges of numbers: "1,3,5-7".
-bool parseNumberList(const QString &what, const QString &text, int highest, QList<int> &numbers,
-                     QString &error)
+QList<int> numberList(CommandLine &line, const char *name, int highest)
 {
-    numbers.clear();
-    for (const QString &part : text.split(QLatin1Char(','))) {
+    QList<int> numbers;
+    const QString what = QStringLiteral("--") + QLatin1String(name);
+    QString error;
+    for (const QString &part : line.text(name).split(QLatin1Char(','))) {
         const auto first = parseNumber(what, part.section(QLatin1Char('-'), 0, 0), 1, highest, error);
-        if (!first)
-            return false;
-        const auto last = parseNumber(what, part.section(QLatin1Char('-'), -1), *first, highest, error);
-        if (!last)
-            return false;
-        for (int number = *first; number <= *last; ++number)
+        const auto last =
+            parseNumber(what, part.section(QLatin1Char('-'), -1), first.value_or(1), highest, error);
+        for (int number = first.value_or(1); number <= last.value_or(0); ++number)
             numbers.append(number);
     }
-    return true;
+    if (!error.isEmpty())
+        line.mistake(error);
+    return numbers;
 }
 
-bool readNumber(const QCommandLineParser &parser, const QString &name, int lowest, int highest, int &number,
-                QString &error)
+void readAddress(CommandLine &line, SlaveOptions &options)
 {
-    const auto parsed = parseNumber(QStringLiteral("--") + name, parser.value(name), lowest, highest, error);
-    if (parsed)
-        number = *parsed;
-    return parsed.has_value();
+    if (!options.address.setAddress(line.text("listen")))
+        line.mistake(
+            QStringLiteral("--listen \"%1\": expected an IPv4 or IPv6 address").arg(line.text("listen")));
+    options.port = static_cast<quint16>(line.number("port", 0, HighestPort));
+    options.stations = numberList(line, "station", HighestStation);
 }
 
-bool readAddress(const QCommandLineParser &parser, SlaveOptions &options, QString &error)
+void readMemory(CommandLine &line, SlaveOptions &options)
 {
-    if (!options.address.setAddress(parser.value(QStringLiteral("listen")))) {
-        error = QStringLiteral("--listen \"%1\": expected an IPv4 or IPv6 address")
-                    .arg(parser.value(QStringLiteral("listen")));
-        return false;
-    }
-    int port = 0;
-    if (!readNumber(parser, QStringLiteral("port"), 0, HighestPort, port, error))
-        return false;
-    options.port = static_cast<quint16>(port);
-    return parseNumberList(QStringLiteral("--station"), parser.value(QStringLiteral("station")),
-                           HighestStation, options.stations, error);
-}
-
-bool readMemory(const QCommandLineParser &parser, SlaveOptions &options, QString &error)
-{
-    for (const QString &file : parser.values(QStringLiteral("values"))) {
+    for (const QString &file : line.texts("values")) {
+        QString error;
         if (!options.memory.loadFile(file, &error))
-            return false;
+            line.mistake(error);
     }
-    for (const QString &text : parser.values(QStringLiteral("hole"))) {
+    for (const QString &text : line.texts("hole")) {
         AreaRange hole;
-        if (!parseAreaRange(text, hole)) {
-            error = QStringLiteral("--hole \"%1\": expected addresses such as HR10 or 2-DO5..20").arg(text);
-            return false;
-        }
-        options.memory.addHole(hole);
+        if (parseAreaRange(text, hole))
+            options.memory.addHole(hole);
+        else
+            line.mistake(
+                QStringLiteral("--hole \"%1\": expected addresses such as HR10 or 2-DO5..20").arg(text));
     }
-    return true;
 }
 
-bool readLimits(const QCommandLineParser &parser, SlaveOptions &options, QString &error)
+void readLimits(CommandLine &line, SlaveOptions &options)
 {
     const SlaveLimits protocol;
-    QList<int> functions;
-    if (!readNumber(parser, QStringLiteral("max-registers"), 1, protocol.registers, options.limits.registers,
-                    error) ||
-        !readNumber(parser, QStringLiteral("max-bits"), 1, protocol.bits, options.limits.bits, error) ||
-        !parseNumberList(QStringLiteral("--functions"), parser.value(QStringLiteral("functions")), 127,
-                         functions, error))
-        return false;
+    options.limits.registers = line.number("max-registers", 1, protocol.registers);
+    options.limits.bits = line.number("max-bits", 1, protocol.bits);
+    const QList<int> functions = numberList(line, "functions", HighestFunction);
     options.functions = QSet<int>(functions.begin(), functions.end());
-    return true;
+    options.latencyMs = line.number("latency", 0, LongestLatency);
 }
 
-bool readFaults(const QCommandLineParser &parser, SlaveOptions &options, QString &error)
+void readFaults(CommandLine &line, SlaveOptions &options)
 {
-    bool isNumber = false;
-    const QString seed = parser.value(QStringLiteral("seed"));
-    options.faults.setSeed(seed.toUInt(&isNumber));
-    if (!isNumber) {
-        error = QStringLiteral("--seed \"%1\": expected a whole number").arg(seed);
-        return false;
+    options.faults.setSeed(static_cast<quint32>(line.number("seed", 0, INT_MAX)));
+    for (const QString &text : line.texts("fault")) {
+        QString error;
+        if (!options.faults.add(text, &error))
+            line.mistake(QStringLiteral("--fault: ") + error);
     }
-    for (const QString &text : parser.values(QStringLiteral("fault"))) {
-        QString reason;
-        if (!options.faults.add(text, &reason)) {
-            error = QStringLiteral("--fault: ") + reason;
-            return false;
-        }
-    }
-    options.banner = parser.value(QStringLiteral("banner")).toUtf8();
-    return readNumber(parser, QStringLiteral("latency"), 0, LongestLatency, options.latencyMs, error);
-}
-
-int fail(ExitCode code, const QString &reason)
-{
-    QTextStream(stderr) << "driverhost slave: " << reason << '\n';
-    return code;
+    options.banner = line.text("banner").toUtf8();
 }
 
 int serve(const SlaveOptions &options)
 {
     EmbeddedSlave slave(options);
-    if (!slave.listen())
-        return fail(OtherFailure,
-                    QStringLiteral("cannot listen on %1: %2")
-                        .arg(endpointText(options.address.toString(), options.port), slave.errorString()));
+    if (!slave.listen()) {
+        complain(QStringLiteral("cannot listen on %1: %2")
+                     .arg(endpointText(options.address.toString(), options.port), slave.errorString()));
+        return OtherFailure;
+    }
+    StopSignal signal;
+    QObject::connect(&signal, &StopSignal::stop, qApp, &QCoreApplication::quit);
     QTextStream output(stdout);
     output << "listening on " << endpointText(options.address.toString(), slave.port()) << ", Ctrl-C ends\n";
     output.flush();
-
-    StopSignal signal;
-    QObject::connect(&signal, &StopSignal::stop, qApp, &QCoreApplication::quit);
     QCoreApplication::exec();
     output << describeCounts(slave.counts());
     return Success;
@@ -157,55 +141,48 @@ int serve(const SlaveOptions &options)
 
 } // namespace
 
-void addSlaveOptions(QCommandLineParser &parser)
+QList<QCommandLineOption> slaveCommandOptions()
 {
-    parser.setApplicationDescription(QLatin1String(example));
-    parser.addOptions({
-        {QStringLiteral("listen"),
-         QStringLiteral("Address to listen on (default 127.0.0.1; 0.0.0.0 is all)."),
-         QStringLiteral("address"), QStringLiteral("127.0.0.1")},
-        {{QStringLiteral("p"), QStringLiteral("port")},
-         QStringLiteral("Port to listen on; 0 takes a free one (default 1502)."),
-         QStringLiteral("number"),
-         QStringLiteral("1502")},
-        {{QStringLiteral("s"), QStringLiteral("station")},
-         QStringLiteral("Stations that answer, each with a memory of its own, such as 1,5-7 (default 1)."),
-         QStringLiteral("list"),
-         QStringLiteral("1")},
-        {QStringLiteral("values"), QStringLiteral("File with initial values and holes."),
-         QStringLiteral("file")},
-        {QStringLiteral("hole"),
-         QStringLiteral("Addresses that do not exist, such as HR10..20; exception 2. Several times."),
-         QStringLiteral("range")},
-        {QStringLiteral("max-registers"),
-         QStringLiteral("Most registers in one request; above, exception 3 (default 125)."),
-         QStringLiteral("number"), QStringLiteral("125")},
-        {QStringLiteral("max-bits"), QStringLiteral("Most bits in one request (default 2000)."),
-         QStringLiteral("number"), QStringLiteral("2000")},
-        {QStringLiteral("functions"),
-         QStringLiteral("Functions that it knows; others get exception 1 (default 1-6,15,16)."),
-         QStringLiteral("list"), QStringLiteral("1-6,15,16")},
-        {QStringLiteral("latency"), QStringLiteral("Milliseconds that every reply takes (default 0)."),
-         QStringLiteral("ms"), QStringLiteral("0")},
-        {QStringLiteral("fault"), faultHelp(), QStringLiteral("rule")},
-        {QStringLiteral("banner"), QStringLiteral("Text to send on every new connection."),
-         QStringLiteral("text")},
-        {QStringLiteral("seed"), QStringLiteral("Same seed, same faults (default 1)."),
-         QStringLiteral("number"), QStringLiteral("1")},
-        {QStringLiteral("trace"), QStringLiteral("Write every frame and what it means to standard error.")},
-    });
+    return {
+        option("listen", QStringLiteral("Address to listen on; 0.0.0.0 is all"), "ADDRESS", "127.0.0.1"),
+        option("port", QStringLiteral("Port to listen on; 0 takes a free one"), "NUMBER", "1502"),
+        option("station",
+               QStringLiteral("Stations that answer, each with a memory of its own, such as 1,5-7"), "LIST",
+               "1"),
+        option("values", QStringLiteral("File with initial values and holes."), "FILE"),
+        option("hole",
+               QStringLiteral("Addresses that do not exist, such as HR10..20: exception 2. May be given "
+                              "several times."),
+               "RANGE"),
+        option("max-registers", QStringLiteral("Most registers in one request; above: exception 3"), "NUMBER",
+               "125"),
+        option("max-bits", QStringLiteral("Most bits in one request"), "NUMBER", "2000"),
+        option("functions", QStringLiteral("Functions that it knows; others: exception 1"), "LIST",
+               "1-6,15,16"),
+        option("latency", QStringLiteral("Milliseconds that every reply takes"), "MS", "0"),
+        option("fault",
+               QStringLiteral(
+                   "Spoil a share of the replies (silence=1%) or every n-th (truncate:4=1/10). May be "
+                   "given several times."),
+               "RULE"),
+        option("banner", QStringLiteral("Text to send on every new connection."), "TEXT"),
+        option("seed", QStringLiteral("Same seed, same faults"), "NUMBER", "1"),
+        {QStringLiteral("trace"), QStringLiteral("Tell every frame and what it means on standard error.")},
+    };
 }
 
-bool readSlaveOptions(const QCommandLineParser &parser, SlaveOptions &options, QString &error)
+SlaveOptions slaveOptions(CommandLine &line)
 {
-    if (!parser.positionalArguments().isEmpty()) {
-        error = QStringLiteral("\"%1\" is no option").arg(parser.positionalArguments().first());
-        return false;
-    }
-    if (parser.isSet(QStringLiteral("trace")))
+    SlaveOptions options;
+    if (!line.words().isEmpty())
+        line.mistake(QStringLiteral("\"%1\" is no option").arg(line.words().first()));
+    readAddress(line, options);
+    readMemory(line, options);
+    readLimits(line, options);
+    readFaults(line, options);
+    if (line.isSet("trace"))
         options.trace = stderrTrace();
-    return readAddress(parser, options, error) && readMemory(parser, options, error) &&
-           readLimits(parser, options, error) && readFaults(parser, options, error);
+    return options;
 }
 
 QString describeCounts(const SlaveCounts &counts)
@@ -228,18 +205,10 @@ QString describeCounts(const SlaveCounts &counts)
 
 int runSlave(const QStringList &arguments)
 {
-    QCommandLineParser parser;
-    addSlaveOptions(parser);
-    const QCommandLineOption help = parser.addHelpOption();
-    if (!parser.parse(QStringList{QStringLiteral("driverhost slave")} + arguments))
-        return fail(UsageError, parser.errorText());
-    if (parser.isSet(help)) {
-        QTextStream(stdout) << parser.helpText();
-        return Success;
-    }
-    SlaveOptions options;
-    QString error;
-    if (!readSlaveOptions(parser, options, error))
-        return fail(UsageError, error);
-    return serve(options);
+    CommandLine line(Texts);
+    line.addOptions(slaveCommandOptions());
+    if (const std::optional<int> end = line.parse(arguments))
+        return *end;
+    const SlaveOptions options = slaveOptions(line);
+    return line.isRight() ? serve(options) : line.refuse();
 }
