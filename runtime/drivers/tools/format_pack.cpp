@@ -109,7 +109,7 @@ private:
     int end;
 };
 
-// A copy of the caller's arguments, which helpers can take further.
+// A copy of the caller's arguments, taken one by one.
 class Arguments
 {
 public:
