@@ -33,6 +33,18 @@ CommandLine::CommandLine(const Texts &texts) : m_texts(texts)
     m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
 }
 
+void CommandLine::addOptions(const QList<QCommandLineOption> &options)
+{
+    m_parser.addOptions(options);
+    for (const QCommandLineOption &option : options)
+        m_options += option.names();
+}
+
+bool CommandLine::isSet(const char *option) const
+{
+    return m_options.contains(QLatin1String(option)) && m_parser.isSet(QLatin1String(option));
+}
+
 std::optional<int> CommandLine::parse(const QStringList &arguments)
 {
     QStringList words{QLatin1String(m_texts.name)};

@@ -18,13 +18,14 @@ public:
 
     explicit CommandLine(const Texts &texts);
 
-    void addOptions(const QList<QCommandLineOption> &options) { m_parser.addOptions(options); }
+    void addOptions(const QList<QCommandLineOption> &options);
 
     /// Takes the arguments behind the subcommand's name. The exit code when the run ends with that: help was
     /// asked for, or an option is unknown.
     std::optional<int> parse(const QStringList &arguments);
 
-    bool isSet(const char *option) const { return m_parser.isSet(QLatin1String(option)); }
+    /// False also for an option that the subcommand does not have.
+    bool isSet(const char *option) const;
     QString text(const char *option) const { return m_parser.value(QLatin1String(option)); }
     QStringList texts(const char *option) const { return m_parser.values(QLatin1String(option)); }
     /// The option's number; one outside the limits is a mistake and gives \a lowest.
@@ -48,6 +49,7 @@ private:
 
     Texts m_texts;
     QCommandLineParser m_parser;
+    QStringList m_options;
     QString m_mistake;
 };
 

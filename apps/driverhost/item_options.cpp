@@ -33,7 +33,7 @@ QString problemWith(const Items &items, const ItemOptions &options)
 
 } // namespace
 
-QList<QCommandLineOption> itemOptions()
+QList<QCommandLineOption> tagOptions()
 {
     return {
         {QStringLiteral("kind"),
@@ -45,13 +45,21 @@ QList<QCommandLineOption> itemOptions()
          QStringLiteral(
              "How numbers are written: unsigned, signed, hex, binary or float (default unsigned)."),
          QStringLiteral("FORM"), QStringLiteral("unsigned")},
-        {QStringLiteral("word-order"),
-         QStringLiteral(
-             "Which word of a dword has the lower register number: low or high (default low, or high "
-             "where the address says SW)."),
-         QStringLiteral("ORDER")},
-        {QStringLiteral("raw"), QStringLiteral("Hand addresses to the driver as they stand, unchecked.")},
     };
+}
+
+QList<QCommandLineOption> itemOptions()
+{
+    return tagOptions() +
+           QList<QCommandLineOption>{
+               {QStringLiteral("word-order"),
+                QStringLiteral(
+                    "Which word of a dword has the lower register number: low or high (default low, or "
+                    "high where the address says SW)."),
+                QStringLiteral("ORDER")},
+               {QStringLiteral("raw"),
+                QStringLiteral("Hand addresses to the driver as they stand, unchecked.")},
+           };
 }
 
 QCommandLineOption itemCountOption(const QStringList &names)

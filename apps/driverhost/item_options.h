@@ -17,6 +17,8 @@ struct ItemOptions {
 };
 
 QList<QCommandLineOption> itemOptions();
+/// Those of them that make sense for tags.
+QList<QCommandLineOption> tagOptions();
 /// The option for the number of items, "items", and \a names besides.
 QCommandLineOption itemCountOption(const QStringList &names = {});
 

@@ -21,6 +21,9 @@ const Subcommand Subcommands[] = {
     {"read", "Read values from a slave", runRead},
     {"write", "Write values to a slave", runWrite},
     {"watch", "Read values again and again", runWatch},
+    {"tags", "Read all tags of a project", runTags},
+    {"scan", "Find stations, or the addresses that a slave has", runScan},
+    {"project", "Make, print and explain project databases", runProject},
     {"slave", "Be a slave, also a faulty one", runSlave},
     {"demo", "Show the plug-in at work against a slave of its own", runDemo},
 };

@@ -11,6 +11,8 @@
 namespace
 {
 
+const qint64 Thousand = 1000;
+
 struct FailureKind {
     const char *text; // what the driver's text begins with
     ExitCode code;
@@ -123,13 +125,10 @@ void Session::prepare(const Items &items)
     m_channel.setStation(stationFor(items));
     m_exchanges.clear();
     m_openFailed = false;
-    m_clock.start();
 }
 
 void Session::finish()
 {
-    const qint64 thousand = 1000;
-    m_latency = m_clock.nsecsElapsed() / thousand;
     m_trace.flush();
 }
 
@@ -142,12 +141,14 @@ void Session::observe(ChannelEvent event, const QByteArray &bytes)
     case ChannelEvent::Closed: m_trace.event(QStringLiteral("closed")); break;
     case ChannelEvent::Discarded: m_trace.dropped(bytes); break;
     case ChannelEvent::Sent:
+        m_clock.start();
         m_exchanges.push_back({bytes, {}});
         m_trace.sent(bytes);
         break;
     case ChannelEvent::Received:
         if (!m_exchanges.empty())
             m_exchanges.back().reply += bytes;
+        m_latency = m_clock.nsecsElapsed() / Thousand;
         m_trace.received(bytes);
         break;
     }

@@ -36,7 +36,7 @@ public:
     /// The driver's text of the last failure, and the exit code that it stands for.
     QString lastError() { return m_driver->getLastError(); }
     ExitCode failure();
-    /// The exchanges of the last read or write, and how long it took.
+    /// The exchanges of the last read or write, and how long the last reply took.
     const std::vector<Exchange> &exchanges() const { return m_exchanges; }
     qint64 latencyMicroseconds() const { return m_latency; }
 

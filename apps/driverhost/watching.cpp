@@ -188,10 +188,16 @@ WatchSettings watchSettings(CommandLine &line, const LinkSettings &link)
         settings.rounds = line.number("count", 1, MostRounds);
     if (line.isSet("duration"))
         settings.duration = line.milliseconds("duration", 1, std::numeric_limits<int>::max());
-    settings.title = QStringLiteral("rtutcp://%1/%2  every %3 s  Ctrl-C ends")
-                         .arg(endpointText(link.channel.host, link.channel.port),
-                              QString::number(link.channel.station), line.text("interval"));
+    settings.title = watchTitle(link, settings);
     return settings;
+}
+
+QString watchTitle(const LinkSettings &link, const WatchSettings &settings)
+{
+    const double second = 1000;
+    return QStringLiteral("rtutcp://%1/%2  every %3 s  Ctrl-C ends")
+        .arg(endpointText(link.channel.host, link.channel.port), QString::number(link.channel.station),
+             QString::number(settings.interval / second));
 }
 
 int watchReadings(Session &session, const std::vector<Reading> &readings, const WatchSettings &settings)

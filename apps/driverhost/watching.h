@@ -16,6 +16,9 @@ struct WatchSettings {
 QList<QCommandLineOption> watchOptions();
 WatchSettings watchSettings(CommandLine &line, const LinkSettings &link);
 
+/// The line above the table.
+QString watchTitle(const LinkSettings &link, const WatchSettings &settings);
+
 /// Reads until the rounds or the time are over or a signal asks to stop, as a table in place on a terminal
 /// and as lines elsewhere; then tells the statistics. Success when anything could be read, otherwise the exit
 /// code of the last failure.

@@ -1,0 +1,103 @@
+#include "commands.h"
+
+#include "command_line.h"
+#include "exit_codes.h"
+#include "messages.h"
+#include "project_list.h"
+#include "project_why.h"
+#include "target.h"
+#include "value_output.h"
+
+#include <QFile>
+
+namespace
+{
+
+const CommandLine::Texts Texts = {
+    "project",
+    "FILE",
+    "Prints what the project database FILE holds, as the list that --make takes; makes one from such a list; "
+    "or\n"
+    "explains step by step why a driver does not load it. A list has one thing a line, fields between blanks "
+    "or\n"
+    "commas:\n"
+    "  link 1 ETHERNET                 id, device text\n"
+    "  node 1 5 default 10.0.0.5:502   link, station, the link's default, endpoint\n"
+    "  tag 1 HR100                     link, address (2-DO5 for station 2)",
+    "  driverhost project --make list.txt project.db\n"
+    "  driverhost project project.db\n"
+    "  driverhost project --why ETHERNET project.db",
+};
+
+int makeProject(const QString &listPath, const QString &path)
+{
+    QFile file(listPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        complain(QStringLiteral("%1: %2").arg(listPath, file.errorString()));
+        return UsageError;
+    }
+    QString error;
+    const std::optional<Project> project = parseProjectList(QString::fromUtf8(file.readAll()), error);
+    if (!project) {
+        complain(QStringLiteral("%1: %2; nothing is written").arg(listPath, error));
+        return UsageError;
+    }
+    if (!writeProjectFile(path, *project, error)) {
+        complain(error);
+        return OtherFailure;
+    }
+    tell(QStringLiteral("%1: %2 links, %3 nodes, %4 tags")
+             .arg(path, QString::number(project->links.size()), QString::number(project->nodes.size()),
+                  QString::number(project->tags.size())));
+    return Success;
+}
+
+int printProject(const QString &path)
+{
+    QString error;
+    const std::optional<Project> project = readProjectFile(path, error);
+    if (!project) {
+        complain(error);
+        return DatabaseError;
+    }
+    return print(projectListOf(*project)) ? Success : OutputClosed;
+}
+
+int explain(const QString &path, const QString &device)
+{
+    const LoadReport report = explainLoad(path, device);
+    if (!print(report.steps))
+        return OutputClosed;
+    return report.isLoaded ? Success : DatabaseError;
+}
+
+} // namespace
+
+int runProject(const QStringList &arguments)
+{
+    CommandLine line(Texts);
+    line.addOptions({
+        {QStringLiteral("make"), QStringLiteral("Make FILE from this list. A bad list makes nothing."),
+         QStringLiteral("LIST")},
+        {QStringLiteral("why"),
+         QStringLiteral(
+             "Explain what the driver does with FILE for this device text, such as ETHERNET or COM1. FILE "
+             "may also be the folder of the program that the driver runs in."),
+         QStringLiteral("DEVICE")},
+    });
+    if (const std::optional<int> end = line.parse(arguments))
+        return *end;
+    const QStringList words = line.words();
+    QString error;
+    if (words.size() != 1)
+        line.mistake(QStringLiteral("expected one file"));
+    if (line.isSet("make") && line.isSet("why"))
+        line.mistake(QStringLiteral("--make and --why are two things"));
+    if (line.isSet("why") && !checkDeviceText(line.text("why"), error))
+        line.mistake(error);
+    if (!line.isRight())
+        return line.refuse();
+    if (line.isSet("make"))
+        return makeProject(line.text("make"), words.first());
+    return line.isSet("why") ? explain(words.first(), line.text("why")) : printProject(words.first());
+}
