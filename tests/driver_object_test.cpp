@@ -6,6 +6,7 @@
 #include <QSqlDatabase>
 
 extern "C" QObject *qt_plugin_instance();
+extern "C" const char *qt_plugin_query_verification_data();
 
 namespace
 {
@@ -186,6 +187,13 @@ TEST(PluginEntry, TheInstanceIsOneUntilItIsDeleted)
     const QScopedPointer<QObject> fresh(qt_plugin_instance());
     ASSERT_NE(qobject_cast<DriverInterface *>(fresh.data()), nullptr);
     EXPECT_EQ(fresh->objectName(), QString());
+}
+
+// The rest of the text names the build of Qt that loads the plug-in.
+TEST(PluginEntry, VerificationText)
+{
+    const QByteArray begin("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.6\ndebug=");
+    EXPECT_EQ(QByteArray(qt_plugin_query_verification_data()).left(begin.size()), begin);
 }
 
 TEST(ConnectionName, IsOneRandomNumberDrawnAtConstruction)

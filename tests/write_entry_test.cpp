@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <sys/resource.h>
 
 namespace
 {
@@ -245,6 +246,24 @@ TEST_F(WriteEntry, DataIsSizedByTheCommand)
             size.request != nullptr ? QList<QByteArray>() << framed(size.request) : QList<QByteArray>();
         EXPECT_EQ(channel.requests(), expected);
     }
+}
+
+// What will be refused is not first built in full.
+TEST_F(WriteEntry, HugeCountsTakeNoMemory)
+{
+    const auto peakKilobytes = [] {
+        struct rusage usage = {};
+        getrusage(RUSAGE_SELF, &usage);
+        return usage.ru_maxrss;
+    };
+    const long before = peakKilobytes();
+    for (const int count : {std::numeric_limits<int>::min(), -1, 0x10000000, 0x20000001, 0x40000001,
+                            std::numeric_limits<int>::max()})
+        for (int kind = 0; kind <= 8; ++kind)
+            for (const char *address : {"HR1", "FN6HR1", "DO1", "FN5DO1", "DI1"})
+                EXPECT_FALSE(write(kind, address, count, fromHex("01")));
+    EXPECT_LT(peakKilobytes() - before, 32 * 1024);
+    EXPECT_TRUE(isSilent());
 }
 
 TEST_F(WriteEntry, DataOfTheHostIsLeftAlone)

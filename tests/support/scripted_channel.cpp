@@ -51,6 +51,13 @@ void ScriptedChannel::fail(Operation operation, int nth, int result)
     failures.insert(std::make_pair(operation, failure));
 }
 
+void ScriptedChannel::forgetScript()
+{
+    replies.clear();
+    responder = Responder();
+    failures.clear();
+}
+
 int ScriptedChannel::count(Operation operation) const
 {
     return static_cast<int>(std::count_if(

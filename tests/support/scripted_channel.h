@@ -73,6 +73,8 @@ public:
     std::string trace() const;
     /// Forgets the calls so far, not the script.
     void forgetCalls() { log.clear(); }
+    /// Forgets the replies that were added, the responder and the failures.
+    void forgetScript();
 
     int readData(char *buffer, int maxLength) override;
     int writeData(const char *data, int length) override;

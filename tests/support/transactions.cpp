@@ -1,0 +1,89 @@
+#include "support/transactions.h"
+
+#include "support/model_slave.h"
+
+namespace
+{
+
+const bool Read = false;
+const bool Write = true;
+
+struct Row {
+    const char *name;
+    bool isWrite;
+    int dataType;
+    const char *address;
+    int count;
+    const char *data;
+    const char *details;
+};
+
+const Row rows[] = {
+    {"readWords", Read, 2, "HR7", 3, "", " (read 3 word(s) from 1-HR7)"},
+    {"readWords of inputs", Read, 2, "IR7", 1, "", " (read 1 word(s) from 1-IR7)"},
+    {"readIRHRbits", Read, 0, "HR7.14", 11, "", " (read 11 bit(s) from 1-HR7.14)"},
+    {"readIRHRbits of inputs", Read, 6, "IR7.3", 2, "", ""},
+    {"readDWords", Read, 3, "HR7", 2, "", " (read 2 dword(s) from 1-HR7)"},
+    {"readDWords, high word first", Read, 3, "IRSW7", 1, "", " (read 1 dword(s) from 1-IRSW7)"},
+    {"readBytes", Read, 1, "FN6HR7", 3, "", " (read 3 byte(s) from 1-FN6HR7)"},
+    {"readDIDOs of coils", Read, 0, "FN5DO7", 21, "", " (read 21 bit(s) from 1-FN5DO7)"},
+    {"readDIDOs of inputs", Read, 0, "DI7", 5, "", " (read 5 bit(s) from 1-DI7)"},
+    {"readBytesFromDI", Read, 1, "DI1", 2, "", " (read 2 byte(s) from 1-DI1)"},
+    {"readBytesFromDO", Read, 5, "DO1", 2, "", ""},
+    {"writeWords", Write, 2, "HR7", 2, "11 22 33 44", " (write 2 word to 1-HR7)"},
+    {"writeDWords", Write, 3, "HRSW7", 1, "11 22 33 44", " (write 1 dword to 1-HRSW7)"},
+    {"writeBytes", Write, 1, "HR7", 3, "11 22 33", " (write 3 byte to 1-HR7)"},
+    {"writeWordsWithFN6", Write, 2, "FN6HR7", 3, "11 22 33 44 55 66", " (write 3 word to 1-FN6HR7)"},
+    {"writeDWordsWithFN6", Write, 3, "FN6HR7", 1, "11 22 33 44", " (write 1 dword to 1-FN6HR7)"},
+    {"writeBytesWithFN6", Write, 5, "FN6HR7", 3, "11 22 33", ""},
+    {"writeCoils", Write, 0, "DO7", 10, "FF 01", " (write 10 bit to 1-DO7)"},
+    {"writeCoilsWithFN5", Write, 6, "FN5DO7", 3, "05", ""},
+    {"writeHRbit", Write, 0, "HR7.14", 3, "05", " (write 3 bit to 1-HR7.14)"},
+    {"writeHRbitWithFN6", Write, 0, "FN6HR7.14", 3, "05", " (write 3 bit to 1-FN6HR7.14)"},
+};
+
+ModelSlave filledSlave()
+{
+    ModelSlave slave;
+    for (size_t i = 0; i < 100; ++i) {
+        slave.coils[i] = i % 3 == 0 ? 1 : 0;
+        slave.discreteInputs[i] = i % 5 < 2 ? 1 : 0;
+        slave.holdingRegisters[i] = static_cast<std::uint16_t>(0x1234 + 0x0F1D * i);
+        slave.inputRegisters[i] = static_cast<std::uint16_t>(0xFEDC - 0x0B17 * i);
+    }
+    return slave;
+}
+
+Transaction learned(const Row &row, LoadedDriver &link)
+{
+    Transaction learning = {row.name, row.isWrite, row.dataType, row.address, row.count,
+                            row.data, row.details, {},           QByteArray()};
+    ModelSlave slave = filledSlave();
+    link.channel.setResponder([&](const QByteArray &request) {
+        const Transaction::Exchange exchange = {request, slave.answer(request)};
+        learning.exchanges.push_back(exchange);
+        return exchange.reply;
+    });
+    if (row.isWrite)
+        link.write(row.dataType, row.address, row.count, fromHex(row.data));
+    else
+        learning.result = link.read(row.dataType, row.address, row.count);
+    EXPECT_EQ(link.error(), NoError) << row.name;
+    return learning;
+}
+
+} // namespace
+
+QStringList transactionTags()
+{
+    return stringList({"DI1", "DI2", "DI3", "DI6", "DO4", "DO12", "DO13"});
+}
+
+std::vector<Transaction> makeTransactions()
+{
+    LoadedDriver link(transactionTags());
+    std::vector<Transaction> transactions;
+    for (const Row &row : rows)
+        transactions.push_back(learned(row, link));
+    return transactions;
+}
