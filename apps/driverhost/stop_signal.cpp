@@ -18,7 +18,7 @@ volatile std::sig_atomic_t isRaised = 0;
 std::array<int, 2> wakePipe{-1, -1};
 std::array<struct sigaction, stopSignals.size()> formerActions;
 
-void noteSignal(int)
+void noteSignal(int /*signal*/)
 {
     const int formerError = errno;
     isRaised = 1;

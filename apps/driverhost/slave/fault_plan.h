@@ -53,7 +53,7 @@ public:
     /// \a error when the text is no such rule.
     bool add(const QString &text, QString *error);
     /// These come first, once each.
-    void inject(const Fault &fault, int replies);
+    void inject(const Fault &fault, int count = 1);
 
     /// The fault of the next reply.
     Fault next();

@@ -41,7 +41,7 @@ QByteArray RtuDeframer::next()
     while (!buffer.isEmpty()) {
         const int size = frameSizeAt(0);
         if (size > 0) {
-            const QByteArray frame = buffer.left(size);
+            QByteArray frame = buffer.left(size);
             buffer.remove(0, size);
             return frame;
         }
