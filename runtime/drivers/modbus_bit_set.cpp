@@ -2,7 +2,14 @@
 
 #include "drivers/tools/tool_assert.h"
 
-#include <algorithm>
+#include <bitset>
+
+namespace
+{
+
+const size_t AddressCount = 65536;
+
+} // namespace
 
 int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
 {
@@ -21,10 +28,16 @@ int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
     return -1;
 }
 
+// By a bit for each address there can be: projects name the same ones over and over, which sorting would move
+// about for nothing.
 void ModbusBitSet::setSort(UShortVector &set)
 {
-    std::sort(set.begin(), set.end());
-    // A copy of the unique part has just its size; shrink_to_fit() may do nothing in a build without
-    // exceptions.
-    UShortVector(set.begin(), std::unique(set.begin(), set.end())).swap(set);
+    std::bitset<AddressCount> used;
+    for (UShortVector::const_iterator address = set.begin(); address != set.end(); ++address)
+        used[*address] = true;
+    auto end = set.begin();
+    for (size_t address = used._Find_first(); address < used.size(); address = used._Find_next(address))
+        *end++ = static_cast<ushort>(address);
+    // A copy has just its size; shrink_to_fit() may do nothing in a build without exceptions.
+    UShortVector(set.begin(), end).swap(set);
 }

@@ -125,9 +125,6 @@ private:
     bool createDBConnection();
     bool readDB(const QString &devStr);
     bool initValidBitAddressesMap(int connectorId, unsigned char defaultStation);
-    void insertTag(const QString &tag, unsigned char defaultStation);
-    void validBitAddressesMapInsertDI(unsigned char station, unsigned short address);
-    void validBitAddressesMapInsertDO(unsigned char station, unsigned short address);
 
     bool errorFlag;
     bool debugMode;

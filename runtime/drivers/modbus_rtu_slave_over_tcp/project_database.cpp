@@ -1,6 +1,6 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
-#include "drivers/tools/plc_address.h"
+#include "drivers/modbus_rtu_slave_over_tcp/used_bits.h"
 #include "drivers/tools/project_lookup.h"
 
 #include <QFile>
@@ -31,21 +31,6 @@ bool canBeOpened(const QString &connectionName)
 {
     const QSqlDatabase database = QSqlDatabase::database(connectionName, false);
     return database.isOpen() || isDatabaseFile(database.databaseName());
-}
-
-unsigned short zeroBased(unsigned int number)
-{
-    return static_cast<unsigned short>(number - 1);
-}
-
-bool startsWith(const QString &text, const char *prefix)
-{
-    return text.startsWith(QLatin1String(prefix), Qt::CaseInsensitive);
-}
-
-unsigned short addressOf(const QString &tag)
-{
-    return zeroBased(static_cast<unsigned int>(ExtractPLCDeviceAddress(tag, 10)));
 }
 
 } // namespace
@@ -100,50 +85,13 @@ bool DriverModbusRtuSlaveOverTcp::initValidBitAddressesMap(int connectorId, unsi
     if (!query.isActive())
         return false;
 
-    validBitAddressesMap.clear();
+    UsedBits used(defaultStation, bitAddressPattern);
     while (query.next())
-        insertTag(query.value(0).toString(), defaultStation);
+        used.add(query.value(0));
     // A file that ends in the middle of the table: half of the addresses would read as if the others were
     // unused.
     if (query.lastError().isValid())
         return false;
-
-    for (QMap<unsigned char, ModbusBitSet>::iterator station = validBitAddressesMap.begin();
-         station != validBitAddressesMap.end(); ++station) {
-        station.value().DISetSort();
-        station.value().DOSetSort();
-    }
+    validBitAddressesMap = used.sorted();
     return true;
-}
-
-// Tags of registers, and texts that are no address, are none of the map's business.
-void DriverModbusRtuSlaveOverTcp::insertTag(const QString &tag, unsigned char defaultStation)
-{
-    const QChar first = tag.isEmpty() ? QChar() : tag.at(0).toUpper();
-    if (first == QLatin1Char('D')) {
-        if (startsWith(tag, "DI"))
-            validBitAddressesMapInsertDI(defaultStation, addressOf(tag));
-        else if (startsWith(tag, "DO"))
-            validBitAddressesMapInsertDO(defaultStation, addressOf(tag));
-    } else if (first == QLatin1Char('F')) {
-        if (startsWith(tag, "FN5DO"))
-            validBitAddressesMapInsertDO(defaultStation, addressOf(tag.mid(3)));
-    } else if (first.isDigit() && bitAddressPattern.indexIn(tag) == 0) {
-        const unsigned char station = static_cast<unsigned char>(bitAddressPattern.cap(1).toUInt());
-        const unsigned short address = zeroBased(bitAddressPattern.cap(3).toUInt());
-        if (startsWith(bitAddressPattern.cap(2), "DI"))
-            validBitAddressesMapInsertDI(station, address);
-        else
-            validBitAddressesMapInsertDO(station, address);
-    }
-}
-
-void DriverModbusRtuSlaveOverTcp::validBitAddressesMapInsertDI(unsigned char station, unsigned short address)
-{
-    validBitAddressesMap[station].DISetPush(address);
-}
-
-void DriverModbusRtuSlaveOverTcp::validBitAddressesMapInsertDO(unsigned char station, unsigned short address)
-{
-    validBitAddressesMap[station].DOSetPush(address);
 }

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "drivers/modbus_bit_set.h"
+
+#include <QMap>
+#include <QRegExp>
+#include <QString>
+#include <QVariant>
+
+#include <vector>
+
+/// Collects the coils and discrete inputs that the tags of a project use, by station.
+class UsedBits
+{
+public:
+    /// Tags without a station are of \a stationOfLink. \a stationPattern splits the others' address texts
+    /// into station, area and number.
+    UsedBits(unsigned char stationOfLink, const QRegExp &stationPattern);
+
+    /// Adds the bit that the address text of a tag names: "DI5", "DO5" or "FN5DO5" of the link's station,
+    /// "2-DO5" of station 2, in any case. Registers, and texts that are no address, are left out.
+    ///
+    /// Without a station the number must reach to the end of the text and counts as 0 when it does not; with
+    /// one, nothing behind the number is looked at.
+    void add(const QVariant &address);
+
+    /// The sets of all stations that have any, sorted.
+    QMap<unsigned char, ModbusBitSet> sorted();
+
+private:
+    bool addPlain(const QString &tag);
+    void addUnusual(const QVariant &address);
+    void insertDI(unsigned int station, unsigned int number);
+    void insertDO(unsigned int station, unsigned int number);
+
+    unsigned char defaultStation;
+    QRegExp pattern;
+    /// One for each station there can be: a search in a map would cost more than the rest of a tag.
+    std::vector<ModbusBitSet> sets;
+};
