@@ -1,0 +1,91 @@
+// Runs what is counted under callgrind, which writes one file of costs for each figure, named by its text. It
+// counts within counted(), but not within the channel: --toggle-collect names both.
+
+#include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
+#include "drivers/tools/command_data.h"
+#include "support/bit_reads.h"
+#include "support/canned_channel.h"
+#include "support/projects.h"
+#include "support/transactions.h"
+
+#include <QCoreApplication>
+
+#include <valgrind/callgrind.h>
+
+#include <iostream>
+
+// Takes only references, so that nothing but the work itself is within it.
+template <typename Work>
+__attribute__((noinline)) void counted(Work &work)
+{
+    work();
+}
+
+namespace
+{
+
+// Counts one call of `work` once it has done everything that only a first call does.
+template <typename Work>
+void count(const std::string &name, Work work)
+{
+    work();
+    CALLGRIND_ZERO_STATS;
+    counted(work);
+    CALLGRIND_DUMP_STATS_AT(name.c_str());
+}
+
+void count(DriverInterface &driver, CannedChannel &channel, const Transaction &transaction)
+{
+    if (transaction.written.isEmpty())
+        count(transaction.name, [&] { driver.read(&channel, transaction.command); });
+    else
+        count(transaction.name, [&] { driver.write(&channel, transaction.command, transaction.written); });
+}
+
+void countTransactions()
+{
+    DriverModbusRtuSlaveOverTcp driver;
+    CannedChannel channel(QStringLiteral("COM1"));
+    for (const Transaction &transaction : measuredTransactions()) {
+        check(driver, channel, transaction);
+        count(driver, channel, transaction);
+    }
+}
+
+void countBitReads()
+{
+    for (const BitRead &bitRead : measuredBitReads()) {
+        DriverModbusRtuSlaveOverTcp driver;
+        CannedChannel channel(bitRead.port);
+        check(driver, channel, bitRead.transaction);
+        count(driver, channel, bitRead.transaction);
+    }
+}
+
+void countLoad(const QString &project)
+{
+    useProject(project);
+    CannedChannel channel;
+    count("load", [&] {
+        DriverModbusRtuSlaveOverTcp driver;
+        load(driver, channel);
+    });
+    count("query", [&] { queryEveryText(project); });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (argc != 3) {
+        std::cerr << "usage: counts FOLDER TAGS-PROJECT\n";
+        return 2;
+    }
+    const QString folder = QString::fromLocal8Bit(argv[1]) + QLatin1Char('/');
+    useProject(folder + QLatin1String("bits"));
+    countTransactions();
+    countBitReads();
+    countLoad(folder + QString::fromLocal8Bit(argv[2]));
+    return 0;
+}

@@ -1,0 +1,31 @@
+#include "support/bit_reads.h"
+
+#include "drivers/tools/command_data.h"
+#include "support/slave_model.h"
+
+#include <functional>
+
+namespace
+{
+
+const int ByteCount = 250;
+
+// The pattern is that of make_projects.py.
+BitRead bitRead(const char *name, const char *port, int requests, const std::function<bool(int)> &isUsed)
+{
+    QByteArray expected(ByteCount, '\0');
+    for (int i = 0; i < 8 * ByteCount; ++i)
+        if (isUsed(i) && bitValue(i))
+            expected[i / 8] = static_cast<char>(expected.at(i / 8) | 1 << i % 8);
+    return {QLatin1String(port), {name, command(ByteItem, ByteCount, "DI1"), {}, expected}, requests};
+}
+
+} // namespace
+
+std::vector<BitRead> measuredBitReads()
+{
+    return {bitRead("1 request", "COM1", 1, [](int) { return true; }),
+            bitRead("125 requests", "COM2", 125, [](int i) { return i % 16 < 8; }),
+            bitRead("1000 requests", "COM3", 1000, [](int i) { return i % 2 == 0; }),
+            bitRead("0 requests", "COM4", 0, [](int) { return false; })};
+}
