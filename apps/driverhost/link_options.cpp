@@ -17,7 +17,7 @@ QCommandLineOption option(const char *name, const char *description, const char 
     const QString defaultText = QLatin1String(usual);
     QString text = QLatin1String(description);
     if (!defaultText.isEmpty())
-        text += QStringLiteral(" (default %1)").arg(defaultText);
+        text.replace(text.size() - 1, 1, QStringLiteral(" (default %1).").arg(defaultText));
     return {QLatin1String(name), text, QLatin1String(value), defaultText};
 }
 

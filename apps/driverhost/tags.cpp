@@ -128,8 +128,11 @@ void TagReader::fail(const Reading &reading)
 std::vector<Reading> readable(Session &session, const std::vector<Reading> &readings)
 {
     std::vector<Reading> result;
+    bool isConnected = true;
     for (const Reading &reading : readings) {
-        if (!session.read(reading.items) && session.failure() == ExceptionReply) {
+        const bool isRead = isConnected && session.read(reading.items);
+        isConnected = isRead || session.failure() != CannotConnect;
+        if (isConnected && !isRead && session.failure() == ExceptionReply) {
             const std::vector<Reading> singles = oneByOne(reading);
             result.insert(result.end(), singles.begin(), singles.end());
         } else {
