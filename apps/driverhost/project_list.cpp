@@ -129,7 +129,10 @@ void ListReader::readNode(const QStringList &fields)
             node.isDefault = true;
             continue;
         }
-        const std::optional<Target> target = parseTarget(QStringLiteral("rtutcp://") + field, error);
+        static const QRegularExpression port(QStringLiteral(":\\d+$"));
+        const std::optional<Target> target = port.match(field).hasMatch()
+                                                 ? parseTarget(QStringLiteral("rtutcp://") + field, error)
+                                                 : std::nullopt;
         if (!target)
             mistake(QStringLiteral("\"%1\": expected \"default\" or HOST:PORT").arg(field));
         node.host = target.value_or(Target()).host;
