@@ -23,6 +23,14 @@ protected:
     }
 };
 
+// The text with the address in place of each "@".
+std::string filled(std::string text, const std::string &address)
+{
+    for (size_t at = text.find('@'); at != std::string::npos; at = text.find('@'))
+        text.replace(at, 1, address);
+    return text;
+}
+
 } // namespace
 
 TEST_F(CommError, ReadDetailsOfEachKind)
@@ -83,16 +91,17 @@ TEST_F(CommError, AddressTextsComeThroughUnchanged)
 
 TEST_F(CommError, AreasComeThroughUnchanged)
 {
-    const std::string odd[] = {"F%s", "F%1", "F%%", std::string(600, 'q')};
-    for (const std::string &area : odd) {
-        EXPECT_EQ(textOfRead(2, area + "9", 126),
-                  "can't read any word from " + area + "9 (read 126 word(s) from 1-" + area + "9)");
-        EXPECT_EQ(textOfRead(3, area + "9", 63),
-                  "can't read any double word from " + area + "9 (read 63 dword(s) from 1-" + area + "9)");
-        EXPECT_EQ(textOfWrite(2, area + "9", 1),
-                  "can't write any word to " + area + "9 (write 1 word to 1-" + area + "9)");
-        EXPECT_EQ(textOfWrite(0, area + "9", 1),
-                  "can't write any bit to " + area + "9 (write 1 bit to 1-" + area + "9)");
+    for (const std::string &area :
+         {std::string("F%s"), std::string("F%1"), std::string("F%%"), std::string(600, 'q')}) {
+        const std::string address = area + '9';
+        EXPECT_EQ(textOfRead(2, address, 126),
+                  filled("can't read any word from @ (read 126 word(s) from 1-@)", address));
+        EXPECT_EQ(textOfRead(3, address, 63),
+                  filled("can't read any double word from @ (read 63 dword(s) from 1-@)", address));
+        EXPECT_EQ(textOfWrite(2, address, 1),
+                  filled("can't write any word to @ (write 1 word to 1-@)", address));
+        EXPECT_EQ(textOfWrite(0, address, 1),
+                  filled("can't write any bit to @ (write 1 bit to 1-@)", address));
     }
     EXPECT_EQ(textOfRead(0, "DO%s%1", 2009),
               "can't read 2009 bits from DO65536 (read 2009 bit(s) from 1-DO%s%1)");

@@ -32,17 +32,21 @@ class BareDriver : public DriverInterface
 {
 public:
     int totalSize() override { return 0; }
-    bool write(AbstractDeviceInterface *, const CommunicatorCommand &, const QByteArray &) override
+    bool write(AbstractDeviceInterface * /*device*/, const CommunicatorCommand & /*command*/,
+               const QByteArray & /*data*/) override
     {
         return false;
     }
-    QByteArray read(AbstractDeviceInterface *, const CommunicatorCommand &) override { return QByteArray(); }
-    bool initialize(AbstractDeviceInterface *) override { return false; }
-    bool validation(const QString &) override { return true; }
+    QByteArray read(AbstractDeviceInterface * /*device*/, const CommunicatorCommand & /*command*/) override
+    {
+        return QByteArray();
+    }
+    bool initialize(AbstractDeviceInterface * /*device*/) override { return false; }
+    bool validation(const QString & /*address*/) override { return true; }
     DeviceSetting *getDefaultSerialDeviceSetting() override { return nullptr; }
     DriverSetting *getDefaultDriverSetting() override { return nullptr; }
     int supportedCommunicationFlags() override { return 0; }
-    void setDebugMode(bool) override {}
+    void setDebugMode(bool /*on*/) override {}
     int getBlockAccessSize() override { return 0; }
     int getBitBlockAccessSize() override { return 0; }
     bool hasError() override { return false; }
@@ -54,8 +58,8 @@ public:
 class BareChannel : public AbstractDeviceInterface
 {
 public:
-    int readData(char *, int) override { return 0; }
-    int writeData(const char *, int) override { return 0; }
+    int readData(char * /*buffer*/, int /*maxLength*/) override { return 0; }
+    int writeData(const char * /*data*/, int /*length*/) override { return 0; }
     bool open() override { return false; }
     void close() override {}
     DeviceSetting *deviceSetting() const override { return nullptr; }

@@ -32,7 +32,7 @@ void seed(uint number)
 QString firstNumberAfter(uint number)
 {
     seed(number);
-    const QString first = QString::number(nextRandomNumber());
+    QString first = QString::number(nextRandomNumber());
     seed(number);
     return first;
 }

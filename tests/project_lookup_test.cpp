@@ -60,7 +60,7 @@ protected:
         int linkId = -7;
         unsigned char station = 77;
         const bool found = GetLinkIdAndDefaultStationId(name, hmiPort, linkId, station);
-        const std::string result = std::to_string(linkId) + "/" + std::to_string(station);
+        std::string result = std::to_string(linkId) + "/" + std::to_string(station);
         if (found)
             return result;
         EXPECT_EQ(result, "-7/77") << "outputs are touched only by success";

@@ -9,6 +9,12 @@ class ReadBits : public DriverTest
 {
 };
 
+std::string refusal(const std::string &count, const std::string &place, const std::string &address)
+{
+    return "can't read " + count + " bits from " + place + " (read " + count + " bit(s) from 1-" + address +
+           ")";
+}
+
 } // namespace
 
 TEST_F(ReadBits, CoilsAsTheyArePacked)
@@ -85,9 +91,7 @@ TEST_F(ReadBits, RangesThatAreRefused)
                   {"DI1", 0x40000001, "DI1"}};
     for (const auto &range : ranges) {
         EXPECT_EQ(read(0, range.address, range.count), QByteArray());
-        const std::string count = std::to_string(range.count);
-        EXPECT_EQ(error(), "can't read " + count + " bits from " + range.place + " (read " + count +
-                               " bit(s) from 1-" + range.address + ")");
+        EXPECT_EQ(error(), refusal(std::to_string(range.count), range.place, range.address));
     }
     EXPECT_TRUE(isSilent());
     EXPECT_EQ(channel.count(ScriptedChannel::Close), 0);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <random>
 
 // Byte items of bit areas: only bits that the project uses are asked for.
@@ -15,7 +16,7 @@ std::string runsOf(const ScriptedChannel &channel, int function)
     std::string runs;
     const QList<QByteArray> sent = channel.requests();
     for (int i = 0; i < sent.size(); ++i) {
-        const QByteArray request = sent.at(i);
+        const QByteArray &request = sent.at(i);
         const auto word = [&request](int at) {
             return static_cast<unsigned char>(request.at(at)) * 256 +
                    static_cast<unsigned char>(request.at(at + 1));
@@ -32,6 +33,14 @@ QStringList tagsOf(const char *area, const std::vector<int> &zeroBased)
     for (const int address : zeroBased)
         tags << QLatin1String(area) + QString::number(address + 1);
     return tags;
+}
+
+// From the first to before the last.
+std::vector<int> addresses(int first, int last)
+{
+    std::vector<int> all(static_cast<size_t>(last - first));
+    std::iota(all.begin(), all.end(), first);
+    return all;
 }
 
 // A slave whose bits are all on.
@@ -158,9 +167,7 @@ TEST(UsedBits, RetryBeginsWithTheFirstRequest)
 
 TEST(UsedBits, LongestRun)
 {
-    std::vector<int> used;
-    for (int address = 0; address < 2100; ++address)
-        used.push_back(address);
+    const std::vector<int> used = addresses(0, 2100);
     LoadedDriver link(tagsOf("DO", used));
     link.channel.setResponder(allOn);
     EXPECT_EQ(link.read(1, "DO1", 251), QByteArray(251, '\xFF'));
@@ -175,9 +182,7 @@ TEST(UsedBits, LongestRun)
 
 TEST(UsedBits, AreaOfARangeTextIsTheReaders)
 {
-    std::vector<int> used;
-    for (int address = 9; address < 2100; ++address)
-        used.push_back(address);
+    const std::vector<int> used = addresses(9, 2100);
     LoadedDriver link(tagsOf("DO", used) + tagsOf("DI", used));
     EXPECT_EQ(link.read(5, "Fn5Do1", 300), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2091 bits from DO10");
@@ -295,9 +300,9 @@ TEST(UsedBits, RandomSetsAreWalkedAsTold)
 {
     std::mt19937 random(17);
     for (int round = 0; round < 60; ++round) {
-        std::vector<int> used;
-        for (int i = 0; i < 60; ++i)
-            used.push_back(static_cast<int>((random() % 200 + 65536 - 100) % 65536));
+        std::vector<int> used(60);
+        for (int &address : used)
+            address = static_cast<int>((random() % 200 + 65536 - 100) % 65536);
         LoadedDriver link(tagsOf("DO", used));
         link.channel.setResponder(allOn);
         for (int i = 0; i < 40; ++i) {

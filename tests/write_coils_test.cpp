@@ -36,6 +36,11 @@ const LimitCase refused[] = {
     {"1", 0x40000001, "1"},
 };
 
+std::string refusal(const std::string &count, const std::string &place, const std::string &address)
+{
+    return "can't write " + count + " bits to DO" + place + " (write " + count + " bit to 1-" + address + ")";
+}
+
 } // namespace
 
 TEST_F(WriteCoils, OneRequestForAll)
@@ -76,9 +81,7 @@ TEST_F(WriteCoils, RangesThatAreRefused)
         for (const char *area : {"DO", "Fn5Do"}) {
             const std::string address = area + std::string(range.address);
             EXPECT_FALSE(write(0, address.c_str(), range.count, QByteArray(300, 'x')));
-            const std::string count = std::to_string(range.count);
-            EXPECT_EQ(error(), "can't write " + count + " bits to DO" + range.place + " (write " + count +
-                                   " bit to 1-" + address + ")");
+            EXPECT_EQ(error(), refusal(std::to_string(range.count), range.place, address));
         }
     EXPECT_TRUE(isSilent());
     EXPECT_EQ(channel.count(ScriptedChannel::Close), 0);

@@ -268,9 +268,9 @@ TEST_F(WriteEntry, HugeCountsTakeNoMemory)
 
 TEST_F(WriteEntry, DataOfTheHostIsLeftAlone)
 {
-    const QByteArray data = fromHex("01 02 03 04");
-    const QByteArray sameBytes = data;
-    write(3, "HRSW1", 1, data);
-    EXPECT_EQ(data, fromHex("01 02 03 04"));
-    EXPECT_EQ(data.constData(), sameBytes.constData());
+    const char bytes[] = {1, 2, 3, 4};
+    for (const char *address : {"HRSW1", "FN6HR1"})
+        write(3, address, 1, QByteArray::fromRawData(bytes, 4));
+    write(0, "HR1.3", 20, QByteArray::fromRawData(bytes, 4));
+    EXPECT_EQ(QByteArray(bytes, 4), fromHex("01 02 03 04"));
 }
