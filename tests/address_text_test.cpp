@@ -94,12 +94,19 @@ INSTANTIATE_TEST_SUITE_P(WithoutNumber, Parse, testing::ValuesIn(textsWithoutNum
 
 // The prefix is three characters whatever they are.
 const ParseCase textsWithFunction[] = {
-    {"F", "F", 65535, Untouched},         {"FN", "FN", 65535, Untouched},
-    {"FN5", "FN5", 65535, Untouched},     {"fn6", "fn6", 65535, Untouched},
-    {"FN5DO", "FN5DO", 65535, Untouched}, {"f12", "f12", 65535, Untouched},
-    {"f123", "f12", 2, Untouched},        {"F.1.5", "F.1", 65535, 5},
-    {"FN5.5", "FN5", 65535, 5},           {"F 1DO2", "F 1DO", 1, Untouched},
-    {"AFN5DO3", "AFN", 4, Untouched},     {"F\xE2\x82\xAC\xC3\xA9X4", "F?\xE9X", 3, Untouched},
+    {"F", "F", 65535, Untouched},
+    {"FN", "FN", 65535, Untouched},
+    {"FN5", "FN5", 65535, Untouched},
+    {"fn6", "fn6", 65535, Untouched},
+    {"FN5DO", "FN5DO", 65535, Untouched},
+    {"f12", "f12", 65535, Untouched},
+    {"f123", "f12", 2, Untouched},
+    {"F.1.5", "F.1", 65535, 5},
+    {"FN5.5", "FN5", 65535, 5},
+    {"F 1DO2", "F 1DO", 1, Untouched},
+    {"AFN5DO3", "AFN", 4, Untouched},
+    {"F\xC3\xBF\xC4\x80X4", "F\xFF?X", 3, Untouched},
+    {"F\xE2\x82\xAC\xC3\xA9X4", "F?\xE9X", 3, Untouched},
 };
 INSTANTIATE_TEST_SUITE_P(WithFunction, Parse, testing::ValuesIn(textsWithFunction));
 

@@ -24,6 +24,12 @@ int wordAt(const QByteArray &bytes, int i)
     return byteAt(bytes, i) * 256 + byteAt(bytes, i + 1);
 }
 
+// The item at a distance from the start that the request names.
+size_t itemAt(const QByteArray &pdu, int distance)
+{
+    return static_cast<size_t>(wordAt(pdu, 1)) + static_cast<size_t>(distance);
+}
+
 QByteArray exception(const QByteArray &pdu, int code)
 {
     return QByteArray(1, static_cast<char>(byteAt(pdu, 0) + 128)) + static_cast<char>(code);
@@ -35,8 +41,7 @@ int rangeFault(const QByteArray &pdu, int limit, size_t areaSize)
     const int quantity = wordAt(pdu, 3);
     if (quantity < 1 || quantity > limit)
         return IllegalDataValue;
-    return static_cast<size_t>(wordAt(pdu, 1)) + static_cast<size_t>(quantity) > areaSize ? IllegalDataAddress
-                                                                                          : 0;
+    return itemAt(pdu, quantity) > areaSize ? IllegalDataAddress : 0;
 }
 
 // Whether the byte count, the quantity and the bytes behind them fit each other.
@@ -103,7 +108,7 @@ QByteArray ModelSlave::readBits(const QByteArray &pdu, const std::vector<std::ui
     const int quantity = wordAt(pdu, 3);
     std::vector<int> bytes(static_cast<size_t>((quantity + 7) / 8));
     for (int i = 0; i < quantity; ++i)
-        if (bits[static_cast<size_t>(wordAt(pdu, 1) + i)] != 0)
+        if (bits[itemAt(pdu, i)] != 0)
             bytes[static_cast<size_t>(i / 8)] |= 1 << i % 8;
     QByteArray reply = pdu.left(1) + static_cast<char>(bytes.size());
     for (const int byte : bytes)
@@ -119,14 +124,14 @@ QByteArray ModelSlave::readRegisters(const QByteArray &pdu, const std::vector<st
     const int quantity = wordAt(pdu, 3);
     QByteArray reply = pdu.left(1) + static_cast<char>(2 * quantity);
     for (int i = 0; i < quantity; ++i)
-        reply += bigEndian(registers[static_cast<size_t>(wordAt(pdu, 1) + i)]);
+        reply += bigEndian(registers[itemAt(pdu, i)]);
     return reply;
 }
 
 QByteArray ModelSlave::writeCoil(const QByteArray &pdu)
 {
     const int value = wordAt(pdu, 3);
-    const auto address = static_cast<size_t>(wordAt(pdu, 1));
+    const auto address = itemAt(pdu, 0);
     if (value != 0xFF00 && value != 0)
         return exception(pdu, IllegalDataValue);
     if (address >= coils.size())
@@ -137,7 +142,7 @@ QByteArray ModelSlave::writeCoil(const QByteArray &pdu)
 
 QByteArray ModelSlave::writeRegister(const QByteArray &pdu)
 {
-    const auto address = static_cast<size_t>(wordAt(pdu, 1));
+    const auto address = itemAt(pdu, 0);
     if (address >= holdingRegisters.size())
         return exception(pdu, IllegalDataAddress);
     holdingRegisters[address] = static_cast<std::uint16_t>(wordAt(pdu, 3));
@@ -152,7 +157,7 @@ QByteArray ModelSlave::writeCoils(const QByteArray &pdu)
     if (fault != 0)
         return exception(pdu, fault);
     for (int i = 0; i < quantity; ++i)
-        coils[static_cast<size_t>(wordAt(pdu, 1) + i)] = (byteAt(pdu, 6 + i / 8) >> i % 8 & 1) != 0 ? 1 : 0;
+        coils[itemAt(pdu, i)] = (byteAt(pdu, 6 + i / 8) >> i % 8 & 1) != 0 ? 1 : 0;
     return pdu.left(5);
 }
 
@@ -165,7 +170,6 @@ QByteArray ModelSlave::writeRegisters(const QByteArray &pdu)
     if (fault != 0)
         return exception(pdu, fault);
     for (int i = 0; i < quantity; ++i)
-        holdingRegisters[static_cast<size_t>(wordAt(pdu, 1) + i)] =
-            static_cast<std::uint16_t>(wordAt(pdu, 6 + 2 * i));
+        holdingRegisters[itemAt(pdu, i)] = static_cast<std::uint16_t>(wordAt(pdu, 6 + 2 * i));
     return pdu.left(5);
 }

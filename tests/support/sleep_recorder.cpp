@@ -32,6 +32,7 @@ SleepRecorder::~SleepRecorder()
 
 // These take the places of the C library's functions for the whole program.
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name): the library's names are reserved
 extern "C" int nanosleep(const timespec *request, timespec *remaining)
 {
     if (recorder == nullptr)
@@ -40,6 +41,7 @@ extern "C" int nanosleep(const timespec *request, timespec *remaining)
     return 0;
 }
 
+// NOLINTNEXTLINE(readability-inconsistent-declaration-parameter-name)
 extern "C" int usleep(useconds_t microseconds)
 {
     timespec time = {};
