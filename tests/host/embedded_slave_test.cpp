@@ -1,3 +1,4 @@
+#include "host/support/host_program.h"
 #include "host/support/raw_master.h"
 #include "slave/slave_thread.h"
 #include "trace_frame.h"
@@ -10,6 +11,8 @@
 
 #include <memory>
 #include <ostream>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace
@@ -142,6 +145,25 @@ TEST(EmbeddedSlave, GoesOnAfterAnUnfinishedRequest)
     master.send(QByteArray::fromHex("01100000007BF6"));
     master.send(frameOf("010300010001"));
     EXPECT_EQ(frameOf("0103020000"), master.receive(7));
+}
+
+// More than all buffers on the way hold: the slave waits until somebody reads.
+TEST(EmbeddedSlave, ManyRequestsBeforeTheFirstReplyIsRead)
+{
+    const int requests = 50000;
+    const int replySize = 5 + 250;
+    RunningSlave slave;
+    RawMaster master(slave.port());
+    std::thread sender([&master] { master.send(frameOf("01030000007D").repeated(requests)); });
+    const auto isStuck = [&slave, last = quint64(0)]() mutable {
+        const quint64 now = slave.counts().requests;
+        return now > 0 && std::exchange(last, now) == now;
+    };
+    EXPECT_TRUE(waitUntil(isStuck));
+    EXPECT_LT(slave.counts().requests, quint64(requests));
+    EXPECT_EQ(requests * replySize, master.receive(requests * replySize, 60000).size());
+    sender.join();
+    EXPECT_EQ("0103020000", master.ask("010300010001"));
 }
 
 TEST(EmbeddedSlave, StationsHaveTheirOwnMemory)

@@ -83,7 +83,7 @@ TEST_F(SlaveMemoryFile, SaysWhatIsWrongAndWhere)
     EXPECT_EQ("1: \"-1\" is no value for DI", load("DI1 = -1").toStdString());
     EXPECT_EQ("1: values beyond address 65536", load("HR65536 = 1 2").toStdString());
     EXPECT_EQ("1: \"HR9..8\" is no range of addresses", load("hole HR9..8").toStdString());
-    EXPECT_EQ("1: \"\" is no range of addresses", load("hole ").toStdString());
+    EXPECT_EQ("1: \"HR\" is no range of addresses", load("hole HR").toStdString());
 }
 
 TEST_F(SlaveMemoryFile, MissingFile)

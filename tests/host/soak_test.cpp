@@ -235,7 +235,7 @@ TEST(Soak, NothingIsWrongLostOrPilesUp)
         injected += count;
     }
     EXPECT_GT(injected, transactions * FaultPercent / 200);
-    EXPECT_LE(soak.stalls, 1 + transactions / 10000);
+    EXPECT_LE(soak.stalls, 2 + transactions / 5000);
     EXPECT_LE(counts.requests, static_cast<quint64>(transactions));
     EXPECT_GE(counts.requests, static_cast<quint64>(transactions - soak.stalls));
     RecordProperty("transactions", transactions);

@@ -12,6 +12,9 @@ namespace
 
 // Longer than any pause within a request on a working network.
 const int SilenceMs = 200;
+// A master that sends and never reads is not read from any more; its requests wait where they are.
+const int MostUnread = 65536;
+const int MostUnsent = 65536;
 
 bool isBroadcast(const QByteArray &request)
 {
@@ -33,10 +36,12 @@ SlaveConnection::SlaveConnection(QTcpSocket *connectedSocket, quint64 connection
 {
     socket->setParent(this);
     socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    socket->setReadBufferSize(MostUnread);
     silence.setSingleShot(true);
     pause.setSingleShot(true);
     pause.setTimerType(Qt::PreciseTimer);
     connect(socket, &QTcpSocket::readyRead, this, &SlaveConnection::takeBytes);
+    connect(socket, &QTcpSocket::bytesWritten, this, &SlaveConnection::catchUp);
     connect(socket, &QTcpSocket::disconnected, this, &SlaveConnection::endConnection);
     connect(&silence, &QTimer::timeout, this, &SlaveConnection::giveUpRequest);
     connect(&pause, &QTimer::timeout, this, &SlaveConnection::goOn);
@@ -55,6 +60,9 @@ SlaveConnection::SlaveConnection(QTcpSocket *connectedSocket, quint64 connection
 
 void SlaveConnection::takeBytes()
 {
+    // The end of a connection is not seen before its bytes have been taken, also where they are ignored.
+    if (!socket->isOpen() || (!isDead && isBusy()))
+        return;
     const QByteArray bytes = socket->readAll();
     if (isDead || bytes.isEmpty())
         return;
@@ -107,8 +115,19 @@ void SlaveConnection::reportDropped()
 
 void SlaveConnection::answerNext()
 {
-    while (!isAnswering && !isDead && !requests.isEmpty())
+    while (!isAnswering && !isDead && !requests.isEmpty() && socket->bytesToWrite() < MostUnsent)
         answer(requests.dequeue());
+}
+
+bool SlaveConnection::isBusy() const
+{
+    return isAnswering || !requests.isEmpty();
+}
+
+void SlaveConnection::catchUp()
+{
+    answerNext();
+    takeBytes();
 }
 
 void SlaveConnection::answer(const QByteArray &frame)
@@ -140,7 +159,7 @@ void SlaveConnection::goOn()
         startReply();
     else
         sendSegments();
-    answerNext();
+    catchUp();
 }
 
 void SlaveConnection::startReply()

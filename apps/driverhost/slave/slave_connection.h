@@ -29,11 +29,13 @@ private:
     void answerNext();
     void answer(const QByteArray &frame);
     void goOn();
+    void catchUp();
     void startReply();
     void sendSegments();
     void finishReply();
     void endConnection();
 
+    bool isBusy() const;
     bool isTracing() const;
     void traceReply() const;
     void traceFrame(FrameDirection direction, const QByteArray &bytes, const QString &meaning) const;
