@@ -102,7 +102,7 @@ QString Items::label(int index) const
 {
     if (isRaw())
         return index == 0 ? rawText : QStringLiteral("%1 +%2").arg(rawText, QString::number(index));
-    const QString text = addressOf(index).text();
+    QString text = addressOf(index).text();
     if (!isByteKind(kind) || address.isBitArea())
         return text;
     return text + (index % 2 == 0 ? QStringLiteral(" low") : QStringLiteral(" high"));
@@ -216,6 +216,7 @@ quint32 valueAt(const QByteArray &data, ItemKind kind, int position)
 std::vector<quint32> valuesIn(const QByteArray &data, const Items &items)
 {
     std::vector<quint32> values;
+    values.reserve(static_cast<size_t>(qMax(items.count, 0)));
     for (int i = 0; i < items.count; ++i)
         values.push_back(valueAt(data, items.kind, i));
     return values;

@@ -59,7 +59,7 @@ QString Explanation::databaseIn(const QString &place)
         step(QStringLiteral("%1 a folder \"%2\" in it")
                  .arg(isThere ? QStringLiteral("there is") : QStringLiteral("there is not"), name));
     }
-    const QString path = folder.absoluteFilePath(QStringLiteral("database"));
+    QString path = folder.absoluteFilePath(QStringLiteral("database"));
     step(QStringLiteral("so the database is %1").arg(path));
     return path;
 }

@@ -111,12 +111,14 @@ TagPlan planTags(const QStringList &tags, ItemKind registerKind, ValueForm form)
             return !tag.address.isBitArea() && tag.address.bit < 0 &&
                    (registerKind == DoubleWordItem || tag.address.highWordFirst);
         };
-        const auto doubles = std::stable_partition(group.begin(), group.end(), std::not_fn(isDouble));
+        std::stable_partition(group.begin(), group.end(), std::not_fn(isDouble));
+        const auto doubles = std::find_if(group.cbegin(), group.cend(), isDouble);
         const bool isBitArea = group.front().address.isBitArea();
-        for (Position tag = group.begin(); tag != Position(doubles);)
+        auto tag = group.cbegin();
+        while (tag != doubles)
             plan.readings.push_back(isBitArea ? bitReading(tag, doubles, form)
                                               : registerReading(tag, doubles, form));
-        for (Position tag = doubles; tag != group.end(); ++tag)
+        for (; tag != group.cend(); ++tag)
             plan.readings.push_back(doubleWordReading(*tag, form));
     }
     return plan;

@@ -27,7 +27,7 @@ public:
         m_isOpen = titles.isEmpty() || print({titles});
     }
 
-    bool add(size_t, const std::vector<ValueRow> &rows) override
+    bool add(size_t /*reading*/, const std::vector<ValueRow> &rows) override
     {
         QStringList lines;
         for (const ValueRow &row : rows)
@@ -35,7 +35,7 @@ public:
         m_isOpen = m_isOpen && print(lines);
         return m_isOpen;
     }
-    bool addFailure(size_t, const QString &error) override
+    bool addFailure(size_t /*reading*/, const QString &error) override
     {
         complain(QDateTime::currentDateTime().toString(Qt::ISODateWithMs) + QLatin1Char(' ') + error);
         return m_isOpen;
