@@ -193,7 +193,7 @@ int demonstrate(Session &session, SlaveThread &slave)
 int runDemo(const QStringList &arguments)
 {
     CommandLine line(Texts);
-    line.addOptions({pluginOption()});
+    line.addOptions({pluginOption(), traceOption()});
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
     if (!line.words().isEmpty())
@@ -208,6 +208,7 @@ int runDemo(const QStringList &arguments)
 
     LinkSettings link;
     link.plugin = line.text("plugin");
+    link.trace = line.isSet("trace");
     link.channel.host = QStringLiteral("127.0.0.1");
     link.channel.timeout = Timeout;
     link.channel.retries = Retries;

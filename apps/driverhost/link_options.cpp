@@ -58,6 +58,12 @@ QCommandLineOption pluginOption()
                   "FILE", "");
 }
 
+QCommandLineOption traceOption()
+{
+    return {QStringLiteral("trace"),
+            QStringLiteral("Show every frame on standard error: time, direction, bytes, meaning.")};
+}
+
 QList<QCommandLineOption> linkOptions()
 {
     return {
@@ -72,8 +78,7 @@ QList<QCommandLineOption> linkOptions()
         option("retries", "Further attempts after a failed one.", "N", "3"),
         option("delay", "Milliseconds to pause before every attempt.", "MS", "0"),
         pluginOption(),
-        {QStringLiteral("trace"),
-         QStringLiteral("Show every frame on standard error: time, direction, bytes, meaning.")},
+        traceOption(),
     };
 }
 

@@ -12,8 +12,9 @@ struct LinkSettings {
 };
 
 QList<QCommandLineOption> linkOptions();
-/// The plug-in's option alone, for subcommands that talk to nobody.
+/// Single ones of them, for subcommands that take no other.
 QCommandLineOption pluginOption();
+QCommandLineOption traceOption();
 
 /// Reads the above from \a line; mistakes are noted there. Words that are targets are taken out of \a words.
 LinkSettings linkSettings(CommandLine &line, QStringList &words);

@@ -86,7 +86,9 @@ QStringList RunDirectory::usualPlaces()
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty())
         places += runtime;
-    places += QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    QDir().mkpath(cache);
+    places += cache;
     return places;
 }
 
@@ -107,7 +109,6 @@ RunDirectory::RunDirectory(const QStringList &places)
 
 bool RunDirectory::tryPlace(const QString &place)
 {
-    QDir().mkpath(place);
     removeLeftovers(place);
     for (int i = 0; i < MostTries; ++i) {
         auto directory =

@@ -83,7 +83,8 @@ bool TcpChannel::sendAll()
 bool TcpChannel::discardUnasked()
 {
     QByteArray unasked;
-    while (m_socket.bytesAvailable() > 0 || m_socket.waitForReadyRead(0)) {
+    while (m_socket.bytesAvailable() > 0 ||
+           (m_socket.state() == QAbstractSocket::ConnectedState && m_socket.waitForReadyRead(0))) {
         unasked += m_socket.readAll();
         if (unasked.size() > MostUnasked) {
             m_error = QStringLiteral("the other side keeps sending without being asked");

@@ -152,7 +152,7 @@ private:
 
 std::unique_ptr<WatchView> makeWatchView(const std::vector<Reading> &readings, const WatchSettings &settings)
 {
-    if (settings.format == OutputFormat::Text && isScreen())
+    if (settings.format == OutputFormat::Text && !settings.isTraced && isScreen())
         return std::make_unique<ScreenView>(readings, settings);
     return std::make_unique<LineView>(readings, settings.format);
 }

@@ -188,6 +188,7 @@ WatchSettings watchSettings(CommandLine &line, const LinkSettings &link)
         settings.rounds = line.number("count", 1, MostRounds);
     if (line.isSet("duration"))
         settings.duration = line.milliseconds("duration", 1, std::numeric_limits<int>::max());
+    settings.isTraced = link.trace;
     settings.title = watchTitle(link, settings);
     return settings;
 }

@@ -10,7 +10,8 @@ struct WatchSettings {
     int rounds = 0;      ///< 0: no limit
     qint64 duration = 0; ///< milliseconds; 0: no limit
     OutputFormat format = OutputFormat::Text;
-    QString title; ///< above the table on a terminal
+    bool isTraced = false; ///< frames go to standard error, and would tear a table apart
+    QString title;         ///< above the table on a terminal
 };
 
 QList<QCommandLineOption> watchOptions();

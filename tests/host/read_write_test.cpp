@@ -45,6 +45,22 @@ TEST_F(ReadWriteTest, ReadsSeveralAddressesAsAlignedText)
     EXPECT_EQ(run.err, QString());
 }
 
+TEST_F(ReadWriteTest, FindsTheSlaveByNameAndByBothKindsOfAddresses)
+{
+    const QString port = QString::number(slave.port());
+    EXPECT_EQ(host(QStringLiteral("read HR1 --host localhost --port ") + port).code, 0);
+    EXPECT_EQ(host(QStringLiteral("read rtutcp://localhost:%1/1 HR1").arg(port)).code, 0);
+    EXPECT_EQ(host(QStringLiteral("read TARGET HR1 --station 9 --retries 0 --timeout 60")).code, 4);
+
+    SlaveOptions options;
+    options.address = QHostAddress::LocalHostIPv6;
+    SlaveThread other(options);
+    if (!other.start())
+        GTEST_SKIP() << "no IPv6 here";
+    EXPECT_EQ(host(QStringLiteral("read rtutcp://[::1]:%1/1 HR1").arg(other.port())).code, 0);
+    EXPECT_EQ(host(QStringLiteral("read HR1 --host ::1 --port %1").arg(other.port())).code, 0);
+}
+
 TEST_F(ReadWriteTest, ReadsAsCsvAndJson)
 {
     setHoldingRegister(9, 0xFFFE);
