@@ -64,14 +64,24 @@ const TagCase withoutNumber[] = {
 INSTANTIATE_TEST_SUITE_P(WithoutNumber, TagClass, testing::ValuesIn(withoutNumber));
 
 const TagCase ofAStation[] = {
-    {"2-DO5", 2, "DO 4"},          {"2-fn5do5", 2, "DO 4"},
-    {"2-FN5DO5", 2, "DO 4"},       {"12-DI100", 12, "DI 99"},
-    {"12-di100", 12, "DI 99"},     {"300-DI1", 44, "DI 0"},
-    {"0-DO1", 0, "DO 0"},          {"256-DO1", 0, "DO 0"},
-    {"255-DO1", 255, "DO 0"},      {"007-DI8", 7, "DI 7"},
-    {"1-DO5.3", 1, "DI 99, DO 4"}, {"2-DI7xyz", 2, "DI 6"},
-    {"1-DI5", 1, "DI 4 99"},       {"2-DO0", 2, "DO 65535"},
-    {"2-DI65537", 2, "DI 0"},      {"2-DO4294967295", 2, "DO 65534"},
+    {"2-DO5", 2, "DO 4"},
+    {"2-fn5do5", 2, "DO 4"},
+    {"2-FN5DO5", 2, "DO 4"},
+    {"12-DI100", 12, "DI 99"},
+    {"12-di100", 12, "DI 99"},
+    {"300-DI1", 44, "DI 0"},
+    {"1234567890-DI1", 210, "DI 0"},
+    {"999999999-fn5do999999999", 255, "DO 51710"},
+    {"0-DO1", 0, "DO 0"},
+    {"256-DO1", 0, "DO 0"},
+    {"255-DO1", 255, "DO 0"},
+    {"007-DI8", 7, "DI 7"},
+    {"1-DO5.3", 1, "DI 99, DO 4"},
+    {"2-DI7xyz", 2, "DI 6"},
+    {"1-DI5", 1, "DI 4 99"},
+    {"2-DO0", 2, "DO 65535"},
+    {"2-DI65537", 2, "DI 0"},
+    {"2-DO4294967295", 2, "DO 65534"},
 };
 INSTANTIATE_TEST_SUITE_P(OfAStation, TagClass, testing::ValuesIn(ofAStation));
 

@@ -237,13 +237,14 @@ QByteArray DriverModel::readUsedBits(bool isCoil, const Address &address, int co
         return QByteArray();
     }
     const std::set<int> &used = isCoil ? entry->second.coils : entry->second.discreteInputs;
+    const int end = 8 * std::max(count, 0);
     std::vector<int> bits;
     int lastHit = -1;
-    for (int i = 0; i < 8 * count;) {
+    for (int i = 0; i < end;) {
         int length = 0;
         const int start = (address.offset + i) % 65536;
         // An address below an earlier hit is not seen again.
-        while (i + length < 8 * count && start + length < 65536 && start + length > lastHit &&
+        while (i + length < end && start + length < 65536 && start + length > lastHit &&
                used.count(start + length) != 0)
             ++length;
         if (length == 0) {
