@@ -1,0 +1,51 @@
+// A few values at the edge that the tests by topic leave out.
+
+#include "drivers/driver_setting.h"
+#include "drivers/tools/bit_array.h"
+#include "support/driver_test.h"
+
+TEST(ModbusBitSet, SearchesInputsFromTheFirstOn)
+{
+    ModbusBitSet set;
+    set.DISetPush(7);
+    set.DISetSort();
+    EXPECT_EQ(set.DISetContains(7), 0);
+}
+
+TEST(GetBit, DoesNotLookBehindTheArray)
+{
+    const char bytes[] = {'\xFF', '\xFF'};
+    EXPECT_FALSE(getBit(QByteArray::fromRawData(bytes, 1), 8));
+}
+
+TEST(DefaultSettings, AreZeroAndEmpty)
+{
+    const DriverSetting driver;
+    EXPECT_EQ(driver.timeout, 0);
+    EXPECT_EQ(driver.retry, 0);
+    EXPECT_EQ(driver.stationId, 0);
+    EXPECT_EQ(driver.delay, 0);
+    EXPECT_FALSE(driver.auxFlag);
+
+    const DeviceSetting device;
+    EXPECT_EQ(device.type, 0);
+    EXPECT_EQ(device.baudrate, 0);
+    EXPECT_EQ(device.databits, 0);
+    EXPECT_EQ(device.stopbits, 0);
+    EXPECT_EQ(device.parity, 0);
+    EXPECT_EQ(device.auxValue, 0);
+    EXPECT_EQ(device.linkId, -1);
+}
+
+TEST(AddressText, KeepsTheLastCharacterOfLatin1)
+{
+    LoadedDriver link;
+    EXPECT_TRUE(link.read(2,
+                          "FN\xC3\xBF"
+                          "7",
+                          126)
+                    .isEmpty());
+    EXPECT_EQ(link.error(), "can't read any word from FN\xC3\xBF"
+                            "7 (read 126 word(s) from 1-FN\xC3\xBF"
+                            "7)");
+}
