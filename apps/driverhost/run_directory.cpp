@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QTemporaryDir>
 
 #include <unistd.h>
 
@@ -25,7 +26,8 @@ QString lockPath(const QString &directory)
     return directory + QStringLiteral("/lock");
 }
 
-// All but the lock itself: as long as that is there, nobody else takes the directory for their own.
+// Whoever has the lock removes all but the lock itself, then that, then the folder. Another one who takes the
+// lock in between has the folder to remove.
 void removeLocked(const QString &directory, QLockFile &lock)
 {
     QDir folder(directory);
@@ -107,28 +109,34 @@ RunDirectory::RunDirectory(const QStringList &places)
                   .arg(places.join(QStringLiteral(", ")));
 }
 
+RunDirectory::~RunDirectory()
+{
+    if (m_lock)
+        removeLocked(m_path, *m_lock);
+}
+
 bool RunDirectory::tryPlace(const QString &place)
 {
     removeLeftovers(place);
-    for (int i = 0; i < MostTries; ++i) {
-        auto directory =
-            std::make_unique<QTemporaryDir>(place + QLatin1Char('/') + QLatin1String(NamePattern));
-        if (!directory->isValid())
+    for (int i = 0; i < MostTries && !m_lock; ++i) {
+        QTemporaryDir directory(place + QLatin1Char('/') + QLatin1String(NamePattern));
+        directory.setAutoRemove(false);
+        if (!directory.isValid())
             return false;
-        auto lock = std::make_unique<QLockFile>(lockPath(directory->path()));
+        auto lock = std::make_unique<QLockFile>(lockPath(directory.path()));
         lock->setStaleLockTime(0);
-        if (!lock->tryLock(0))
-            continue;
-        m_directory = std::move(directory);
-        m_lock = std::move(lock);
-        const bool isReady = copyProgram(programPath()) && QDir().mkpath(QFileInfo(databasePath()).path()) &&
-                             access(QFile::encodeName(programPath()).constData(), X_OK) == 0;
-        if (!isReady) {
-            m_lock.reset();
-            m_directory.reset();
+        if (lock->tryLock(0)) {
+            m_path = directory.path();
+            m_lock = std::move(lock);
         }
-        return isReady;
     }
+    if (!m_lock)
+        return false;
+    if (copyProgram(programPath()) && QDir().mkpath(QFileInfo(databasePath()).path()) &&
+        access(QFile::encodeName(programPath()).constData(), X_OK) == 0)
+        return true;
+    removeLocked(m_path, *m_lock);
+    m_lock.reset();
     return false;
 }
 

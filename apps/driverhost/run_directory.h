@@ -1,8 +1,7 @@
 #pragma once
 
 #include <QLockFile>
-#include <QString>
-#include <QTemporaryDir>
+#include <QStringList>
 
 #include <functional>
 #include <memory>
@@ -23,10 +22,13 @@ public:
     /// Takes the first of \a places from which programs can run; tells on standard error when that is not the
     /// first.
     explicit RunDirectory(const QStringList &places = usualPlaces());
+    ~RunDirectory();
+    RunDirectory(const RunDirectory &) = delete;
+    RunDirectory &operator=(const RunDirectory &) = delete;
 
-    bool isValid() const { return m_directory != nullptr; }
+    bool isValid() const { return m_lock != nullptr; }
     QString errorString() const { return m_error; }
-    QString path() const { return m_directory->path(); }
+    QString path() const { return m_path; }
     QString programPath() const;
     /// Where the driver will look for the project database; the folder exists.
     QString databasePath() const;
@@ -37,7 +39,7 @@ public:
 private:
     bool tryPlace(const QString &place);
 
-    std::unique_ptr<QTemporaryDir> m_directory;
+    QString m_path;
     std::unique_ptr<QLockFile> m_lock;
     QString m_error;
 };

@@ -11,6 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <memory>
+#include <vector>
 
 namespace
 {
@@ -160,6 +162,26 @@ TEST_F(RunDirectoryTest, GoesElsewhereWhereProgramsCannotRun)
     const HostRun nowhere = runWithNoexec(noexec, program, variables);
     EXPECT_EQ(nowhere.code, 6);
     EXPECT_TRUE(nowhere.err.contains(QLatin1String("TMPDIR"))) << nowhere.err.toStdString();
+}
+
+TEST_F(RunDirectoryTest, ManyRunsAtOnceDoNotGetInEachOthersWay)
+{
+    const quint16 port = peer.port();
+    peer.stopListening();
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int i = 0; i < 16; ++i) {
+        processes.push_back(std::make_unique<QProcess>());
+        processes.back()->setProcessEnvironment(environment());
+        processes.back()->start(hostProgram(), {QStringLiteral("read"), QStringLiteral("--port"),
+                                                QString::number(port), QStringLiteral("HR1")});
+    }
+    for (const std::unique_ptr<QProcess> &process : processes) {
+        ASSERT_TRUE(process->waitForFinished(Patience));
+        EXPECT_EQ(process->exitCode(), 3);
+        const QByteArray told = process->readAllStandardError();
+        EXPECT_EQ(told.count('\n'), 2) << told.constData();
+    }
+    EXPECT_TRUE(foldersIn(place.path()).isEmpty());
 }
 
 TEST_F(RunDirectoryTest, IsRemovedWhenTheRunIsInterrupted)
