@@ -116,6 +116,15 @@ const TagCase ofNoBitArea[] = {
      "2",
      1, "DI 99"},
     {"HR1-DI2", 1, "DI 99"},
+    {"BI7", 1, "DI 99"},
+    {"BO7", 1, "DI 99"},
+    {"1-BO7", 1, "DI 99"},
+    {"DX7", 1, "DI 99"},
+    {"FX5DO7", 1, "DI 99"},
+    {"XN5DO7", 1, "DI 99"},
+    {"FN5XO7", 1, "DI 99"},
+    {"FN5DX7", 1, "DI 99"},
+    {"1-FN5DX7", 1, "DI 99"},
     {"2-HR4", 2, "invalid address 2-DI"},
 };
 INSTANTIATE_TEST_SUITE_P(OfNoBitArea, TagClass, testing::ValuesIn(ofNoBitArea));
