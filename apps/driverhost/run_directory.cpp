@@ -9,8 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
-#include <QTemporaryDir>
 
+#include <cstdlib>
 #include <unistd.h>
 
 namespace
@@ -119,14 +119,14 @@ bool RunDirectory::tryPlace(const QString &place)
 {
     removeLeftovers(place);
     for (int i = 0; i < MostTries && !m_lock; ++i) {
-        QTemporaryDir directory(place + QLatin1Char('/') + QLatin1String(NamePattern));
-        directory.setAutoRemove(false);
-        if (!directory.isValid())
+        QByteArray path = QFile::encodeName(place + QLatin1Char('/') + QLatin1String(NamePattern));
+        if (mkdtemp(path.data()) == nullptr)
             return false;
-        auto lock = std::make_unique<QLockFile>(lockPath(directory.path()));
+        const QString directory = QFile::decodeName(path);
+        auto lock = std::make_unique<QLockFile>(lockPath(directory));
         lock->setStaleLockTime(0);
         if (lock->tryLock(0)) {
-            m_path = directory.path();
+            m_path = directory;
             m_lock = std::move(lock);
         }
     }
