@@ -1,50 +1,59 @@
 #!/usr/bin/env bash
 # Builds the fuzz programs with clang and runs each for a while under AddressSanitizer and UndefinedBehaviorSanitizer.
-#
+# Installs what is missing first.
 #   scripts/fuzz.sh [--seed N] [SECONDS [PROGRAM...]]     20 seconds, all programs of fuzz/
 #
 # Inputs that reach something new are kept in build/fuzz/run/PROGRAM/corpus, so later runs go on where earlier ones
 # ended. With --seed that folder begins empty and the inputs come in the same order each time. A crash leaves its input
 # in build/fuzz/run/PROGRAM; the exit status is then 1.
 set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+source scripts/packages.sh
 
-root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-build=${FUZZ_BUILD_DIR:-$root/build/fuzz}
-
+build=build/fuzz
 seed=
-if [ "${1:-}" = --seed ]; then
-    seed=${2:?--seed needs a number}
-    shift 2
-fi
-seconds=${1:-20}
-programs=("${@:2}")
-if [ ${#programs[@]} -eq 0 ]; then
-    for source in "$root"/fuzz/*.cpp; do
-        programs+=("$(basename "$source" .cpp)")
+
+main() {
+    if [[ ${1:-} == --seed ]]; then
+        seed=${2:?--seed needs a number}
+        shift 2
+    fi
+    local seconds=${1:-20} programs=("${@:2}") failed=() program
+    if ((${#programs[@]} == 0)); then
+        mapfile -t programs < <(basename --suffix .cpp fuzz/*.cpp)
+    fi
+    install_packages "${build_packages[@]}" "${clang_packages[@]}"
+    build_programs "${programs[@]/#/fuzz_}"
+    for program in "${programs[@]}"; do
+        run_program "$program" "$seconds" || failed+=("$program")
     done
-fi
+    if ((${#failed[@]} > 0)); then
+        echo "failed: ${failed[*]}; the inputs lie in $build/run" >&2
+        exit 1
+    fi
+}
 
 build_programs() {
-    cmake -S "$root" -B "$build" -G Ninja -DCMAKE_CXX_COMPILER="${CLANGXX:-clang++}" -DDRIVER_FUZZ=ON \
-        -DCMAKE_BUILD_TYPE=RelWithDebInfo -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAGE_Qt5SerialBus=ON >/dev/null
-    ninja -C "$build" "${programs[@]/#/fuzz_}"
+    cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DDRIVER_FUZZ=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAGE_Qt5SerialBus=ON >/dev/null
+    ninja -C "$build" "$@"
 }
 
 # Each program runs from a folder of its own, where its project database lies.
 run_program() {
-    local name=$1 run=$build/run/$1
+    local name=$1 seconds=$2 run=$build/run/$1
     local options=(-max_total_time="$seconds" -max_len=8192 -timeout=10 -rss_limit_mb=2048 -malloc_limit_mb=512
         -print_final_stats=1 -verbosity=0 -artifact_prefix="$run/")
-    if [ -n "$seed" ]; then
+    if [[ -n $seed ]]; then
         rm -rf "$run/corpus"
         options+=(-seed="$seed")
     fi
-    if [ -f "$root/fuzz/dict/$name.dict" ]; then
-        options+=(-dict="$root/fuzz/dict/$name.dict")
+    if [[ -f fuzz/dict/$name.dict ]]; then
+        options+=(-dict="fuzz/dict/$name.dict")
     fi
     mkdir -p "$run/corpus"
     cp "$build/fuzz/fuzz_$name" "$run/"
-    if ! "$run/fuzz_$name" "${options[@]}" "$run/corpus" "$root/fuzz/corpus/$name" >"$run/log" 2>&1; then
+    if ! "$run/fuzz_$name" "${options[@]}" "$run/corpus" "fuzz/corpus/$name" >"$run/log" 2>&1; then
         tail -n 60 "$run/log"
         return 1
     fi
@@ -52,12 +61,4 @@ run_program() {
         "$(sed -n 's/^stat::number_of_executed_units: *//p' "$run/log")" "$(find "$run/corpus" -type f | wc -l)"
 }
 
-build_programs
-failed=()
-for program in "${programs[@]}"; do
-    run_program "$program" || failed+=("$program")
-done
-if [ ${#failed[@]} -gt 0 ]; then
-    echo "failed: ${failed[*]}; the inputs lie in $build/run" >&2
-    exit 1
-fi
+main "$@"
