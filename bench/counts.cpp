@@ -5,10 +5,9 @@
 #include "drivers/tools/command_data.h"
 #include "support/bit_reads.h"
 #include "support/canned_channel.h"
+#include "support/program.h"
 #include "support/projects.h"
 #include "support/transactions.h"
-
-#include <QCoreApplication>
 
 #include <valgrind/callgrind.h>
 
@@ -31,7 +30,8 @@ void count(const std::string &name, Work work)
     work();
     CALLGRIND_ZERO_STATS;
     counted(work);
-    CALLGRIND_DUMP_STATS_AT(name.c_str());
+    const std::string figure = "instructions: " + name;
+    CALLGRIND_DUMP_STATS_AT(figure.c_str());
 }
 
 void count(DriverInterface &driver, CannedChannel &channel, const Transaction &transaction)
@@ -77,15 +77,10 @@ void countLoad(const QString &project)
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
-    if (argc != 3) {
-        std::cerr << "usage: counts FOLDER TAGS-PROJECT\n";
-        return 2;
-    }
-    const QString folder = QString::fromLocal8Bit(argv[1]) + QLatin1Char('/');
-    useProject(folder + QLatin1String("bits"));
-    countTransactions();
-    countBitReads();
-    countLoad(folder + QString::fromLocal8Bit(argv[2]));
-    return 0;
+    return runProgram(argc, argv, "PROJECTS TAGS-PROJECT", [](const QStringList &arguments) {
+        useProject(arguments[0] + QLatin1String("/bits"));
+        countTransactions();
+        countBitReads();
+        countLoad(arguments[0] + QLatin1Char('/') + arguments[1]);
+    });
 }

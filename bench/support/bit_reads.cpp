@@ -17,15 +17,17 @@ BitRead bitRead(const char *name, const char *port, int requests, const std::fun
     for (int i = 0; i < 8 * ByteCount; ++i)
         if (isUsed(i) && bitValue(i))
             expected[i / 8] = static_cast<char>(expected.at(i / 8) | 1 << i % 8);
-    return {QLatin1String(port), {name, command(ByteItem, ByteCount, "DI1"), {}, expected}, requests};
+    return {QLatin1String(port),
+            {name, command(ByteItem, ByteCount, "DI1"), {}, expected, 2, 0, 8 * ByteCount},
+            requests};
 }
 
 } // namespace
 
 std::vector<BitRead> measuredBitReads()
 {
-    return {bitRead("1 request", "COM1", 1, [](int) { return true; }),
-            bitRead("125 requests", "COM2", 125, [](int i) { return i % 16 < 8; }),
-            bitRead("1000 requests", "COM3", 1000, [](int i) { return i % 2 == 0; }),
-            bitRead("0 requests", "COM4", 0, [](int) { return false; })};
+    return {bitRead("250 bytes of bits, 1 request", "COM1", 1, [](int) { return true; }),
+            bitRead("250 bytes of bits, 125 requests", "COM2", 125, [](int i) { return i % 16 < 8; }),
+            bitRead("250 bytes of bits, 1000 requests", "COM3", 1000, [](int i) { return i % 2 == 0; }),
+            bitRead("250 bytes of bits, 0 requests", "COM4", 0, [](int) { return false; })};
 }

@@ -31,6 +31,7 @@ int CannedChannel::writeData(const char *data, int length)
     reply = &known;
     position = 0;
     ++requests;
+    items += static_cast<unsigned char>(data[4]) << 8 | static_cast<unsigned char>(data[5]);
     return length;
 }
 

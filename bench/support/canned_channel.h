@@ -21,13 +21,14 @@ public:
     DeviceSetting *deviceSetting() const override { return &setting; }
     bool isConnected() const override { return true; }
     int retryCount() const override { return 0; }
-    int stationId() const override { return Station; }
+    int stationId() const override { return station; }
     unsigned int delayTime() const override { return 0; }
     QString errorString() const override { return QString(); }
 
+    void setStation(int id) { station = id; }
     int requestCount() const { return requests; }
-
-    static const int Station = 1;
+    /// Registers or bits of all requests.
+    int requestedItems() const { return items; }
 
 private:
     mutable DeviceSetting setting;
@@ -35,4 +36,6 @@ private:
     const QByteArray *reply = nullptr;
     int position = 0;
     int requests = 0;
+    int items = 0;
+    int station = 1;
 };

@@ -16,6 +16,11 @@ void useProject(const QString &project);
 /// it reports an error.
 void load(DriverInterface &driver, AbstractDeviceInterface &channel);
 
+/// Throws when the bits that the driver takes for used are not as many, in each area of each station, as the
+/// project says.
+void checkLoad(DriverInterface &driver, const QString &project);
+int usedAddresses(const QString &project);
+
 /// What the driver's load is compared with: a forward-only query that touches every text. Returns the
 /// characters.
 qint64 queryEveryText(const QString &project);

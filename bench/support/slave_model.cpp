@@ -20,16 +20,6 @@ unsigned int crc16(const QByteArray &bytes)
     return crc;
 }
 
-QByteArray wireRegisters(int start, int count)
-{
-    QByteArray bytes;
-    for (int i = 0; i < count; ++i) {
-        bytes.append(static_cast<char>(registerValue(start + i) >> 8));
-        bytes.append(static_cast<char>(registerValue(start + i) & 0xFF));
-    }
-    return bytes;
-}
-
 } // namespace
 
 unsigned short registerValue(int address)
@@ -40,6 +30,16 @@ unsigned short registerValue(int address)
 bool bitValue(int address)
 {
     return address % 3 == 0 || address % 7 == 2;
+}
+
+QByteArray wireRegisters(int start, int count)
+{
+    QByteArray bytes;
+    for (int i = 0; i < count; ++i) {
+        bytes.append(static_cast<char>(registerValue(start + i) >> 8));
+        bytes.append(static_cast<char>(registerValue(start + i) & 0xFF));
+    }
+    return bytes;
 }
 
 QByteArray hostRegisters(int start, int count)

@@ -12,6 +12,9 @@ bool bitValue(int address);
 QByteArray hostRegisters(int start, int count);
 QByteArray hostBits(int start, int count);
 
+/// Registers high byte first, as they travel.
+QByteArray wireRegisters(int start, int count);
+
 /// The answer to a request of functions 1 to 4 and 15 and 16, both without station and check sum.
 QByteArray replyPdu(const QByteArray &request);
 /// A frame of the serial line: station, PDU, CRC.

@@ -15,7 +15,13 @@ struct Transaction {
     CommunicatorCommand command;
     QByteArray written;  ///< what a write sends, as the host lays it out; empty for a read
     QByteArray expected; ///< what a read returns
+    int function;        ///< of the request that it makes,
+    int start;           ///< from which address on, zero-based,
+    int count;           ///< and for how many registers or bits
 };
+
+/// The request of a transaction without station and check sum.
+QByteArray requestPdu(const Transaction &transaction);
 
 /// The transactions that are counted and timed: reads of 10 and 125 registers and of 2000 coils, a write of
 /// 10 registers.
