@@ -70,8 +70,20 @@ SignalForwarding::~SignalForwarding()
     pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
 }
 
+// One that came before there was a child; 0 for none.
+int SignalForwarding::pendingSignal() const
+{
+    const timespec atOnce = {};
+    const int signal = sigtimedwait(&m_waited, nullptr, &atOnce);
+    return signal > 0 && signal != SIGCHLD ? signal : 0;
+}
+
 ChildEnd SignalForwarding::run(const QString &program, const Environment &environment) const
 {
+    ChildEnd end;
+    end.signal = pendingSignal();
+    if (end.signal != 0)
+        return end;
     const QByteArray path = QFile::encodeName(program);
     QList<QByteArray> arguments = ownArguments();
     const pid_t parent = getpid();
@@ -80,7 +92,6 @@ ChildEnd SignalForwarding::run(const QString &program, const Environment &enviro
         pthread_sigmask(SIG_SETMASK, &m_before, nullptr);
         becomeProgram(path, arguments, environment, parent);
     }
-    ChildEnd end;
     if (child < 0) {
         complain(QStringLiteral("cannot start %1: %2").arg(program, qt_error_string()));
         end.code = CannotRun;
@@ -89,7 +100,9 @@ ChildEnd SignalForwarding::run(const QString &program, const Environment &enviro
     while (!hasEnded(child, end)) {
         siginfo_t info = {};
         const int signal = sigwaitinfo(&m_waited, &info);
-        if (signal > 0 && signal != SIGCHLD)
+        // What a terminal sends, the child has got as well; twice would end it in the middle of its last
+        // words.
+        if (signal > 0 && signal != SIGCHLD && info.si_code != SI_KERNEL)
             kill(child, signal);
     }
     return end;

@@ -29,6 +29,8 @@ public:
     ChildEnd run(const QString &program, const Environment &environment) const;
 
 private:
+    int pendingSignal() const;
+
     sigset_t m_waited;
     sigset_t m_before;
 };
