@@ -255,7 +255,7 @@ QByteArray DriverModel::readUsedBits(bool isCoil, const Address &address, int co
         lastHit = start + length - 1;
         const QByteArray run = readBits(area, isCoil, start, length);
         if (run.isEmpty())
-            return run;
+            return QByteArray();
         for (int k = 0; k < length; ++k)
             bits.push_back(bitOf(run, k));
         i += length;
@@ -325,9 +325,10 @@ bool DriverModel::writeCoils(const Address &address, int count, const QByteArray
     if (!isOneByOne && !isServed(address.offset, count))
         return false;
     for (int i = 0; i < count; ++i) {
-        if (isOneByOne && !isServed(address.offset + i, 1))
+        const int coil = address.offset + i;
+        if (isOneByOne && !isServed(coil, 1))
             return false;
-        coils[static_cast<size_t>(address.offset + i)] = static_cast<std::uint8_t>(bitOf(bits, i));
+        coils[static_cast<size_t>(coil)] = static_cast<std::uint8_t>(bitOf(bits, i));
         if (isOneByOne && !isAnswered())
             return false;
     }
