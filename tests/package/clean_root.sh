@@ -3,6 +3,10 @@
 # Usage: clean_root.sh BUILD_DIR        (as root; needs mmdebstrap and the distribution's archive)
 set -euo pipefail
 
+# shellcheck source=scripts/packages.sh
+source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/packages.sh"
+install_packages "${package_packages[@]}"
+
 build=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -13,12 +17,13 @@ panel=$(echo "$work"/packages/*.tar.gz)
 
 echo "--- $(basename "$deb")"
 dpkg-deb --info "$deb" | grep -E '^ (Package|Version|Architecture|Depends):'
-dpkg-deb --contents "$deb" | awk '{print $1, $3, $6}'
-for wanted in /libmodbus_rtu_slave_over_tcp.so /bin/driverhost /man1/driverhost.1.gz; do
-  dpkg-deb --contents "$deb" | grep -q "$wanted" || { echo "not in the package: $wanted" >&2; exit 1; }
+contents=$(dpkg-deb --contents "$deb" | awk '{print $1, $3, $6}')
+echo "$contents"
+for wanted in /libmodbus_rtu_slave_over_tcp.so /bin/driverhost /man1/driverhost.1; do
+  [[ $contents == *"$wanted"* ]] || { echo "not in the package: $wanted" >&2; exit 1; }
 done
 for wanted in libqt5core5a libqt5sql5 libqt5network5 libqt5serialbus5 libqt5sql5-sqlite; do
-  dpkg-deb --field "$deb" Depends | grep -q "$wanted" || { echo "not a dependency: $wanted" >&2; exit 1; }
+  [[ $(dpkg-deb --field "$deb" Depends) == *"$wanted"* ]] || { echo "not a dependency: $wanted" >&2; exit 1; }
 done
 
 echo "--- $(basename "$panel")"
@@ -26,9 +31,12 @@ tar -tzf "$panel"
 test "$(tar -tzf "$panel" | grep -vc '/$')" -eq 1 || { echo "the panel archive holds more than the plug-in" >&2; exit 1; }
 
 echo "--- clean root"
-mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $(. /etc/os-release && echo "$VERSION_CODENAME")" |
-  sort -u | head -n 1)
-mmdebstrap --quiet --variant=minbase --include="$deb" \
+suite=$(source /etc/os-release && echo "$VERSION_CODENAME")
+# shellcheck disable=SC2016  # for apt-get and mmdebstrap to fill in
+mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $suite" | sort -u | head -n 1)
+# shellcheck disable=SC2016
+mmdebstrap --quiet --variant=minbase --customize-hook="copy-in $deb /tmp" \
+  --customize-hook='chroot "$1" sh -c "apt-get install --yes --no-install-recommends /tmp/*.deb"' \
   --customize-hook='chroot "$1" driverhost info' \
   --customize-hook='chroot "$1" driverhost demo' \
-  "$(. /etc/os-release && echo "$VERSION_CODENAME")" /dev/null "deb $mirror $(. /etc/os-release && echo "$VERSION_CODENAME") main"
+  "$suite" /dev/null "deb $mirror $suite main"
