@@ -41,6 +41,7 @@ const TagCase ofTheDefaultStation[] = {
     {"dO10", 1, "DI 99, DO 9"},
     {"FN5DO7", 1, "DI 99, DO 6"},
     {"fn5do8", 1, "DI 99, DO 7"},
+    {"FN5DO123", 1, "DI 99, DO 122"},
     {"DI007", 1, "DI 6 99"},
     {"DIX7", 1, "DI 6 99"},
     {"DI 7", 1, "DI 6 99"},
@@ -66,7 +67,7 @@ INSTANTIATE_TEST_SUITE_P(WithoutNumber, TagClass, testing::ValuesIn(withoutNumbe
 const TagCase ofAStation[] = {
     {"2-DO5", 2, "DO 4"},
     {"2-fn5do5", 2, "DO 4"},
-    {"2-FN5DO5", 2, "DO 4"},
+    {"2-FN5DO567", 2, "DO 566"},
     {"12-DI100", 12, "DI 99"},
     {"12-di100", 12, "DI 99"},
     {"300-DI1", 44, "DI 0"},
