@@ -5,18 +5,11 @@
 namespace
 {
 
-// Tables of the CRCs, made by the compiler: what the eight bits of a byte leave behind. That is what its two
-// halves leave, added without carry, so 2 * 16 entries stand for 256; on a panel the room counts.
+// Tables of the CRCs, made by the compiler: entry i is what the eight bits of byte i leave behind.
 
 template <typename Word>
 struct CrcTable {
-    Word ofLowHalf[16];
-    Word ofHighHalf[16];
-
-    unsigned int of(unsigned int byte) const
-    {
-        return static_cast<unsigned int>(ofLowHalf[byte & 0xFu]) ^ ofHighHalf[(byte >> 4) & 0xFu];
-    }
+    Word entries[256];
 };
 
 template <unsigned int... indices>
@@ -32,7 +25,7 @@ struct IndicesBelow<0, indices...> {
     typedef Indices<indices...> type;
 };
 
-typedef IndicesBelow<16>::type EveryHalf;
+typedef IndicesBelow<256>::type EveryByte;
 
 constexpr quint32 dividedFromLowBit(quint32 rest, quint32 polynomial, int bits)
 {
@@ -48,30 +41,28 @@ constexpr quint32 dividedFromBit15(quint32 rest, quint32 polynomial, int bits)
                                         bits - 1);
 }
 
-template <typename Word, unsigned int... halves>
-constexpr CrcTable<Word> reflectedTable(quint32 polynomial, Indices<halves...> /*unused*/)
+template <typename Word, unsigned int... bytes>
+constexpr CrcTable<Word> reflectedTable(quint32 polynomial, Indices<bytes...> /*unused*/)
 {
-    return CrcTable<Word>{{static_cast<Word>(dividedFromLowBit(halves, polynomial, 8))...},
-                          {static_cast<Word>(dividedFromLowBit(halves << 4, polynomial, 8))...}};
+    return CrcTable<Word>{{static_cast<Word>(dividedFromLowBit(bytes, polynomial, 8))...}};
 }
 
-template <unsigned int... halves>
-constexpr CrcTable<quint16> unreflectedTable(quint32 polynomial, Indices<halves...> /*unused*/)
+template <unsigned int... bytes>
+constexpr CrcTable<quint16> unreflectedTable(quint32 polynomial, Indices<bytes...> /*unused*/)
 {
-    return CrcTable<quint16>{{static_cast<quint16>(dividedFromBit15(halves << 8, polynomial, 8))...},
-                             {static_cast<quint16>(dividedFromBit15(halves << 12, polynomial, 8))...}};
+    return CrcTable<quint16>{{static_cast<quint16>(dividedFromBit15(bytes << 8, polynomial, 8))...}};
 }
 
-constexpr CrcTable<quint16> crc16Table = reflectedTable<quint16>(0xA001, EveryHalf());
-constexpr CrcTable<quint16> kermitTable = reflectedTable<quint16>(0x8408, EveryHalf());
-constexpr CrcTable<quint16> dnpTable = reflectedTable<quint16>(0xA6BC, EveryHalf());
-constexpr CrcTable<quint16> ccittTable = unreflectedTable(0x1021, EveryHalf());
-constexpr CrcTable<quint32> crc32Table = reflectedTable<quint32>(0xEDB88320, EveryHalf());
+constexpr CrcTable<quint16> crc16Table = reflectedTable<quint16>(0xA001, EveryByte());
+constexpr CrcTable<quint16> kermitTable = reflectedTable<quint16>(0x8408, EveryByte());
+constexpr CrcTable<quint16> dnpTable = reflectedTable<quint16>(0xA6BC, EveryByte());
+constexpr CrcTable<quint16> ccittTable = unreflectedTable(0x1021, EveryByte());
+constexpr CrcTable<quint32> crc32Table = reflectedTable<quint32>(0xEDB88320, EveryByte());
 
 template <typename Word>
 Word reflectedStep(const CrcTable<Word> &table, Word crc, char c)
 {
-    return static_cast<Word>((crc >> 8) ^ table.of(crc ^ static_cast<unsigned char>(c)));
+    return static_cast<Word>((crc >> 8) ^ table.entries[(crc ^ static_cast<unsigned char>(c)) & 0xFFu]);
 }
 
 } // namespace
@@ -122,8 +113,8 @@ unsigned short update_crc_dnp(unsigned short crc, char c)
 
 unsigned short update_crc_ccitt(unsigned short crc, char c)
 {
-    const unsigned int byte = (crc >> 8) ^ static_cast<unsigned char>(c);
-    return static_cast<unsigned short>((crc << 8) ^ ccittTable.of(byte));
+    const unsigned int index = ((crc >> 8) ^ static_cast<unsigned char>(c)) & 0xFFu;
+    return static_cast<unsigned short>((crc << 8) ^ ccittTable.entries[index]);
 }
 
 unsigned long update_crc_32(unsigned long crc, char c)
