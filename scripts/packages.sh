@@ -54,3 +54,28 @@ as_root() {
         command -v sudo >/dev/null && sudo --non-interactive env DEBIAN_FRONTEND=noninteractive "$@"
     fi
 }
+
+this_suite() {
+    (source /etc/os-release && echo "$VERSION_CODENAME")
+}
+
+# Where this machine gets the main component of its own suite from.
+archive_of_this_suite() {
+    local archive
+    archive=$(known_archive)
+    if [[ -z $archive ]]; then
+        as_root apt-get update >&2
+        archive=$(known_archive)
+    fi
+    if [[ -z $archive ]]; then
+        echo "apt knows no archive for the main component of $(this_suite)" >&2
+        return 1
+    fi
+    echo "$archive"
+}
+
+known_archive() {
+    # shellcheck disable=SC2016  # what stands between $( and ) are apt's names
+    apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Component: main' "Codename: $(this_suite)" |
+        sed -n 1p
+}

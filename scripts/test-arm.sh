@@ -27,12 +27,12 @@ main() {
 # A root made of the distribution's packages for the panel's processor, unpacked and no more. Kept for the next time.
 make_root() {
     local suite wanted archive mode=root
-    suite=$(source /etc/os-release && echo "${VERSION_CODENAME:-}")
+    suite=$(this_suite)
     wanted="$suite ${arm_root_packages[*]}"
     if [[ -d $root && $(cat "$root.made" 2>/dev/null) == "$wanted" ]]; then
         return
     fi
-    archive=$(archive_of "$suite")
+    archive=$(archive_of_this_suite)
     ((EUID == 0)) || mode=chrootless
     rm -rf "$root" "$root.made"
     mkdir -p build
@@ -43,36 +43,23 @@ make_root() {
     echo "$wanted" >"$root.made"
 }
 
-# Where this machine gets its own packages of the base suite from.
-archive_of() {
-    local found
-    found=$(known_archive "$1")
-    if [[ -z $found ]]; then
-        as_root apt-get update >&2
-        found=$(known_archive "$1")
-    fi
-    [[ -n $found ]] || fail "apt knows no archive for the main component of '$1'"
-    echo "$found"
-}
-
-known_archive() {
-    # shellcheck disable=SC2016  # the names between $( and ) are apt's
-    apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Component: main' "Codename: $1" | sed -n 1p
-}
-
 # A program that does not even start can end with 0 under qemu-arm, so each must have reported as many tests as it has.
 count_tests() {
     local program name listed ran tests=0 programs=0
     while read -r program; do
         name=$(basename "$program")
         listed=$(qemu-arm -L "$root" "$program" --gtest_list_tests | grep -c '^  ' || true)
-        ran=$(cat "$build/results/$name"*.xml | sed -n 's/^<testsuites tests="\([0-9]*\)".*/\1/p' | sum)
+        ran=$(reports_of "$name" | sed -n 's/^<testsuites tests="\([0-9]*\)".*/\1/p' | sum)
         ((listed > 0 && ran >= listed)) || fail "$name has $listed tests and ran $ran"
         ((tests += ran, programs += 1))
     done < <(test_programs)
     ((programs > 0)) || fail "no test programs found"
     echo "$tests tests of $programs programs ran on ARM"
     sed -n 's/.*<skipped message="\([^"]*\)".*/  skipped: \1/p' "$build"/results/*.xml | sort | uniq -c
+}
+
+reports_of() {
+    cat "$build/results/$1"*.xml 2>/dev/null || true
 }
 
 sum() {

@@ -31,9 +31,8 @@ tar -tzf "$panel"
 test "$(tar -tzf "$panel" | grep -vc '/$')" -eq 1 || { echo "the panel archive holds more than the plug-in" >&2; exit 1; }
 
 echo "--- clean root"
-suite=$(source /etc/os-release && echo "$VERSION_CODENAME")
-# shellcheck disable=SC2016  # for apt-get and mmdebstrap to fill in
-mirror=$(apt-get indextargets --format '$(SITE)' 'Created-By: Packages' "Codename: $suite" | sort -u | head -n 1)
+suite=$(this_suite)
+mirror=$(archive_of_this_suite)
 # shellcheck disable=SC2016
 mmdebstrap --quiet --variant=minbase --customize-hook="copy-in $deb /tmp" \
   --customize-hook='chroot "$1" sh -c "apt-get install --yes --no-install-recommends /tmp/*.deb"' \
