@@ -4,12 +4,22 @@
 #include "drivers/tools/bit_array.h"
 #include "support/driver_test.h"
 
-TEST(ModbusBitSet, SearchesInputsFromTheFirstOn)
+TEST(ModbusBitSet, SearchesFromTheFirstOn)
 {
     ModbusBitSet set;
     set.DISetPush(7);
     set.DISetSort();
     EXPECT_EQ(set.DISetContains(7), 0);
+    set.DOSetPush(8);
+    set.DOSetSort();
+    EXPECT_EQ(set.DOSetContains(8), 0);
+}
+
+TEST(CopyBits, TakesZerosForWhatTheSourceLacks)
+{
+    QByteArray target(3, '\xFF');
+    CopyBits(target, QByteArray(1, '\x5A'), 0, 20);
+    EXPECT_EQ(target, QByteArray("\x5A\x00\xF0", 3));
 }
 
 TEST(GetBit, DoesNotLookBehindTheArray)
