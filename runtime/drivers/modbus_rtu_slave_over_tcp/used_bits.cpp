@@ -8,6 +8,11 @@ namespace
 const int FunctionPrefixLength = 3; // "FN5"
 const int LongestPlainNumber = 9;   // digits that every integer holds
 
+unsigned char toStation(unsigned int number)
+{
+    return static_cast<unsigned char>(number & 0xFF);
+}
+
 unsigned short zeroBased(unsigned int number)
 {
     return static_cast<unsigned short>(number - 1);
@@ -96,9 +101,9 @@ bool UsedBits::addPlain(const QString &tag)
     if (area == UnusualArea || !plainNumberAt(c, end, number) || c != end)
         return false;
     if (area == InputArea)
-        insertDI(station, number);
+        validBitAddressesMapInsertDI(toStation(station), zeroBased(number));
     else
-        insertDO(station, number);
+        validBitAddressesMapInsertDO(toStation(station), zeroBased(number));
     return true;
 }
 
@@ -106,18 +111,19 @@ void UsedBits::addUnusual(const QVariant &address)
 {
     const QString tag = address.toString();
     if (startsWith(tag, "FN5DO")) {
-        insertDO(defaultStation, numberBehindArea(tag.mid(FunctionPrefixLength)));
+        validBitAddressesMapInsertDO(defaultStation,
+                                     zeroBased(numberBehindArea(tag.mid(FunctionPrefixLength))));
     } else if (startsWith(tag, "DI")) {
-        insertDI(defaultStation, numberBehindArea(tag));
+        validBitAddressesMapInsertDI(defaultStation, zeroBased(numberBehindArea(tag)));
     } else if (startsWith(tag, "DO")) {
-        insertDO(defaultStation, numberBehindArea(tag));
+        validBitAddressesMapInsertDO(defaultStation, zeroBased(numberBehindArea(tag)));
     } else if (pattern.indexIn(tag) == 0) {
         const unsigned int station = pattern.cap(1).toUInt();
         const unsigned int number = pattern.cap(3).toUInt();
         if (startsWith(pattern.cap(2), "DI"))
-            insertDI(station, number);
+            validBitAddressesMapInsertDI(toStation(station), zeroBased(number));
         else
-            insertDO(station, number);
+            validBitAddressesMapInsertDO(toStation(station), zeroBased(number));
     }
 }
 
@@ -135,12 +141,12 @@ QMap<unsigned char, ModbusBitSet> UsedBits::sorted()
     return map;
 }
 
-void UsedBits::insertDI(unsigned int station, unsigned int number)
+void UsedBits::validBitAddressesMapInsertDI(unsigned char station, unsigned short address)
 {
-    sets[station & 0xFF].DISetPush(zeroBased(number));
+    sets[station].DISetPush(address);
 }
 
-void UsedBits::insertDO(unsigned int station, unsigned int number)
+void UsedBits::validBitAddressesMapInsertDO(unsigned char station, unsigned short address)
 {
-    sets[station & 0xFF].DOSetPush(zeroBased(number));
+    sets[station].DOSetPush(address);
 }

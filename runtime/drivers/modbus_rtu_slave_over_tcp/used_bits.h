@@ -30,8 +30,8 @@ public:
 private:
     bool addPlain(const QString &tag);
     void addUnusual(const QVariant &address);
-    void insertDI(unsigned int station, unsigned int number);
-    void insertDO(unsigned int station, unsigned int number);
+    void validBitAddressesMapInsertDI(unsigned char station, unsigned short address);
+    void validBitAddressesMapInsertDO(unsigned char station, unsigned short address);
 
     unsigned char defaultStation;
     QRegExp pattern;
