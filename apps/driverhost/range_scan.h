@@ -22,10 +22,12 @@ public:
     const Items &lastItems() const { return m_last; }
 
 private:
-    enum class Answer { There, Refused, Ended };
+    enum class Answer { There, Gap, TooMany, Ended };
 
     Answer scan(int first, int last, bool hasGap);
+    Answer halve(int first, int last, bool hasGap);
     Answer ask(int first, int last);
+    Answer refusal(int count);
     void add(int first, int last);
 
     struct Range {
@@ -37,6 +39,7 @@ private:
     Items m_last;
     std::function<bool(int)> m_mayGoOn;
     std::vector<Range> m_found;
+    int m_atOnce = 1;
     int m_scannedTo = 0;
     int m_code = Success;
 };
