@@ -60,10 +60,11 @@ int TcpChannel::writeData(const char *data, int length)
 {
     if (!discardUnasked())
         return -1;
+    // Before the first byte leaves: the slave's reply may come faster than this side goes on.
+    notify(ChannelEvent::Sent, QByteArray(data, length));
     m_socket.write(data, length);
     const bool sent = sendAll();
     m_error = m_socket.errorString();
-    notify(ChannelEvent::Sent, QByteArray(data, length));
     return sent ? length : length - static_cast<int>(m_socket.bytesToWrite());
 }
 

@@ -25,7 +25,8 @@ enum class ChannelEvent { Opened, OpenFailed, Sent, Received, Discarded, Closed 
 class TcpChannel : public AbstractDeviceInterface
 {
 public:
-    /// Told of everything that passes, with the bytes of Sent, Received and Discarded.
+    /// Told of everything that passes, with the bytes of Sent, Received and Discarded; of Sent before the
+    /// sending begins, so that a reply's time counts from there.
     using Observer = std::function<void(ChannelEvent, const QByteArray &)>;
 
     explicit TcpChannel(const ChannelSettings &settings);

@@ -176,6 +176,21 @@ TEST_F(TcpChannelTest, NoticesThatTheOtherSideHasGone)
     connectBoth(channel);
 }
 
+TEST_F(TcpChannelTest, TellsOfARequestBeforeItSendsIt)
+{
+    TcpChannel channel(settingsFor(peer.port(), Short));
+    connectBoth(channel);
+    QElapsedTimer sinceTold;
+    channel.setObserver([&](ChannelEvent event, const QByteArray &) {
+        if (event == ChannelEvent::Sent)
+            sinceTold.start();
+    });
+    // More than the kernel keeps for a peer that takes nothing.
+    const QByteArray much(64 << 20, 'x');
+    EXPECT_LT(write(channel, much), much.size());
+    EXPECT_GE(sinceTold.elapsed(), Short);
+}
+
 TEST_F(TcpChannelTest, SaysWhyItCannotConnect)
 {
     const quint16 port = peer.port();
