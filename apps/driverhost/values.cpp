@@ -14,6 +14,7 @@ namespace
 
 const int Hexadecimal = 16;
 const int Decimal = 10;
+const int BitsOfHexDigit = 4;
 
 float toFloat(quint32 value)
 {
@@ -44,17 +45,25 @@ QString shortest(float number)
     return QString::fromLatin1(text.data(), static_cast<int>(end.ptr - text.data()));
 }
 
-std::optional<qint64> parseInteger(const QString &text)
+int baseOf(ValueForm form)
+{
+    if (form == ValueForm::Hex)
+        return Hexadecimal;
+    return form == ValueForm::Binary ? 2 : Decimal;
+}
+
+// A prefix says more than the form; but 0B10 are four hexadecimal digits where such are expected.
+std::optional<qint64> parseInteger(const QString &text, ValueForm form)
 {
     bool isNumber = false;
     const QString digits = text.mid(2);
     qint64 number = 0;
     if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
         number = static_cast<qint64>(digits.toUInt(&isNumber, Hexadecimal));
-    else if (text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive))
+    else if (form != ValueForm::Hex && text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive))
         number = static_cast<qint64>(digits.toUInt(&isNumber, 2));
     else
-        number = text.toLongLong(&isNumber, Decimal);
+        number = text.toLongLong(&isNumber, baseOf(form));
     return isNumber ? std::optional<qint64>(number) : std::nullopt;
 }
 
@@ -79,9 +88,9 @@ std::optional<quint32> parseFloat(const QString &text)
     return isNumber ? std::optional<quint32>(toBits(number)) : std::nullopt;
 }
 
-std::optional<quint32> parseWhole(const QString &text, int width)
+std::optional<quint32> parseWhole(const QString &text, int width, ValueForm form)
 {
-    const std::optional<qint64> number = parseInteger(text);
+    const std::optional<qint64> number = parseInteger(text, form);
     const qint64 range = qint64(1) << width;
     if (!number || *number < -range / 2 || *number >= range)
         return std::nullopt;
@@ -95,6 +104,10 @@ QString expectedText(int width, ValueForm form)
     if (form == ValueForm::Float)
         return QStringLiteral("a number that a 32-bit float can hold");
     const qint64 range = qint64(1) << width;
+    if (form == ValueForm::Hex)
+        return QStringLiteral("at most %1 hexadecimal digits").arg(width / BitsOfHexDigit);
+    if (form == ValueForm::Binary)
+        return QStringLiteral("at most %1 binary digits, 0 or 1").arg(width);
     return QStringLiteral("%1 to %2").arg(QString::number(-range / 2), QString::number(range - 1));
 }
 
@@ -119,7 +132,6 @@ int widthOf(ItemKind kind)
 QString formatValue(quint32 value, ItemKind kind, ValueForm form)
 {
     const int width = widthOf(kind);
-    const int bitsOfDigit = 4;
     const QChar zero = QLatin1Char('0');
     if (width == 1)
         return QString::number(value);
@@ -127,7 +139,7 @@ QString formatValue(quint32 value, ItemKind kind, ValueForm form)
     case ValueForm::Signed: return QString::number(toSigned(value, width));
     case ValueForm::Hex:
         return QStringLiteral("0x") +
-               QString::number(value, Hexadecimal).toUpper().rightJustified(width / bitsOfDigit, zero);
+               QString::number(value, Hexadecimal).toUpper().rightJustified(width / BitsOfHexDigit, zero);
     case ValueForm::Binary:
         return QStringLiteral("0b") + QString::number(value, 2).rightJustified(width, zero);
     case ValueForm::Float: return shortest(toFloat(value));
@@ -156,7 +168,7 @@ std::optional<quint32> parseValue(const QString &text, ItemKind kind, ValueForm 
     else if (form == ValueForm::Float)
         value = parseFloat(text);
     else
-        value = parseWhole(text, width);
+        value = parseWhole(text, width, form);
     if (!value)
         error = QStringLiteral("value \"%1\" does not fit a %2; expected %3")
                     .arg(text, form == ValueForm::Float ? QStringLiteral("float") : nameOf(kind),

@@ -20,6 +20,6 @@ QString formatValue(quint32 value, ItemKind kind, ValueForm form);
 /// The number itself, whatever its form; null for a float that is no number.
 QJsonValue numberOf(quint32 value, ItemKind kind, ValueForm form);
 
-/// Reads a value to be written: decimal, "0x", "0b", negative where it fits; on, off, true and false for
-/// bits; a decimal fraction for floats. Otherwise \a error says what would fit.
+/// Reads a value to be written: in the base of the form, or with "0x" or "0b", negative where it fits; on,
+/// off, true and false for bits; a decimal fraction for floats. Otherwise \a error says what would fit.
 std::optional<quint32> parseValue(const QString &text, ItemKind kind, ValueForm form, QString &error);

@@ -140,6 +140,20 @@ TEST(HostValues, TakeWhatFitsAndNothingElse)
     EXPECT_FALSE(value("-2147483649", DoubleWordItem));
 }
 
+TEST(HostValues, AreReadInTheFormTheyAreWrittenIn)
+{
+    EXPECT_EQ(value("1010", WordItem, ValueForm::Binary), 10u);
+    EXPECT_EQ(value("0b1010", WordItem, ValueForm::Binary), 10u);
+    EXPECT_EQ(value("0x10", WordItem, ValueForm::Binary), 16u);
+    EXPECT_EQ(value("10", WordItem, ValueForm::Hex), 16u);
+    EXPECT_EQ(value("0x10", WordItem, ValueForm::Hex), 16u);
+    EXPECT_EQ(value("beef", WordItem, ValueForm::Hex), 0xBEEFu);
+    EXPECT_EQ(value("0B10", WordItem, ValueForm::Hex), 0x0B10u);
+    EXPECT_FALSE(value("12", WordItem, ValueForm::Binary));
+    EXPECT_FALSE(value("10000", WordItem, ValueForm::Hex));
+    EXPECT_FALSE(value("beef", WordItem));
+}
+
 TEST(HostValues, FloatsKeepTheirBits)
 {
     EXPECT_EQ(value("1", DoubleWordItem, ValueForm::Float), 0x3F800000u);
