@@ -29,7 +29,18 @@ const CommandLine::Texts Texts = {
     "  driverhost project --why ETHERNET project.db",
 };
 
-int makeProject(const QString &listPath, const QString &path)
+// Whether \a path may be written: not when it holds something else, unless told so.
+bool mayReplace(const QString &path, bool isForced)
+{
+    QString error;
+    if (isForced || !QFile::exists(path) || readProjectFile(path, error))
+        return true;
+    complain(QStringLiteral("%1 is there and no project database; nothing is written (--force replaces it)")
+                 .arg(path));
+    return false;
+}
+
+int makeProject(const QString &listPath, const QString &path, bool isForced)
 {
     QFile file(listPath);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -42,6 +53,8 @@ int makeProject(const QString &listPath, const QString &path)
         complain(QStringLiteral("%1: %2; nothing is written").arg(listPath, error));
         return UsageError;
     }
+    if (!mayReplace(path, isForced))
+        return UsageError;
     if (!writeProjectFile(path, *project, error)) {
         complain(error);
         return OtherFailure;
@@ -79,6 +92,7 @@ int runProject(const QStringList &arguments)
     line.addOptions({
         {QStringLiteral("make"), QStringLiteral("Make FILE from this list. A bad list makes nothing."),
          QStringLiteral("LIST")},
+        {QStringLiteral("force"), QStringLiteral("Let --make replace a FILE that is no project database.")},
         {QStringLiteral("why"),
          QStringLiteral(
              "Explain what the driver does with FILE for this device text, such as ETHERNET or COM1. FILE "
@@ -93,11 +107,13 @@ int runProject(const QStringList &arguments)
         line.mistake(QStringLiteral("expected one file"));
     if (line.isSet("make") && line.isSet("why"))
         line.mistake(QStringLiteral("--make and --why are two things"));
+    if (line.isSet("force") && !line.isSet("make"))
+        line.mistake(QStringLiteral("--force goes with --make"));
     if (line.isSet("why") && !checkDeviceText(line.text("why"), error))
         line.mistake(error);
     if (!line.isRight())
         return line.refuse();
     if (line.isSet("make"))
-        return makeProject(line.text("make"), words.first());
+        return makeProject(line.text("make"), words.first(), line.isSet("force"));
     return line.isSet("why") ? explain(words.first(), line.text("why")) : printProject(words.first());
 }

@@ -82,12 +82,25 @@ void insertProject(Database &database, const Project &project)
     database.run(QStringLiteral("COMMIT"));
 }
 
+// Where a node is, if the table tells: panels of one node a link leave these columns out, and the driver does
+// not ask for them.
+QString endpointColumns(Database &database)
+{
+    QStringList columns;
+    database.select(QStringLiteral("PRAGMA table_info(NODE)"), {},
+                    [&](const QSqlQuery &row) { columns += row.value(1).toString().toUpper(); });
+    QStringList expressions;
+    for (const QString &name : {QStringLiteral("IP"), QStringLiteral("PORT")})
+        expressions += columns.contains(name) ? name : QStringLiteral("NULL");
+    return expressions.join(QStringLiteral(", "));
+}
+
 } // namespace
 
 bool writeProjectFile(const QString &path, const Project &project, QString &error)
 {
-    const QString unfinished = path + QStringLiteral(".new");
-    QFile::remove(unfinished);
+    const QString unfinished =
+        path + QUuid::createUuid().toString(QUuid::WithoutBraces).prepend(QLatin1Char('.'));
     {
         Database database(unfinished, QString());
         insertProject(database, project);
@@ -115,12 +128,12 @@ std::optional<Project> readProjectFile(const QString &path, QString &error)
     database.select(QStringLiteral("SELECT LINKID, HMIPORT FROM LINK"), {}, [&](const QSqlQuery &row) {
         project.links.append({row.value(0).toInt(), row.value(1).toInt()});
     });
-    database.select(QStringLiteral("SELECT LINKID, STATIONID, ISDEFAULT, IP, PORT FROM NODE"), {},
-                    [&](const QSqlQuery &row) {
-                        project.nodes.append({row.value(0).toInt(), row.value(1).toInt(),
-                                              row.value(2).toInt() == 1, row.value(3).toString(),
-                                              static_cast<quint16>(row.value(4).toUInt())});
-                    });
+    database.select(
+        QStringLiteral("SELECT LINKID, STATIONID, ISDEFAULT, %1 FROM NODE").arg(endpointColumns(database)),
+        {}, [&](const QSqlQuery &row) {
+            project.nodes.append({row.value(0).toInt(), row.value(1).toInt(), row.value(2).toInt() == 1,
+                                  row.value(3).toString(), static_cast<quint16>(row.value(4).toUInt())});
+        });
     database.select(QStringLiteral("SELECT connector_id, address FROM custom_tag_table"), {},
                     [&](const QSqlQuery &row) {
                         project.tags.append({row.value(0).toInt(), row.value(1).toString()});
