@@ -42,6 +42,21 @@ QString problemWith(const Items &items)
     return {};
 }
 
+// The driver ends at the first request that nobody answers: a broadcast is one request.
+QString problemWithBroadcast(const Items &items, bool isVerified)
+{
+    if (isVerified)
+        return QStringLiteral("--verify reads, and nobody replies to station 0");
+    if (!items.isRaw() && !items.address.isBitArea() && isBitKind(items.kind))
+        return QStringLiteral("bits of a register are read before they are written, and nobody replies to "
+                              "station 0");
+    if (items.address.areaName.startsWith(QLatin1String("FN")) && extentOf(items) > 1)
+        return QStringLiteral("%1 takes a request for each item, and to station 0 only the first would be "
+                              "sent; use %2")
+            .arg(items.address.areaName, items.address.areaName.right(2));
+    return {};
+}
+
 struct WriteRequest {
     Items items;
     ValueForm form = ValueForm::Unsigned;
@@ -100,9 +115,20 @@ int verify(Session &session, const WriteRequest &request)
     return code;
 }
 
+bool isExpectedSilence(Session &session, int station)
+{
+    return station == 0 && session.lastError().startsWith(QLatin1String("PLC no response")) &&
+           !writtenBeforeFailure(session.exchanges()).isEmpty();
+}
+
 int writeAll(Session &session, const WriteRequest &request, bool isVerified)
 {
-    if (!session.write(request.items, dataOf(request.values, request.items.kind))) {
+    const bool isConfirmed = session.write(request.items, dataOf(request.values, request.items.kind));
+    if (!isConfirmed && isExpectedSilence(session, session.stationFor(request.items))) {
+        tell(QStringLiteral("%1: sent; no reply, as expected of a broadcast").arg(request.items.label(0)));
+        return Success;
+    }
+    if (!isConfirmed) {
         const QStringList written = writtenBeforeFailure(session.exchanges());
         tellFailure(session, request.items);
         for (const QString &line : written)
@@ -149,14 +175,19 @@ int runWrite(const QStringList &arguments)
         return *end;
 
     QStringList words = line.words();
-    const LinkSettings link = linkSettings(line, words);
+    LinkSettings link = linkSettings(line, words);
     const WriteRequest request = writeRequest(words, itemOptionsOf(line), line);
-    if (!line.isRight())
-        return line.refuse();
-
     const bool isVerified = line.isSet("verify");
     const bool isDryRun = line.isSet("dry-run");
     const int station = stationOf(request.items, link.channel.station);
+    const QString problem = station == 0 ? problemWithBroadcast(request.items, isVerified) : QString();
+    if (!problem.isEmpty())
+        line.mistake(problem);
+    if (!line.isRight())
+        return line.refuse();
+
+    if (station == 0)
+        link.channel.retries = 0;
     return runWithDriver(link, tagsFor(request.items, station), [&](Session &session) {
         if (isDryRun)
             return showFrames(session, request);
