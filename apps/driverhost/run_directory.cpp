@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <cerrno>
 #include <cstdlib>
 #include <unistd.h>
 
@@ -84,29 +85,34 @@ QString inheritedPlugin()
 
 QStringList RunDirectory::usualPlaces()
 {
-    QStringList places{QDir::tempPath()};
+    // As it is given: QDir::tempPath() is empty when there is no such folder.
+    const QString temporary = qEnvironmentVariable("TMPDIR");
+    QStringList places{temporary.isEmpty() ? QStringLiteral("/tmp") : QDir(temporary).absolutePath()};
     const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
     if (!runtime.isEmpty())
         places += runtime;
     const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
-    QDir().mkpath(cache);
-    places += cache;
+    if (QFileInfo(QFileInfo(cache).path()).isWritable() && QDir::homePath() != QDir::rootPath()) {
+        QDir().mkdir(cache);
+        places += cache;
+    }
     return places;
 }
 
 RunDirectory::RunDirectory(const QStringList &places)
 {
+    QStringList reasons;
     for (const QString &place : places) {
-        if (!tryPlace(place))
-            continue;
-        if (place != places.first())
-            complain(QStringLiteral("programs cannot run from %1; using %2").arg(places.first(), place));
-        return;
+        if (tryPlace(place)) {
+            if (!reasons.isEmpty())
+                complain(QStringLiteral("%1; using %2").arg(reasons.join(QStringLiteral(", ")), place));
+            return;
+        }
+        reasons += m_error;
     }
-    m_error = QStringLiteral(
-                  "no folder to run the driver from: programs cannot run from %1 (set TMPDIR to a folder "
-                  "that is not mounted noexec)")
-                  .arg(places.join(QStringLiteral(", ")));
+    m_error = QStringLiteral("no folder to run the driver from: %1 (set TMPDIR to a folder that is yours to "
+                             "write and not mounted noexec)")
+                  .arg(reasons.join(QStringLiteral(", ")));
 }
 
 RunDirectory::~RunDirectory()
@@ -120,8 +126,10 @@ bool RunDirectory::tryPlace(const QString &place)
     removeLeftovers(place);
     for (int i = 0; i < MostTries && !m_lock; ++i) {
         QByteArray path = QFile::encodeName(place + QLatin1Char('/') + QLatin1String(NamePattern));
-        if (mkdtemp(path.data()) == nullptr)
+        if (mkdtemp(path.data()) == nullptr) {
+            m_error = QStringLiteral("no folder can be made in %1 (%2)").arg(place, qt_error_string(errno));
             return false;
+        }
         const QString directory = QFile::decodeName(path);
         auto lock = std::make_unique<QLockFile>(lockPath(directory));
         lock->setStaleLockTime(0);
@@ -130,6 +138,7 @@ bool RunDirectory::tryPlace(const QString &place)
             m_lock = std::move(lock);
         }
     }
+    m_error = QStringLiteral("programs cannot run from %1").arg(place);
     if (!m_lock)
         return false;
     if (copyProgram(programPath()) && QDir().mkpath(QFileInfo(databasePath()).path()) &&
@@ -159,7 +168,7 @@ int runBesideDatabase(const QString &plugin, const DatabaseMaker &makeDatabase)
         const RunDirectory directory;
         if (!directory.isValid()) {
             complain(directory.errorString());
-            return DatabaseError;
+            return OtherFailure;
         }
         QString error;
         if (!makeDatabase(directory.databasePath(), error)) {

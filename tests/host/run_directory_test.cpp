@@ -160,8 +160,24 @@ TEST_F(RunDirectoryTest, GoesElsewhereWhereProgramsCannotRun)
     variables.insert(QStringLiteral("XDG_RUNTIME_DIR"), noexec);
     variables.insert(QStringLiteral("XDG_CACHE_HOME"), noexec);
     const HostRun nowhere = runWithNoexec(noexec, program, variables);
-    EXPECT_EQ(nowhere.code, 6);
+    EXPECT_EQ(nowhere.code, 1);
     EXPECT_TRUE(nowhere.err.contains(QLatin1String("TMPDIR"))) << nowhere.err.toStdString();
+}
+
+TEST_F(RunDirectoryTest, IsMadeNowhereElseWhenTheFolderIsMissing)
+{
+    const QString missing = place.path() + QStringLiteral("/no/such");
+    QProcessEnvironment variables = environment();
+    variables.insert(QStringLiteral("TMPDIR"), missing);
+    variables.insert(QStringLiteral("XDG_RUNTIME_DIR"), missing);
+    variables.insert(QStringLiteral("XDG_CACHE_HOME"), missing);
+    const HostRun run = runHost({QStringLiteral("read"), QStringLiteral("HR1")}, variables);
+    EXPECT_EQ(run.code, 1);
+    const QString reason =
+        QStringLiteral("no folder can be made in %1 (No such file or directory)").arg(missing);
+    EXPECT_TRUE(run.err.startsWith(QStringLiteral("driverhost: no folder to run the driver from: ") + reason))
+        << run.err.toStdString();
+    EXPECT_FALSE(run.err.contains(QLatin1String("QDir"))) << run.err.toStdString();
 }
 
 TEST_F(RunDirectoryTest, ManyRunsAtOnceDoNotGetInEachOthersWay)
