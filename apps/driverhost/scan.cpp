@@ -39,11 +39,19 @@ int endOf(int code)
     return StopSignal::raised() ? Interrupted : code;
 }
 
+// A gateway that answers in place of a station that it does not reach.
+bool isAbsent(const QString &error)
+{
+    return error.startsWith(QLatin1String("exception code:0x0A"), Qt::CaseInsensitive) ||
+           error.startsWith(QLatin1String("exception code:0x0B"), Qt::CaseInsensitive);
+}
+
 int scanStations(Session &session, const Limits &limits, const Items &probe)
 {
     const StopSignal signal;
     session.channel().setCancelled(StopSignal::raised);
     QStringList lines;
+    int absent = 0;
     int code = Success;
     {
         Progress progress(QStringLiteral("stations"), limits.last - limits.first + 1);
@@ -60,6 +68,10 @@ int scanStations(Session &session, const Limits &limits, const Items &probe)
                 code = failure;
                 break;
             }
+            if (!isRead && isAbsent(session.lastError())) {
+                ++absent;
+                continue;
+            }
             if (isRead)
                 lines += QStringLiteral("%1  answers").arg(station);
             else if (!session.lastError().startsWith(QLatin1String("PLC no response")))
@@ -67,6 +79,10 @@ int scanStations(Session &session, const Limits &limits, const Items &probe)
         }
     }
     tell(QStringLiteral("%1 stations answered").arg(lines.size()));
+    if (absent > 0)
+        tell(QStringLiteral(
+                 "for %1 more the gateway answered that they are not there (exception 0x0A or 0x0B)")
+                 .arg(absent));
     return print(lines) ? endOf(code) : OutputClosed;
 }
 

@@ -31,6 +31,10 @@ const FailureKind FailureKinds[] = {
      "the slave does not know this function; try FN6HR or FN5DO to write"},
     {"exception code:0x02", ExceptionReply, "the slave does not have all of these addresses"},
     {"exception code:0x03", ExceptionReply, "the slave does not take this count or value"},
+    {"exception code:0x0A", ExceptionReply,
+     "the gateway has no way to this station: its routing table and serial port"},
+    {"exception code:0x0B", ExceptionReply,
+     "the gateway got no answer from the station: station id, wiring and baud rate behind it"},
     {"exception code:", ExceptionReply, "the slave is there and refuses; see its manual for the code"},
     {"can't read", UsageError, "the range ends beyond the area, or is more than one request carries"},
     {"can't write", UsageError, "this area has no writer for this kind, or the range is too long"},
@@ -51,7 +55,7 @@ const FailureKind NotConnected = {"", CannotConnect,
 const FailureKind &kindOf(const QString &text)
 {
     for (const FailureKind &kind : FailureKinds) {
-        if (text.startsWith(QLatin1String(kind.text)))
+        if (text.startsWith(QLatin1String(kind.text), Qt::CaseInsensitive))
             return kind;
     }
     return Unknown;
