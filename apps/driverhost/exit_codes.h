@@ -11,5 +11,5 @@ enum ExitCode : int {
     DatabaseError = 6, ///< the project database cannot be used, or has no such link or bits
     NotVerified = 7,   ///< what was read back is not what was written
     Interrupted = 130,
-    OutputClosed = 141 ///< nobody reads the standard output any more
+    OutputClosed = 141 ///< nobody reads the standard output any more, or its disk is full
 };

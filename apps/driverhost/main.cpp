@@ -41,7 +41,7 @@ QString helpText()
     return text +
            QStringLiteral("\n\"driverhost SUBCOMMAND --help\" tells more. Exit codes: 0 success, 1 other "
                           "failure, 2 usage,\n3 cannot connect, 4 no or broken reply, 5 exception reply, "
-                          "6 project database,\n7 not verified.\n");
+                          "6 project database,\n7 not verified, 130 interrupted, 141 output closed.\n");
 }
 
 int refuse(const QString &name)

@@ -1,10 +1,13 @@
 #include "value_output.h"
 
+#include "messages.h"
 #include "table.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 
 namespace
@@ -35,7 +38,8 @@ QString offsetText(const ValueRow &row)
 // Texts of commands line up to here may hold anything that --raw lets pass.
 QString quoted(const QString &text)
 {
-    if (!text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"')))
+    const QString special = QStringLiteral(",\"\r\n");
+    if (std::none_of(text.begin(), text.end(), [&](QChar letter) { return special.contains(letter); }))
         return text;
     return QLatin1Char('"') + QString(text).replace(QLatin1Char('"'), QLatin1String("\"\"")) +
            QLatin1Char('"');
@@ -115,5 +119,9 @@ bool print(const QStringList &lines)
 {
     for (const QString &line : lines)
         std::fprintf(stdout, "%s\n", line.toLocal8Bit().constData());
-    return std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return true;
+    if (errno != EPIPE)
+        complain(QStringLiteral("cannot write the output: ") + qt_error_string(errno));
+    return false;
 }
