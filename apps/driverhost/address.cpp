@@ -47,7 +47,8 @@ QString problemWithArea(const QString &area)
         QStringLiteral("expected HR, FN6HR, IR, DI, DO or FN5DO and a number, such as HR100, "
                        "DO5 or HR7.3");
     if (area.isEmpty())
-        return QStringLiteral("no area; ") + expected;
+        return QStringLiteral("no area; ") + expected +
+               QStringLiteral(" (40001 is HR1, 30001 IR1, 10001 DI1, 1 DO1)");
     if (area == QLatin1String("SW"))
         return QStringLiteral(
             "SW marks double words with the high word first and is no area: write HRSW10 or IRSW10");

@@ -12,6 +12,7 @@ namespace
 {
 
 const QChar Minus(0x2212);
+const int EnoughDigits = 10;
 
 // "-5" is a value to write and no option.
 QString withUnmistakableMinus(const QString &word)
@@ -79,8 +80,8 @@ int CommandLine::milliseconds(const char *option, int lowest, int highest)
     if (isNumber && seconds * thousand >= lowest && seconds * thousand <= highest)
         return static_cast<int>(seconds * thousand);
     mistake(QStringLiteral("--%1 \"%2\": expected seconds from %3 to %4")
-                .arg(QLatin1String(option), text(option), QString::number(lowest / thousand),
-                     QString::number(highest / thousand)));
+                .arg(QLatin1String(option), withPlainMinus(text(option)), QString::number(lowest / thousand),
+                     QString::number(highest / thousand, 'g', EnoughDigits)));
     return lowest;
 }
 

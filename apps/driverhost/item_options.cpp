@@ -121,13 +121,13 @@ Items itemsAt(const QString &text, const ItemOptions &options, CommandLine &line
     return items;
 }
 
-AddressedItems addressedItems(CommandLine &line)
+AddressedItems addressedItems(CommandLine &line, const char *countOption)
 {
     AddressedItems addressed;
     QStringList words = line.words();
     addressed.link = linkSettings(line, words);
     ItemOptions options = itemOptionsOf(line);
-    options.count = line.number("items", 1, MostItems);
+    options.count = line.number(countOption, 1, MostItems);
     addressed.form = options.form;
     for (const QString &word : qAsConst(words)) {
         const Items items = itemsAt(word, options, line);

@@ -37,4 +37,4 @@ struct AddressedItems {
     QStringList tags; ///< that a project needs for them
     ValueForm form = ValueForm::Unsigned;
 };
-AddressedItems addressedItems(CommandLine &line);
+AddressedItems addressedItems(CommandLine &line, const char *countOption = "items");

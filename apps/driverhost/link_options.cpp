@@ -21,15 +21,34 @@ QCommandLineOption option(const char *name, const char *description, const char 
     return {QLatin1String(name), text, QLatin1String(value), defaultText};
 }
 
+// An address of IPv6 may stand in brackets, as in a target.
+QString hostOf(CommandLine &line)
+{
+    const QString host = line.text("host");
+    if (host.startsWith(QLatin1Char('[')) && host.endsWith(QLatin1Char(']')))
+        return host.mid(1, host.size() - 2);
+    if (looksLikeTarget(host) || looksLikeEndpoint(host))
+        line.mistake(QStringLiteral("--host \"%1\": expected a name or an address alone; the port goes to "
+                                    "--port, the station to --station")
+                         .arg(host));
+    return host;
+}
+
 Target targetOf(CommandLine &line, QStringList &words)
 {
     Target target;
     QStringList others;
+    int targets = 0;
     for (const QString &word : qAsConst(words)) {
         if (!looksLikeTarget(word)) {
+            if (!line.isSet("raw") && looksLikeEndpoint(word))
+                line.mistake(
+                    QStringLiteral("\"%1\": a target begins with rtutcp://, as rtutcp://%1").arg(word));
             others += word;
             continue;
         }
+        if (++targets > 1)
+            line.mistake(QStringLiteral("\"%1\": one target is there already").arg(word));
         QString error;
         const std::optional<Target> given = parseTarget(word, error);
         if (given)
@@ -39,7 +58,7 @@ Target targetOf(CommandLine &line, QStringList &words)
     }
     words = others;
     if (line.isSet("host"))
-        target.host = line.text("host");
+        target.host = hostOf(line);
     if (line.isSet("port"))
         target.port = static_cast<quint16>(line.number("port", 1, HighestPort));
     if (line.isSet("station"))

@@ -56,7 +56,7 @@ int runRead(const QStringList &arguments)
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
 
-    const AddressedItems addressed = addressedItems(line);
+    const AddressedItems addressed = addressedItems(line, "count");
     const OutputFormat format = formatOf(line);
     if (!line.isRight())
         return line.refuse();

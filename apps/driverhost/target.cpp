@@ -30,9 +30,18 @@ bool looksLikeTarget(const QString &text)
     return text.contains(QLatin1String("://"));
 }
 
+bool looksLikeEndpoint(const QString &text)
+{
+    static const QRegularExpression endpoint(
+        QStringLiteral("^(?:\\[[^\\]]*\\]|[^:/\\[\\]]+)(?::\\d+(?:/\\d*)?|/\\d+)$"));
+    return endpoint.match(text).hasMatch();
+}
+
 std::optional<Target> parseTarget(const QString &text, QString &error)
 {
-    const QString form = QStringLiteral("target \"%1\": expected rtutcp://HOST:PORT/STATION").arg(text);
+    const QString form =
+        QStringLiteral("target \"%1\": expected rtutcp://HOST:PORT/STATION, with a port from 1 to 65535")
+            .arg(text);
     const QUrl url(text, QUrl::StrictMode);
     if (!url.isValid() || url.scheme() != QLatin1String("rtutcp") || url.host().isEmpty() ||
         !url.userInfo().isEmpty() || url.hasQuery() || url.hasFragment()) {
@@ -44,7 +53,7 @@ std::optional<Target> parseTarget(const QString &text, QString &error)
     target.host = url.host();
     const int port = url.port(target.port);
     if (port < 1 || port > HighestPort) {
-        error = form + QStringLiteral(" with a port from 1 to 65535");
+        error = form;
         return std::nullopt;
     }
     target.port = static_cast<quint16>(port);

@@ -18,6 +18,9 @@ std::optional<Target> parseTarget(const QString &text, QString &error);
 /// Whether a word on the command line is meant as a target.
 bool looksLikeTarget(const QString &text);
 
+/// Whether a word is "HOST:PORT", "HOST/STATION" or both, a target that lacks its beginning.
+bool looksLikeEndpoint(const QString &text);
+
 /// A whole number in [lowest, highest]; otherwise \a error names \a what.
 std::optional<int> parseNumber(const QString &what, const QString &text, int lowest, int highest,
                                QString &error);

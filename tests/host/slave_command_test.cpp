@@ -146,7 +146,7 @@ TEST(SlaveCommand, SaysWhatIsWrong)
               mistakeIn({"--latency", "soon"}));
     EXPECT_EQ("--hole \"HR\": expected addresses such as HR10 or 2-DO5..20", mistakeIn({"--hole", "HR"}));
     EXPECT_EQ("--seed \"x\": expected a whole number from 0 to 2147483647", mistakeIn({"--seed", "x"}));
-    EXPECT_EQ("--fault: \"silence\" is not like silence=1% or truncate:4=1/10",
+    EXPECT_EQ("--fault: \"silence\" is not like silence=1% or truncate:4=1/10; =100% means always",
               mistakeIn({"--fault", "silence"}));
     EXPECT_EQ("\"more\" is no option", mistakeIn({"more"}));
     EXPECT_TRUE(mistakeIn({"--values", "/no/such/file"}).startsWith("/no/such/file: "));

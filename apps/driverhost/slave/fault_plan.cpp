@@ -98,7 +98,9 @@ bool FaultPlan::add(const QString &text, QString *error)
         QStringLiteral("^([a-z-]+)(?::(\\d{1,7}))?=(?:(\\d{1,3}(?:\\.\\d{1,6})?)%|1/(\\d{1,9}))$"));
     const QRegularExpressionMatch match = pattern.match(text);
     if (!match.hasMatch())
-        return refuse(error, QStringLiteral("\"%1\" is not like silence=1% or truncate:4=1/10").arg(text));
+        return refuse(
+            error,
+            QStringLiteral("\"%1\" is not like silence=1% or truncate:4=1/10; =100% means always").arg(text));
     const FaultKind *kind = findFault(match.captured(1));
     if (kind == nullptr)
         return refuse(error, QStringLiteral("there is no fault \"%1\"; there are %2")
