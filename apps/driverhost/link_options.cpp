@@ -24,7 +24,7 @@ QCommandLineOption option(const char *name, const char *description, const char 
 // An address of IPv6 may stand in brackets, as in a target.
 QString hostOf(CommandLine &line)
 {
-    const QString host = line.text("host");
+    QString host = line.text("host");
     if (host.startsWith(QLatin1Char('[')) && host.endsWith(QLatin1Char(']')))
         return host.mid(1, host.size() - 2);
     if (looksLikeTarget(host) || looksLikeEndpoint(host))
