@@ -8,6 +8,7 @@
 #include "support/project_file.h"
 #include "support/slave_channel.h"
 
+#include <algorithm>
 #include <cctype>
 
 using namespace fuzz;
@@ -57,10 +58,9 @@ bool goesOutAsItStands(const CommunicatorCommand &command, const Parsed &parsed)
 {
     if (command.dataType != 1 && command.dataType != 5)
         return true;
-    for (const char *area : {"HR", "FN6HR", "IR"})
-        if (qstricmp(parsed.area.constData(), area) == 0)
-            return true;
-    return false;
+    const auto areas = {"HR", "FN6HR", "IR"};
+    return std::any_of(areas.begin(), areas.end(),
+                       [&](const char *area) { return qstricmp(parsed.area.constData(), area) == 0; });
 }
 
 void checkFirstRequest(const SlaveChannel &channel, const Parsed &parsed)

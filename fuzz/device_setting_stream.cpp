@@ -82,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     Input input(data, size);
     const auto order = input.byte() % 2 == 0 ? QDataStream::BigEndian : QDataStream::LittleEndian;
     const int socketsBefore = input.byte() % 4;
-    const int index = static_cast<qint8>(input.byte());
+    const int index = input.signedByte();
     const QByteArray bytes = input.rest();
 
     Fields fields;

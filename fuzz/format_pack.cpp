@@ -53,9 +53,11 @@ Memory exactly(int size, unsigned char filler)
 void convert(const Item &item, const Memory &host, Memory &wire)
 {
     const bool isReversed = item.letter == 'n' || item.letter == 'N';
-    for (int i = 0; i < item.size; ++i) {
-        const int from = isReversed ? i / item.width * item.width + item.width - 1 - i % item.width : i;
-        wire[static_cast<size_t>(item.begin + i)] = host[static_cast<size_t>(from)];
+    auto to = wire.begin() + item.begin;
+    for (auto from = host.begin(); from != host.end(); from += item.width, to += item.width) {
+        std::copy_n(from, item.width, to);
+        if (isReversed)
+            std::reverse(to, to + item.width);
     }
 }
 

@@ -25,7 +25,7 @@ QList<int> takeSizes(Input &input)
 {
     QList<int> sizes;
     for (int left = input.byte() % MaxSections; left > 0; --left) {
-        const int small = static_cast<qint8>(input.byte());
+        const int small = input.signedByte();
         sizes += small != -128 ? small : static_cast<int>(input.doubleWord());
     }
     return sizes;
@@ -59,7 +59,9 @@ void appendNumber(TxPackage &package, SectionModel &model, Input &input)
     case 0: package.appendByte(static_cast<quint8>(value)); return model.append(littleEndian(value, 1));
     case 1: package.appendWord(static_cast<quint16>(value)); return model.append(littleEndian(value, 2));
     case 2: package.appendDWord(value); return model.append(littleEndian(value, 4));
-    default: package.appendByte2Ascii(static_cast<quint8>(value)); return model.append(hex(value & 0xFF));
+    default:
+        package.appendByte2Ascii(static_cast<quint8>(value));
+        return model.append(hex(static_cast<quint8>(value)));
     }
 }
 
@@ -91,7 +93,7 @@ void applyStep(TxPackage &package, SectionModel &model, Input &input)
         return;
     case 7: {
         const QByteArray replaced = input.bytes(input.byte());
-        const int length = static_cast<qint8>(input.byte()) % (replaced.size() + 1);
+        const int length = input.signedByte() % (replaced.size() + 1);
         FUZZ_CHECK(package.setData(replaced.constData(), length));
         model.bytes = replaced.left(qMax(length, 0));
         return;

@@ -18,6 +18,13 @@ public:
     int left() const { return static_cast<int>(end - next); }
     std::uint8_t byte() { return isEmpty() ? std::uint8_t(0) : *next++; }
 
+    /// From -128 to 127.
+    int signedByte()
+    {
+        const int value = byte();
+        return value < 0x80 ? value : value - 0x100;
+    }
+
     std::uint16_t word()
     {
         const unsigned int high = byte();
@@ -34,7 +41,7 @@ public:
     QByteArray bytes(int size)
     {
         const int taken = qMin(size, left());
-        const QByteArray result(reinterpret_cast<const char *>(next), taken);
+        QByteArray result(reinterpret_cast<const char *>(next), taken);
         next += taken;
         return result;
     }

@@ -5,7 +5,7 @@
 namespace
 {
 
-void keepFatalMessages(QtMsgType type, const QMessageLogContext &, const QString &text)
+void keepFatalMessages(QtMsgType type, const QMessageLogContext & /*context*/, const QString &text)
 {
     if (type == QtFatalMsg)
         std::fprintf(stderr, "%s\n", qPrintable(text));
@@ -16,6 +16,7 @@ void keepFatalMessages(QtMsgType type, const QMessageLogContext &, const QString
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv);
 
 // The driver finds its database by the application's directory, and QtSql its plug-ins.
+// NOLINTNEXTLINE(readability-non-const-parameter): libFuzzer declares it so
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
     static const QCoreApplication application(*argc, *argv);

@@ -132,12 +132,12 @@ QByteArray FaultyChannel::answer(const QByteArray &request)
 int FaultyChannel::sentOf(int length)
 {
     fault = input.byte() % FaultCount;
-    return fault == OddSendCount ? length + static_cast<signed char>(input.byte()) : length;
+    return fault == OddSendCount ? length + input.signedByte() : length;
 }
 
 int FaultyChannel::countOf(int taken)
 {
-    return fault == OddReadCount ? taken + static_cast<signed char>(input.byte()) : taken;
+    return fault == OddReadCount ? taken + input.signedByte() : taken;
 }
 
 bool FaultyChannel::opens()
