@@ -29,7 +29,7 @@ int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
 }
 
 // By a bit for each address there can be: projects name the same ones over and over, which sorting would move
-// about for nothing.
+// about for nothing. _Find_first() and _Find_next() are libstdc++'s, as on every panel.
 void ModbusBitSet::setSort(UShortVector &set)
 {
     std::bitset<AddressCount> used;

@@ -12,11 +12,12 @@
 void ModbusRTUSlaveParseAddress(const QString &text, QByteArray &area, unsigned short &offset,
                                 unsigned char &bit);
 
-/// Whether the area begins with \a prefix, or is \a name, in any case.
+/// Whether the area begins with \a prefix, in any case.
 inline bool areaStartsWith(const QByteArray &area, const char *prefix)
 {
     return qstrnicmp(area.constData(), prefix, qstrlen(prefix)) == 0;
 }
+/// Whether the area is \a name, in any case.
 bool areaIs(const QByteArray &area, const char *name);
 
 /// "HR" and "FN6HR": holding registers; every other area of registers is read as input registers.

@@ -6,7 +6,7 @@ namespace
 {
 
 const int FunctionPrefixLength = 3; // "FN5"
-const int LongestPlainNumber = 9;   // digits that every integer holds
+const int LongestPlainNumber = 9;   // more digits may not fit, and Qt decides about those
 
 unsigned char toStation(unsigned int number)
 {

@@ -33,17 +33,15 @@ bool DriverModbusRtuSlaveOverTcp::write(AbstractDeviceInterface *device, const C
     unsigned char bit = 0;
     ModbusRTUSlaveParseAddress(command.address, area, offset, bit);
 
-    bool written = false;
-    int attempt = 0;
-    do {
-        if (!beginAttempt(device, command))
-            return false;
-        written = writeItems(device, command, sizedData(command, data), area, offset, bit);
-    } while (mayRetry(device, attempt++));
-
-    if (errorFlag)
-        appendCmdToWriteCommError(stationOf(device), command);
-    return written;
+    for (int attempt = 0; beginAttempt(device, command); ++attempt) {
+        const bool written = writeItems(device, command, sizedData(command, data), area, offset, bit);
+        if (mayRetry(device, attempt))
+            continue;
+        if (errorFlag)
+            appendCmdToWriteCommError(stationOf(device), command);
+        return written;
+    }
+    return false;
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeItems(AbstractDeviceInterface *device,

@@ -4,8 +4,8 @@
 #include "drivers/tools/bit_array.h"
 #include "drivers/tools/byte_order.h"
 
-// Modbus has no request for single bits of registers here, so both writers read the registers, change the
-// bits and write all of them back. What another master changes in between is lost.
+// Few slaves know function 22 (mask write register), so both writers read the registers, change the bits and
+// write all of them back. What another master changes in between is lost.
 
 bool DriverModbusRtuSlaveOverTcp::writeHRbit(AbstractDeviceInterface *device, unsigned short offset,
                                              unsigned char bitIndex, const QByteArray &bits, int count)

@@ -43,7 +43,7 @@ void growTo(QByteArray &bits, int size)
         bits.append(QByteArray(size - bits.size(), '\0'));
 }
 
-// Moves the bits of the first `size` bytes towards bit 0 by 1 to 7; zeros come in at the top.
+// Moves the bits of the first `size` bytes towards bit 0 by 0 to 7; zeros come in at the top.
 void shiftWithinBytes(unsigned char *bytes, int size, int n)
 {
     for (int i = 0; i < size; ++i) {

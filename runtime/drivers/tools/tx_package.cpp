@@ -144,7 +144,7 @@ int TxPackage::sectionStartIndex(int i) const
 }
 
 // The section whose first byte is the size of section `i`, -1 when there is no such section.
-int TxPackage::sizeSection(int i) const
+int TxPackage::sectionThatSizes(int i) const
 {
     const int stored = sectionSizes.at(i);
     return stored > -sectionSizes.size() ? -stored : -1;
@@ -158,7 +158,7 @@ int TxPackage::sectionSize(int i) const
         if (waiting.size() == sectionSizes.size())
             return 0;
         waiting.append(i);
-        i = sizeSection(i);
+        i = sectionThatSizes(i);
     }
     int size = validSectionNumber(i) ? sectionSizes.at(i) : 0;
     while (!waiting.isEmpty()) {

@@ -82,7 +82,7 @@ public:
     QString toString() const;
 
 private:
-    int sizeSection(int i) const;
+    int sectionThatSizes(int i) const;
     QByteArray bytesFrom(int start, int size) const;
 
     QByteArray buffer;
