@@ -12,6 +12,8 @@ namespace
 
 // Longer than any pause within a request on a working network.
 const int SilenceMs = 200;
+// A master whose TCP had to stop, since its bytes were not taken, may need as long as this to go on.
+const int SilenceAfterStopMs = 2000;
 // A master that sends and never reads is not read from any more; its requests wait where they are.
 const int MostUnread = 65536;
 const int MostUnsent = 65536;
@@ -60,6 +62,7 @@ SlaveConnection::SlaveConnection(QTcpSocket *connectedSocket, quint64 connection
 
 void SlaveConnection::takeBytes()
 {
+    wasStopped = wasStopped || socket->bytesAvailable() >= MostUnread;
     // The end of a connection is not seen before its bytes have been taken, also where they are ignored.
     if (!socket->isOpen() || (!isDead && isBusy()))
         return;
@@ -75,7 +78,7 @@ void SlaveConnection::takeRequests()
     collectRequests();
     reportDropped();
     if (deframer.isPending())
-        silence.start(SilenceMs);
+        silence.start(wasStopped ? SilenceAfterStopMs : SilenceMs);
     else
         silence.stop();
     answerNext();

@@ -51,6 +51,8 @@ private:
     QQueue<QByteArray> requests;
     /// Nothing more happens on this connection.
     bool isDead = false;
+    /// Once so many bytes waited that the master's TCP had to stop.
+    bool wasStopped = false;
 
     /// The reply that is on its way.
     bool isAnswering = false;
