@@ -8,9 +8,9 @@ source scripts/packages.sh
 build=build/armhf
 root=build/armhf-root
 
-# An ARM program under qemu-arm cannot start another one: the kernel here does not know how to run it. So tests with this
-# label stay out, and are named.
-starts_programs=starts-programs
+# What cannot run under qemu-arm stays out, by its label, and is named. No ARM program can start another: the kernel here
+# does not know how to run it. Memory in use is mostly the emulator's.
+stays_out='^(starts-programs|measures-memory)$'
 
 main() {
     install_packages "${arm_packages[@]}"
@@ -19,7 +19,7 @@ main() {
     cmake --build --preset armhf
     rm -rf "$build/results"
     GTEST_OUTPUT="xml:$PWD/$build/results/" \
-        ctest --preset armhf --parallel "$(nproc)" --label-exclude "^$starts_programs\$"
+        ctest --preset armhf --parallel "$(nproc)" --label-exclude "$stays_out"
     count_tests
     name_what_stays_out
 }
@@ -72,13 +72,18 @@ sum() {
 
 # The commands of the tests that ran, as far as they are programs of ours.
 test_programs() {
-    ctest --test-dir "$build" --show-only=json-v1 --label-exclude "^$starts_programs\$" |
+    ctest --test-dir "$build" --show-only=json-v1 --label-exclude "$stays_out" |
         grep -o "\"$PWD/$build/[^\"]*_test\"" | tr -d '"' | sort -u
 }
 
 name_what_stays_out() {
-    echo "Built and not run on ARM, since they start other programs:"
-    ctest --test-dir "$build" --show-only --label-regex "^$starts_programs\$" | sed -n 's/^ *Test *#[0-9]*: /  /p'
+    echo "Built and not run on ARM:"
+    name_labelled starts-programs "starts other programs"
+    name_labelled measures-memory "measures its own memory"
+}
+
+name_labelled() {
+    ctest --test-dir "$build" --show-only --label-regex "^$1\$" | sed -n "s/^ *Test *#[0-9]*: \(.*\)/  \1 ($2)/p"
 }
 
 fail() {
