@@ -77,6 +77,8 @@ test_programs() {
 }
 
 name_what_stays_out() {
+    echo "Not built for ARM:"
+    echo "  the reference host and its tests (a program for a PC; most of its tests start it)"
     echo "Built and not run on ARM:"
     name_labelled starts-programs "starts other programs"
     name_labelled measures-memory "measures its own memory"
