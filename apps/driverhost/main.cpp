@@ -1,7 +1,5 @@
-#include "commands.h"
-#include "exit_codes.h"
-#include "messages.h"
-#include "slave_command.h"
+#include "apps/driverhost/commands/commands.h"
+#include "apps/driverhost/console/messages.h"
 
 #include <QCoreApplication>
 
@@ -13,19 +11,19 @@ namespace
 struct Subcommand {
     const char *name;
     const char *summary;
-    int (*run)(const QStringList &arguments);
+    Job (*prepare)(const QStringList &arguments);
 };
 
 const Subcommand Subcommands[] = {
-    {"info", "What the plug-in says about itself", runInfo},
-    {"read", "Read values from a slave", runRead},
-    {"write", "Write values to a slave", runWrite},
-    {"watch", "Read values again and again", runWatch},
-    {"tags", "Read all tags of a project", runTags},
-    {"scan", "Find stations, or the addresses that a slave has", runScan},
-    {"project", "Make, print and explain project databases", runProject},
-    {"slave", "Be a slave, also a faulty one", runSlave},
-    {"demo", "Show the plug-in at work against a slave of its own", runDemo},
+    {"info", "What the plug-in says about itself", prepareInfo},
+    {"read", "Read values from a slave", prepareRead},
+    {"write", "Write values to a slave", prepareWrite},
+    {"watch", "Read values again and again", prepareWatch},
+    {"tags", "Read all tags of a project", prepareTags},
+    {"scan", "Find stations, or the addresses that a slave has", prepareScan},
+    {"project", "Make, print and explain project databases", prepareProject},
+    {"slave", "Be a slave, also a faulty one", prepareSlave},
+    {"demo", "Show the plug-in at work against a slave of its own", prepareDemo},
 };
 
 QString helpText()
@@ -44,11 +42,11 @@ QString helpText()
                           "6 project database,\n7 not verified, 130 interrupted, 141 output closed.\n");
 }
 
-int refuse(const QString &name)
+int refuseName(const QString &name)
 {
-    complain(name.isEmpty() ? QStringLiteral("no subcommand")
-                            : QStringLiteral("unknown subcommand \"%1\"").arg(name));
-    tell(QStringLiteral("Try \"driverhost --help\"."));
+    reportError(name.isEmpty() ? QStringLiteral("no subcommand")
+                               : QStringLiteral("unknown subcommand \"%1\"").arg(name));
+    report(QStringLiteral("Try \"driverhost --help\"."));
     return UsageError;
 }
 
@@ -62,10 +60,10 @@ int main(int argc, char **argv)
     const QString name = arguments.value(0);
     for (const Subcommand &subcommand : Subcommands) {
         if (name == QLatin1String(subcommand.name))
-            return subcommand.run(arguments.mid(1));
+            return finish(subcommand.prepare(arguments.mid(1)));
     }
     if (name != QLatin1String("--help") && name != QLatin1String("-h") && name != QLatin1String("help"))
-        return refuse(name);
+        return refuseName(name);
     std::fputs(helpText().toLocal8Bit().constData(), stdout);
     return Success;
 }

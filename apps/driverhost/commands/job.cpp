@@ -1,0 +1,44 @@
+#include "apps/driverhost/commands/job.h"
+
+#include "apps/driverhost/console/messages.h"
+#include "desk/startup/beside_database.h"
+#include "desk/startup/plugin_file.h"
+
+namespace
+{
+
+int runTask(const Job &job)
+{
+    Session session(inheritedPlugin(), job.link);
+    if (session.isReady())
+        return job.task(session);
+    reportError(session.errorString());
+    return OtherFailure;
+}
+
+int startAgain(const Job &job)
+{
+    const Result<QString> plugin = findPlugin(job.link.plugin);
+    if (!plugin) {
+        reportError(plugin.errorText());
+        return OtherFailure;
+    }
+    const RunBesideDatabase run = runBesideDatabase(*plugin, job.link, job.tags, reportError);
+    switch (run.outcome) {
+    case RunBesideDatabase::Ran: return run.end.signal == 0 ? run.end.code : dieOf(run.end.signal);
+    case RunBesideDatabase::NoDatabase: reportError(run.error); return DatabaseError;
+    case RunBesideDatabase::NoDirectory:
+    case RunBesideDatabase::NotStarted: break;
+    }
+    reportError(run.error);
+    return OtherFailure;
+}
+
+} // namespace
+
+int finish(const Job &job)
+{
+    if (!job.task)
+        return job.code;
+    return runsBesideDatabase() ? runTask(job) : startAgain(job);
+}

@@ -1,0 +1,172 @@
+#include "apps/driverhost/commands/commands.h"
+
+#include "apps/driverhost/commands/watch_options.h"
+#include "apps/driverhost/console/item_options.h"
+#include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/console/progress.h"
+#include "apps/driverhost/console/stop_signal.h"
+#include "desk/plan/tag_plan.h"
+#include "desk/project/project_file.h"
+#include "drivers/tools/project_lookup.h"
+
+namespace
+{
+
+const CommandLine::Texts Texts = {
+    "tags",
+    "[rtutcp://HOST:PORT/STATION] --project FILE",
+    "Reads all tags of a link of the project, the one of --device, through the driver as a panel would: bits "
+    "by runs\n"
+    "of those that are used, registers in ranges. Host, port and station are those of the link's default "
+    "node unless\n"
+    "given. The project holds no kinds: bits are bits, registers are words, or double words with --kind "
+    "dword or SW\n"
+    "in the address.",
+    "  driverhost tags --project project.db --device ETHERNET\n"
+    "  driverhost tags rtutcp://192.168.0.10:502/1 --project project.db --watch --interval 2",
+};
+
+void takeFromNode(LinkSettings &settings, const Project::Node &node, const CommandLine &line, bool hasTarget)
+{
+    if (hasTarget)
+        return;
+    if (!line.isSet("station"))
+        settings.channel.station = node.station & 0xFF;
+    if (!line.isSet("host") && !node.host.isEmpty())
+        settings.channel.host = node.host;
+    if (!line.isSet("port") && node.port != 0)
+        settings.channel.port = node.port;
+}
+
+// Reads one after the other; a range that the slave refuses is read again value by value.
+class TagReader
+{
+public:
+    explicit TagReader(Session &session) : m_session(session) {}
+
+    int read(const std::vector<Reading> &readings, OutputFormat format);
+
+private:
+    bool readOne(const Reading &reading);
+    void fail(const Reading &reading);
+
+    Session &m_session;
+    std::vector<ValueRow> m_rows;
+    int m_code = Success;
+};
+
+int TagReader::read(const std::vector<Reading> &readings, OutputFormat format)
+{
+    const StopSignal signal;
+    m_session.channel().setCancelled(StopSignal::raised);
+    {
+        Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
+        for (size_t i = 0; i < readings.size() && !StopSignal::raised(); ++i) {
+            progress.show(static_cast<qint64>(i));
+            if (readOne(readings[i]))
+                continue;
+            const bool isRefused =
+                m_session.failure().kind == FailureKind::Exception && readings[i].shown.size() > 1;
+            if (!isRefused) {
+                fail(readings[i]);
+            } else {
+                for (const Reading &single : oneByOne(readings[i])) {
+                    if (!readOne(single))
+                        fail(single);
+                }
+            }
+            if (m_code == CannotConnect || m_code == DatabaseError)
+                break;
+        }
+    }
+    if (!m_rows.empty() && !print(linesOf(m_rows, format)))
+        return OutputClosed;
+    return StopSignal::raised() ? Interrupted : m_code;
+}
+
+bool TagReader::readOne(const Reading &reading)
+{
+    const std::optional<QByteArray> data = m_session.read(reading.items);
+    if (!data)
+        return false;
+    const std::vector<ValueRow> rows = rowsOf(reading, *data, m_session.stationFor(reading.items));
+    m_rows.insert(m_rows.end(), rows.begin(), rows.end());
+    return true;
+}
+
+void TagReader::fail(const Reading &reading)
+{
+    if (StopSignal::raised())
+        return;
+    reportFailure(m_session, reading.items);
+    m_code = m_code == Success ? exitCodeOf(m_session.failure()) : m_code;
+}
+
+// The same readings; those that the slave refuses as a whole value by value.
+std::vector<Reading> readable(Session &session, const std::vector<Reading> &readings)
+{
+    std::vector<Reading> result;
+    bool isConnected = true;
+    for (const Reading &reading : readings) {
+        const bool isRead = isConnected && session.read(reading.items);
+        isConnected = isRead || session.failure().kind != FailureKind::CannotConnect;
+        if (isConnected && !isRead && session.failure().kind == FailureKind::Exception) {
+            const std::vector<Reading> singles = oneByOne(reading);
+            result.insert(result.end(), singles.begin(), singles.end());
+        } else {
+            result.push_back(reading);
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+Job prepareTags(const QStringList &arguments)
+{
+    CommandLine line(Texts);
+    line.addOptions({{QStringLiteral("watch"), QStringLiteral("Keep reading, as watch does.")}});
+    line.addOptions(watchOptions());
+    line.addOptions(tagOptions());
+    line.addOptions({formatOption()});
+    line.addOptions(linkOptions());
+    if (const std::optional<int> end = line.parse(arguments))
+        return *end;
+
+    QStringList words = line.words();
+    const int allWords = words.size();
+    LinkSettings link = linkSettings(line, words);
+    const ItemOptions options = itemOptionsOf(line);
+    const WatchRun run = watchRunOf(line);
+    if (!words.isEmpty())
+        line.addError(QStringLiteral("tags takes no addresses; they are in the project"));
+    if (link.project.isEmpty())
+        line.addError(QStringLiteral("expected --project FILE"));
+    const ItemKind kind = options.kind.value_or(options.form == ValueForm::Float ? DoubleWordItem : WordItem);
+    if (kind != WordItem && kind != DoubleWordItem)
+        line.addError(QStringLiteral("--kind: registers are of the kind word or dword"));
+    if (!line.isValid())
+        return line.reportUsageError();
+
+    const Result<Project> project = readProjectFile(link.project);
+    if (!project) {
+        reportError(project.errorText());
+        return DatabaseError;
+    }
+    const std::optional<Project::Node> node = defaultNodeAt(*project, DevStrToHmiPort(link.channel.device));
+    if (!node) {
+        reportError(QStringLiteral("%1 has no link with a default node for %2")
+                        .arg(link.project, link.channel.device));
+        return DatabaseError;
+    }
+    takeFromNode(link, *node, line, words.size() < allWords);
+    const TagPlan plan = planTags(tagsOfLink(*project, node->link), kind, options.form);
+    const bool isWatched = line.isSet("watch");
+    return {link, {}, [=](Session &session) {
+                for (const QString &skipped : plan.skipped)
+                    report(QStringLiteral("skipped: ") + skipped);
+                if (!isWatched)
+                    return TagReader(session).read(plan.readings, run.format);
+                return watchReadings(session, readable(session, plan.readings), watchRunOn(link, run));
+            }};
+}

@@ -1,0 +1,43 @@
+#include "apps/driverhost/commands/commands.h"
+
+#include "apps/driverhost/commands/watch_options.h"
+#include "apps/driverhost/console/item_options.h"
+#include "apps/driverhost/console/messages.h"
+
+namespace
+{
+
+const CommandLine::Texts Texts = {
+    "watch",
+    "[rtutcp://HOST:PORT/STATION] ADDRESS...",
+    "Reads the same values again and again. On a terminal a table is kept up to date in place: \"*\" marks "
+    "what has\n"
+    "changed, \"?\" what could not be read, with the last value and its age. Elsewhere every value is a "
+    "line. Ctrl-C\n"
+    "ends with statistics on standard error. The connection stays open and is opened again by the driver's "
+    "rules.",
+    "  driverhost watch rtutcp://192.168.0.10:502/1 HR100 HR101 DI17 --interval 0.5\n"
+    "  driverhost watch HR100 --items 8 --duration 60 --format csv >log.csv",
+};
+
+} // namespace
+
+Job prepareWatch(const QStringList &arguments)
+{
+    CommandLine line(Texts);
+    line.addOptions(watchOptions());
+    line.addOptions(itemOptions());
+    line.addOptions({itemCountOption(), formatOption()});
+    line.addOptions(linkOptions());
+    if (const std::optional<int> end = line.parse(arguments))
+        return *end;
+
+    const AddressedItems addressed = addressedItems(line);
+    const WatchRun run = watchRunOn(addressed.link, watchRunOf(line));
+    if (!line.isValid())
+        return line.reportUsageError();
+    return {addressed.link, addressed.tags, [=](Session &session) {
+                reportPortions(addressed.items);
+                return watchReadings(session, readingsOf(addressed.items, addressed.form), run);
+            }};
+}

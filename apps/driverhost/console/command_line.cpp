@@ -1,0 +1,124 @@
+#include "apps/driverhost/console/command_line.h"
+
+#include "apps/driverhost/console/exit_code.h"
+#include "apps/driverhost/console/messages.h"
+#include "desk/items/number_text.h"
+
+#include <QRegularExpression>
+
+#include <cstdio>
+
+namespace
+{
+
+const QChar Minus(0x2212);
+const int SignificantDigits = 10;
+
+// "-5" is a value to write and no option.
+QString withMinusOfNumber(const QString &word)
+{
+    static const QRegularExpression negative(QStringLiteral("^-(?:\\.?\\d|inf|nan)"),
+                                             QRegularExpression::CaseInsensitiveOption);
+    return negative.match(word).hasMatch() ? Minus + word.mid(1) : word;
+}
+
+} // namespace
+
+QString withPlainMinus(const QString &word)
+{
+    return word.startsWith(Minus) ? QLatin1Char('-') + word.mid(1) : word;
+}
+
+CommandLine::CommandLine(const Texts &texts) : m_texts(texts)
+{
+    m_parser.addOption({{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")});
+}
+
+void CommandLine::addOptions(const QList<QCommandLineOption> &options)
+{
+    m_parser.addOptions(options);
+    for (const QCommandLineOption &option : options)
+        m_options += option.names();
+}
+
+bool CommandLine::isSet(const char *option) const
+{
+    return m_options.contains(QLatin1String(option)) && m_parser.isSet(QLatin1String(option));
+}
+
+std::optional<int> CommandLine::parse(const QStringList &arguments)
+{
+    QStringList words{QLatin1String(m_texts.name)};
+    for (const QString &argument : arguments)
+        words += withMinusOfNumber(argument);
+    const bool isGood = m_parser.parse(words);
+    if (m_parser.isSet(QStringLiteral("help"))) {
+        std::fputs(helpText().toLocal8Bit().constData(), stdout);
+        return Success;
+    }
+    if (isGood)
+        return std::nullopt;
+    addError(m_parser.errorText());
+    return reportUsageError();
+}
+
+int CommandLine::number(const char *option, int min, int max)
+{
+    const Result<int> number =
+        parseNumber(QStringLiteral("--") + QLatin1String(option), withPlainMinus(text(option)), min, max);
+    if (!number)
+        addError(number.errorText());
+    return number.valueOr(min);
+}
+
+int CommandLine::milliseconds(const char *option, int min, int max)
+{
+    bool isNumber = false;
+    const double seconds = withPlainMinus(text(option)).toDouble(&isNumber);
+    if (isNumber && seconds * 1000.0 >= min && seconds * 1000.0 <= max)
+        return static_cast<int>(seconds * 1000.0);
+    addError(QStringLiteral("--%1 \"%2\": expected seconds from %3 to %4")
+                 .arg(QLatin1String(option), withPlainMinus(text(option)), QString::number(min / 1000.0),
+                      QString::number(max / 1000.0, 'g', SignificantDigits)));
+    return min;
+}
+
+int CommandLine::choice(const char *option, const QStringList &choices)
+{
+    const int index = choices.indexOf(text(option));
+    if (index < 0)
+        addError(QStringLiteral("--%1 \"%2\": expected %3")
+                     .arg(QLatin1String(option), text(option), choices.join(QStringLiteral(", "))));
+    return qMax(index, 0);
+}
+
+QStringList CommandLine::words() const
+{
+    QStringList words;
+    for (const QString &word : m_parser.positionalArguments())
+        words += withPlainMinus(word);
+    return words;
+}
+
+void CommandLine::addError(const QString &text)
+{
+    if (m_error.isEmpty())
+        m_error = text;
+}
+
+int CommandLine::reportUsageError() const
+{
+    reportError(m_error);
+    report(QStringLiteral("Try \"driverhost %1 --help\".").arg(QLatin1String(m_texts.name)));
+    return UsageError;
+}
+
+QString CommandLine::helpText() const
+{
+    // The parser would begin with the program's path and knows no subcommands.
+    const QString parsers = m_parser.helpText();
+    const QString options = parsers.mid(parsers.indexOf(QLatin1String("Options:")));
+    return QStringLiteral("Usage: driverhost %1 [options] %2\n\n%3\n\n%4\nExample:\n%5\n")
+        .arg(QLatin1String(m_texts.name), QLatin1String(m_texts.arguments), QLatin1String(m_texts.summary),
+             options, QLatin1String(m_texts.example));
+}

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QCommandLineParser>
+#include <QStringList>
+
+#include <optional>
+
+/// The arguments of one subcommand: its options, what is wrong with them, and its help.
+class CommandLine
+{
+public:
+    struct Texts {
+        const char *name;      ///< "read"
+        const char *arguments; ///< "[TARGET] ADDRESS..."
+        const char *summary;
+        const char *example;
+    };
+
+    explicit CommandLine(const Texts &texts);
+
+    void addOptions(const QList<QCommandLineOption> &options);
+
+    /// Takes the arguments after the subcommand's name. The exit code when the run ends with that: help was
+    /// asked for, or an option is unknown.
+    std::optional<int> parse(const QStringList &arguments);
+
+    /// False also for an option that the subcommand does not have.
+    bool isSet(const char *option) const;
+    QString text(const char *option) const { return m_parser.value(QLatin1String(option)); }
+    QStringList texts(const char *option) const { return m_parser.values(QLatin1String(option)); }
+    /// The option's number; one outside the limits is an error and gives \a min.
+    int number(const char *option, int min, int max);
+    /// An option in seconds, "0.5", as milliseconds.
+    int milliseconds(const char *option, int min, int max);
+    /// Which of \a choices the option names; the first, and an error, when none.
+    int choice(const char *option, const QStringList &choices);
+
+    /// What is left when options are taken away.
+    QStringList words() const;
+
+    /// Notes the first thing that is wrong; later ones are dropped.
+    void addError(const QString &text);
+    bool isValid() const { return m_error.isEmpty(); }
+    /// Reports what is wrong; the exit code.
+    int reportUsageError() const;
+
+private:
+    QString helpText() const;
+
+    Texts m_texts;
+    QCommandLineParser m_parser;
+    QStringList m_options;
+    QString m_error;
+};
+
+/// A word with the minus sign that CommandLine::words() puts in front of negative numbers, which would be
+/// taken for options, made an ordinary one.
+QString withPlainMinus(const QString &word);

@@ -1,0 +1,139 @@
+#include "apps/driverhost/console/link_options.h"
+
+#include "apps/driverhost/console/messages.h"
+#include "desk/items/target.h"
+#include "desk/project/device_text.h"
+
+namespace
+{
+
+const int MaxTimeout = 3600 * 1000;
+const int MaxRetries = 1000;
+// The driver counts a pause's nanoseconds in 32 bits.
+const int MaxDelay = 4294;
+
+QCommandLineOption option(const char *name, const char *description, const char *value)
+{
+    return {QLatin1String(name), QLatin1String(description), QLatin1String(value)};
+}
+
+QCommandLineOption optionWithDefault(const char *name, const char *description, const char *value,
+                                     const QString &defaultText)
+{
+    return {QLatin1String(name),
+            QStringLiteral("%1 (default %2).").arg(QLatin1String(description), defaultText),
+            QLatin1String(value), defaultText};
+}
+
+QCommandLineOption optionWithDefault(const char *name, const char *description, const char *value,
+                                     qint64 defaultNumber)
+{
+    return optionWithDefault(name, description, value, QString::number(defaultNumber));
+}
+
+// An address of IPv6 may stand in brackets, as in a target.
+QString hostOf(CommandLine &line)
+{
+    QString host = line.text("host");
+    if (host.startsWith(QLatin1Char('[')) && host.endsWith(QLatin1Char(']')))
+        return host.mid(1, host.size() - 2);
+    if (looksLikeTarget(host) || looksLikeEndpoint(host))
+        line.addError(QStringLiteral("--host \"%1\": expected a name or an address alone; the port goes to "
+                                     "--port, the station to --station")
+                          .arg(host));
+    return host;
+}
+
+Target targetOf(CommandLine &line, QStringList &words)
+{
+    Target target;
+    QStringList others;
+    int targets = 0;
+    for (const QString &word : qAsConst(words)) {
+        if (!looksLikeTarget(word)) {
+            if (!line.isSet("raw") && looksLikeEndpoint(word))
+                line.addError(
+                    QStringLiteral("\"%1\": a target begins with rtutcp://, as rtutcp://%1").arg(word));
+            others += word;
+            continue;
+        }
+        if (++targets > 1)
+            line.addError(QStringLiteral("\"%1\": one target is there already").arg(word));
+        const Result<Target> given = parseTarget(word);
+        if (!given)
+            line.addError(given.errorText());
+        target = given.valueOr(target);
+    }
+    words = others;
+    if (line.isSet("host"))
+        target.host = hostOf(line);
+    if (line.isSet("port"))
+        target.port = static_cast<quint16>(line.number("port", 1, MaxPort));
+    if (line.isSet("station"))
+        target.station = line.number("station", modbus::BroadcastStation, modbus::MaxStationNumber);
+    if (target.host.isEmpty())
+        line.addError(QStringLiteral("--host is empty"));
+    return target;
+}
+
+} // namespace
+
+QCommandLineOption pluginOption()
+{
+    return option("plugin",
+                  "The driver's plug-in file (default: beside this program, or where it is installed).",
+                  "FILE");
+}
+
+QCommandLineOption traceOption()
+{
+    return {QStringLiteral("trace"),
+            QStringLiteral("Show every frame on standard error: time, direction, bytes, meaning.")};
+}
+
+QList<QCommandLineOption> linkOptions()
+{
+    const ChannelSettings channel;
+    return {
+        optionWithDefault("host", "Name or address of the slave or its gateway", "HOST", channel.host),
+        optionWithDefault("port", "TCP port", "PORT", channel.port),
+        optionWithDefault("station", "Station (slave) id, 0 to 255", "ID", channel.station),
+        optionWithDefault("device",
+                          "Device text of the link in the project: ETHERNET, or a port name such as COM1",
+                          "TEXT", channel.device),
+        option("project", "Project database to load (default: one made from the options).", "FILE"),
+        optionWithDefault("timeout", "Milliseconds to wait for each part of a reply", "MS", channel.timeout),
+        optionWithDefault("connect-timeout", "Milliseconds to wait for a connection", "MS",
+                          channel.connectTimeout),
+        optionWithDefault("retries", "Further attempts after a failed one", "N", channel.retries),
+        optionWithDefault("delay", "Milliseconds to pause before every attempt", "MS", channel.delay),
+        pluginOption(),
+        traceOption(),
+    };
+}
+
+TraceSink traceOf(const CommandLine &line)
+{
+    return line.isSet("trace") ? stderrTrace() : TraceSink();
+}
+
+LinkSettings linkSettings(CommandLine &line, QStringList &words)
+{
+    const Target target = targetOf(line, words);
+    LinkSettings settings;
+    settings.channel.host = target.host;
+    settings.channel.port = target.port;
+    settings.channel.station = target.station;
+    settings.channel.device = line.text("device");
+    settings.channel.timeout = line.number("timeout", 1, MaxTimeout);
+    settings.channel.connectTimeout = line.number("connect-timeout", 1, MaxTimeout);
+    settings.channel.retries = line.number("retries", 0, MaxRetries);
+    settings.channel.delay = static_cast<unsigned int>(line.number("delay", 0, MaxDelay));
+    settings.plugin = line.text("plugin");
+    settings.project = line.text("project");
+    settings.trace = traceOf(line);
+    const Result<> device = checkDeviceText(settings.channel.device);
+    if (!device)
+        line.addError(device.errorText());
+    return settings;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "desk/link/session.h"
+
+#include <QStringList>
+
+/// What people are to know goes to standard error, so that standard output holds nothing but values.
+
+/// "driverhost: TEXT".
+void reportError(const QString &text);
+/// The text as it stands.
+void report(const QString &text);
+
+/// The session's failure with \a items: the driver's text as it stands, and what to look at next.
+void reportFailure(Session &session, const Items &items);
+/// Says what to expect of station 0.
+void reportBroadcast(int station);
+/// Says which items are more than one request carries.
+void reportPortions(const std::vector<Items> &all);
+
+/// Writes lines to standard output at once; false when nobody reads it any more.
+bool print(const QStringList &lines);
+
+/// Writes each line of a trace to standard error in one piece; may be called from any thread.
+TraceSink stderrTrace();

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "desk/result.h"
+#include "desk/wire/protocol.h"
+
+/// An address as people write it, "HR100", "2-HR100", "HR7.3" or "FN5DO12", taken apart. "SW" after the area
+/// or at the end marks double words with the high-order word first.
+struct Address {
+    int station = -1; ///< -1 when the text names none
+    QString areaName; ///< in upper case, without "SW"
+    Area area = Area::HoldingRegisters;
+    int number = 0; ///< counts from 1, up to 65536
+    int bit = -1;   ///< bit of a register; -1 when the text names none
+    bool highWordFirst = false;
+
+    bool isBitArea() const { return ::isBitArea(area); }
+    int wireOffset() const { return number - 1; }
+    /// The text without the station: what people see, and what the driver gets.
+    QString text() const;
+};
+
+/// Takes \a text apart; the error says what is wrong and what was expected. The driver itself refuses no
+/// text: what it does not understand it reads as some input register.
+Result<Address> parseAddress(const QString &text);

@@ -1,0 +1,36 @@
+#include "desk/items/portions.h"
+
+#include <algorithm>
+
+namespace
+{
+
+// The driver would ask for 2008 bits; slaves need not answer more than the protocol allows.
+int maxInOneRequest(const Items &items)
+{
+    if (items.address.isBitArea())
+        return isByteKind(items.kind) ? modbus::MaxReadBits / modbus::ByteBits : modbus::MaxReadBits;
+    // Whole registers a portion, so that each begins at the same bit.
+    if (isBitKind(items.kind))
+        return (modbus::MaxReadRegisters - 1) * modbus::RegisterBits;
+    if (isByteKind(items.kind))
+        return modbus::MaxReadRegisters * modbus::RegisterBytes;
+    return items.kind == DoubleWordItem ? modbus::MaxReadRegisters / 2 : modbus::MaxReadRegisters;
+}
+
+} // namespace
+
+std::vector<Items> portionsOf(const Items &items)
+{
+    if (items.isRaw())
+        return {items};
+    std::vector<Items> portions;
+    const int max = maxInOneRequest(items);
+    for (int first = 0; first < items.count; first += max) {
+        Items portion = items;
+        portion.address = items.addressOf(first);
+        portion.count = std::min(max, items.count - first);
+        portions.push_back(portion);
+    }
+    return portions;
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+
+/// What the driver's error texts mean, decided in one place for every program.
+
+enum class FailureKind {
+    CannotConnect,   ///< no connection to the slave
+    SendingBroke,    ///< the connection ended while the request was sent
+    NoReply,         ///< nothing came
+    OtherStation,    ///< another station answered
+    NotUnderstood,   ///< something came that answers no request of this kind
+    Damaged,         ///< the reply's CRC is wrong
+    Cut,             ///< the reply stopped short
+    Exception,       ///< the slave, or a gateway for it, refused
+    NotRequested,    ///< the driver refused, and nothing was sent
+    ProjectDatabase, ///< the project database cannot be used
+    BitNotInProject  ///< the project has no tag on a bit of this station
+};
+
+struct Failure {
+    FailureKind kind = FailureKind::NoReply;
+    /// The code of an exception; 0 when it is none.
+    int exception = 0;
+    /// The driver's text as it stands.
+    QString text;
+    /// What to look at next.
+    QString advice;
+
+    /// A gateway that answers for a station which it does not reach.
+    bool isStationAbsent() const;
+};
+
+/// What it means when a command ended with the driver's \a text. Where the channel could not be opened the
+/// text is the channel's own, and \a hasOpened false.
+Failure failureOf(const QString &text, bool hasOpened = true);

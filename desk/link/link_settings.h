@@ -1,0 +1,12 @@
+#pragma once
+
+#include "desk/link/tcp_channel.h"
+#include "desk/wire/trace.h"
+
+/// How to reach slaves through the driver.
+struct LinkSettings {
+    ChannelSettings channel;
+    QString plugin;  ///< file; empty for the default places
+    QString project; ///< file; empty for one that is made from these settings
+    TraceSink trace; ///< of every frame; empty for none
+};

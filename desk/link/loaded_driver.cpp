@@ -1,0 +1,49 @@
+#include "desk/link/loaded_driver.h"
+
+#include <QLibrary>
+#include <QRandomGenerator>
+
+namespace
+{
+
+// The driver draws its connection's name from the thread's random numbers, which start the same in every
+// process unless the host seeds them.
+void seedRandomNumbers()
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    qsrand(QRandomGenerator::system()->generate());
+#pragma GCC diagnostic pop
+}
+
+} // namespace
+
+LoadedDriver::LoadedDriver(const QString &path) : m_loader(path)
+{
+    seedRandomNumbers();
+    m_driver = qobject_cast<DriverInterface *>(m_loader.instance());
+}
+
+std::unique_ptr<DriverInterface> LoadedDriver::createAnother() const
+{
+    const auto create =
+        reinterpret_cast<DriverInterface *(*)()>(QLibrary::resolve(m_loader.fileName(), "CreateDriver"));
+    return std::unique_ptr<DriverInterface>(create == nullptr ? nullptr : create());
+}
+
+QStringList LoadedDriver::exported(const QStringList &names) const
+{
+    QStringList found;
+    for (const QString &name : names) {
+        if (QLibrary::resolve(m_loader.fileName(), name.toLatin1().constData()) != nullptr)
+            found += name;
+    }
+    return found;
+}
+
+QString LoadedDriver::verificationText() const
+{
+    const auto query = reinterpret_cast<const char *(*)()>(
+        QLibrary::resolve(m_loader.fileName(), "qt_plugin_query_verification_data"));
+    return query == nullptr ? QString() : QString::fromLatin1(query());
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "host/driver_interface.h"
+
+#include <QJsonObject>
+#include <QPluginLoader>
+#include <QStringList>
+
+#include <memory>
+
+/// The driver out of a plug-in file.
+class LoadedDriver
+{
+public:
+    explicit LoadedDriver(const QString &path);
+
+    bool isLoaded() const { return m_driver != nullptr; }
+    QString errorString() const { return m_loader.errorString(); }
+    QString path() const { return m_loader.fileName(); }
+    DriverInterface *operator->() const { return m_driver; }
+
+    /// Another driver object of the same file, with its own error and database state.
+    std::unique_ptr<DriverInterface> createAnother() const;
+
+    QJsonObject metaData() const { return m_loader.metaData(); }
+    /// Which of the names the file exports as functions.
+    QStringList exported(const QStringList &names) const;
+    /// What the loader of a panel compares before it loads the file.
+    QString verificationText() const;
+
+private:
+    QPluginLoader m_loader;
+    DriverInterface *m_driver = nullptr;
+};

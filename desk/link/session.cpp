@@ -1,0 +1,72 @@
+#include "desk/link/session.h"
+
+Session::Session(const QString &plugin, const LinkSettings &settings)
+    : m_station(settings.channel.station),
+      m_channel(settings.channel),
+      m_driver(plugin),
+      m_trace(settings.trace)
+{
+    m_channel.setObserver([this](ChannelEvent event, const QByteArray &bytes) { observe(event, bytes); });
+}
+
+std::optional<QByteArray> Session::read(const Items &items)
+{
+    prepare(items);
+    const QByteArray data = m_driver->read(&m_channel, items.command());
+    finish();
+    if (m_driver->hasError() || data.isEmpty())
+        return std::nullopt;
+    return data;
+}
+
+bool Session::write(const Items &items, const QByteArray &data)
+{
+    prepare(items);
+    const bool isWritten = m_driver->write(&m_channel, items.command(), data);
+    finish();
+    return isWritten;
+}
+
+int Session::stationFor(const Items &items) const
+{
+    return stationOf(items, m_station);
+}
+
+Failure Session::failure()
+{
+    return failureOf(m_driver->getLastError(), m_hasOpened);
+}
+
+void Session::prepare(const Items &items)
+{
+    m_channel.setStation(stationFor(items));
+    m_exchanges.clear();
+    m_hasOpened = true;
+}
+
+void Session::finish()
+{
+    m_trace.flush();
+}
+
+void Session::observe(ChannelEvent event, const QByteArray &bytes)
+{
+    m_hasOpened = event != ChannelEvent::OpenFailed;
+    switch (event) {
+    case ChannelEvent::Opened: m_trace.event(QStringLiteral("connected")); break;
+    case ChannelEvent::OpenFailed: m_trace.event(m_channel.errorString()); break;
+    case ChannelEvent::Closed: m_trace.event(QStringLiteral("closed")); break;
+    case ChannelEvent::Discarded: m_trace.dropped(bytes); break;
+    case ChannelEvent::Sent:
+        m_clock.start();
+        m_exchanges.push_back({bytes, {}});
+        m_trace.sent(bytes);
+        break;
+    case ChannelEvent::Received:
+        if (!m_exchanges.empty())
+            m_exchanges.back().reply += bytes;
+        m_latency = m_clock.nsecsElapsed() / 1000;
+        m_trace.received(bytes);
+        break;
+    }
+}

@@ -1,0 +1,76 @@
+#include "desk/live/watched_value.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace
+{
+
+const size_t CourseLength = 24;
+const double Gap = std::numeric_limits<double>::quiet_NaN();
+
+const std::array<char16_t, 8> UnicodeBars{u'▁', u'▂', u'▃', u'▄', u'▅', u'▆', u'▇', u'█'};
+const std::array<char16_t, 8> PlainBars{u'_', u'.', u',', u'-', u'=', u'+', u'*', u'#'};
+
+} // namespace
+
+void WatchedValue::add(const ValueRow &row, qint64 now)
+{
+    m_hasChanged = m_readAt >= 0 && row.value != m_row.value;
+    m_row = row;
+    m_readAt = now;
+    m_isRead = true;
+    addToCourse(numberOf(row.value, row.kind, row.form).toDouble(Gap));
+}
+
+void WatchedValue::addGap()
+{
+    m_isRead = false;
+    addToCourse(Gap);
+}
+
+void WatchedValue::addToCourse(double number)
+{
+    m_course.push_back(number);
+    if (m_course.size() > CourseLength)
+        m_course.pop_front();
+}
+
+QString WatchedValue::text(qint64 now) const
+{
+    return isLive(now) ? valueText(m_row) : QStringLiteral("?");
+}
+
+QString WatchedValue::note(qint64 now) const
+{
+    if (isLive(now) || m_readAt < 0)
+        return {};
+    return QStringLiteral("was %1 %2 s ago")
+        .arg(valueText(m_row), QString::number(static_cast<double>(now - m_readAt) / 1000, 'f', 1));
+}
+
+QString WatchedValue::sparkline(bool isUnicode) const
+{
+    const std::array<char16_t, 8> &bars = isUnicode ? UnicodeBars : PlainBars;
+    double lowest = std::numeric_limits<double>::infinity();
+    double highest = -lowest;
+    for (const double number : m_course) {
+        if (!std::isfinite(number))
+            continue;
+        lowest = std::min(lowest, number);
+        highest = std::max(highest, number);
+    }
+    QString line;
+    for (const double number : m_course) {
+        if (!std::isfinite(number)) {
+            line += QLatin1Char(' ');
+            continue;
+        }
+        const double height = highest > lowest ? (number - lowest) / (highest - lowest) : 0;
+        line +=
+            QChar(bars.at(static_cast<size_t>(std::lround(height * static_cast<double>(bars.size() - 1)))));
+    }
+    return line;
+}

@@ -1,0 +1,142 @@
+#include "desk/project/project_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QUuid>
+#include <QVariant>
+
+#include <functional>
+
+namespace
+{
+
+const char *const Tables[] = {
+    "CREATE TABLE LINK (LINKID INTEGER PRIMARY KEY, HMIPORT INTEGER NOT NULL)",
+    "CREATE TABLE NODE (LINKID INTEGER, STATIONID INTEGER, ISDEFAULT INTEGER, IP TEXT, PORT INTEGER)",
+    "CREATE TABLE custom_tag_table (address TEXT NOT NULL, connector_id INTEGER NOT NULL)",
+};
+
+// A connection to a database file for as long as this lives.
+class Database
+{
+public:
+    Database(const QString &path, const QString &options) : m_name(QUuid::createUuid().toString())
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        database.setDatabaseName(path);
+        database.setConnectOptions(options);
+        if (!database.open())
+            m_problem = database.lastError().text();
+    }
+    ~Database()
+    {
+        QSqlDatabase::database(m_name, false).close();
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    Database(const Database &) = delete;
+    Database &operator=(const Database &) = delete;
+
+    // Runs one statement; after the first failure nothing more.
+    void run(const QString &statement, const QVariantList &values = {})
+    {
+        select(statement, values, [](const QSqlQuery &) {});
+    }
+    void select(const QString &statement, const QVariantList &values,
+                const std::function<void(const QSqlQuery &)> &takeRow)
+    {
+        if (!m_problem.isEmpty())
+            return;
+        QSqlQuery query(QSqlDatabase::database(m_name, false));
+        query.setForwardOnly(true);
+        bool isGood = query.prepare(statement);
+        for (const QVariant &value : values)
+            query.addBindValue(value);
+        isGood = isGood && query.exec();
+        while (isGood && query.next())
+            takeRow(query);
+        if (query.lastError().isValid())
+            m_problem = query.lastError().text();
+    }
+    const QString &problem() const { return m_problem; }
+
+private:
+    QString m_name;
+    QString m_problem;
+};
+
+void insertProject(Database &database, const Project &project)
+{
+    for (const char *table : Tables)
+        database.run(QLatin1String(table));
+    database.run(QStringLiteral("BEGIN"));
+    for (const Project::Link &link : project.links)
+        database.run(QStringLiteral("INSERT INTO LINK VALUES (?, ?)"), {link.id, link.hmiPort});
+    for (const Project::Node &node : project.nodes)
+        database.run(QStringLiteral("INSERT INTO NODE VALUES (?, ?, ?, ?, ?)"),
+                     {node.link, node.station, node.isDefault ? 1 : 0, node.host, node.port});
+    for (const Project::Tag &tag : project.tags)
+        database.run(QStringLiteral("INSERT INTO custom_tag_table VALUES (?, ?)"), {tag.address, tag.link});
+    database.run(QStringLiteral("COMMIT"));
+}
+
+// Where a node is, if the table tells: panels of one node a link leave these columns out, and the driver does
+// not ask for them.
+QString endpointColumns(Database &database)
+{
+    QStringList columns;
+    database.select(QStringLiteral("PRAGMA table_info(NODE)"), {},
+                    [&](const QSqlQuery &row) { columns += row.value(1).toString().toUpper(); });
+    QStringList expressions;
+    for (const QString &name : {QStringLiteral("IP"), QStringLiteral("PORT")})
+        expressions += columns.contains(name) ? name : QStringLiteral("NULL");
+    return expressions.join(QStringLiteral(", "));
+}
+
+} // namespace
+
+Result<> writeProjectFile(const QString &path, const Project &project)
+{
+    const QString unfinished =
+        path + QUuid::createUuid().toString(QUuid::WithoutBraces).prepend(QLatin1Char('.'));
+    QString problem;
+    {
+        Database database(unfinished, QString());
+        insertProject(database, project);
+        problem = database.problem();
+    }
+    // rename() replaces in one step, which QFile::rename() does not.
+    if (problem.isEmpty() &&
+        std::rename(QFile::encodeName(unfinished).constData(), QFile::encodeName(path).constData()) == 0)
+        return {};
+    if (problem.isEmpty())
+        problem = qt_error_string();
+    QFile::remove(unfinished);
+    return Error{QStringLiteral("cannot write the project database %1: %2").arg(path, problem)};
+}
+
+Result<Project> readProjectFile(const QString &path)
+{
+    if (!QFileInfo(path).isFile())
+        return Error{QStringLiteral("%1: there is no such file").arg(path)};
+    Project project;
+    Database database(path, QStringLiteral("QSQLITE_OPEN_READONLY"));
+    database.select(QStringLiteral("SELECT LINKID, HMIPORT FROM LINK"), {}, [&](const QSqlQuery &row) {
+        project.links.append({row.value(0).toInt(), row.value(1).toInt()});
+    });
+    database.select(
+        QStringLiteral("SELECT LINKID, STATIONID, ISDEFAULT, %1 FROM NODE").arg(endpointColumns(database)),
+        {}, [&](const QSqlQuery &row) {
+            project.nodes.append({row.value(0).toInt(), row.value(1).toInt(), row.value(2).toInt() == 1,
+                                  row.value(3).toString(), static_cast<quint16>(row.value(4).toUInt())});
+        });
+    database.select(QStringLiteral("SELECT connector_id, address FROM custom_tag_table"), {},
+                    [&](const QSqlQuery &row) {
+                        project.tags.append({row.value(0).toInt(), row.value(1).toString()});
+                    });
+    if (database.problem().isEmpty())
+        return project;
+    return Error{QStringLiteral("%1: %2").arg(path, database.problem())};
+}

@@ -1,0 +1,35 @@
+#include "desk/startup/link_project.h"
+
+#include "desk/project/project_file.h"
+#include "drivers/tools/project_lookup.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+namespace
+{
+
+Project projectOf(const ChannelSettings &channel, const QStringList &tags)
+{
+    const int link = 1;
+    Project project;
+    project.links = {{link, DevStrToHmiPort(channel.device)}};
+    project.nodes = {{link, channel.station, true, channel.host, channel.port}};
+    for (const QString &tag : tags)
+        project.tags.append({link, tag});
+    return project;
+}
+
+} // namespace
+
+Result<> makeLinkProject(const LinkSettings &settings, const QStringList &tags, const QString &path)
+{
+    if (settings.project.isEmpty())
+        return writeProjectFile(path, projectOf(settings.channel, tags));
+    QFile file(settings.project);
+    if (QFileInfo(settings.project).isFile() && file.copy(path))
+        return {};
+    return Error{QStringLiteral("cannot read the project database %1: %2")
+                     .arg(settings.project,
+                          file.exists() ? file.errorString() : QStringLiteral("there is no such file"))};
+}

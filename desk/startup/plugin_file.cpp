@@ -1,0 +1,32 @@
+#include "desk/startup/plugin_file.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+namespace
+{
+
+QStringList defaultPlaces()
+{
+    const QDir program(QCoreApplication::applicationDirPath());
+    const QString name = QStringLiteral(PLUGIN_FILE);
+    QStringList places;
+    for (const char *folder : {".", "../../runtime", "../runtime", INSTALLED_PLUGIN_FOLDER})
+        places += QDir::cleanPath(program.absoluteFilePath(QLatin1String(folder) + QLatin1Char('/') + name));
+    return places;
+}
+
+} // namespace
+
+Result<QString> findPlugin(const QString &given)
+{
+    const QStringList places = given.isEmpty() ? defaultPlaces() : QStringList{given};
+    for (const QString &place : places) {
+        const QFileInfo file(place);
+        if (file.isFile())
+            return file.canonicalFilePath();
+    }
+    return Error{QStringLiteral("no plug-in; looked for %1").arg(places.join(QStringLiteral(", ")))};
+}

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "desk/result.h"
+
+/// The absolute path of the plug-in: \a given when it is not empty, otherwise the first that exists beside
+/// this program, in the build tree, or where it is installed. The error says where it was looked for.
+Result<QString> findPlugin(const QString &given);

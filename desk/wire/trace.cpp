@@ -1,0 +1,102 @@
+#include "desk/wire/trace.h"
+
+#include "desk/wire/frame_text.h"
+#include "desk/wire/rtu_frame.h"
+
+#include <utility>
+
+namespace
+{
+
+char mark(FrameDirection direction)
+{
+    switch (direction) {
+    case FrameDirection::Sent: return '>';
+    case FrameDirection::Received: return '<';
+    case FrameDirection::Dropped: break;
+    }
+    return '!';
+}
+
+QString clock(const QDateTime &time)
+{
+    return time.toString(QStringLiteral("HH:mm:ss.zzz"));
+}
+
+// Whether nothing more is to come: the reply is as long as the request lets it be, or is no answer to it.
+bool isWholeReply(const QByteArray &reply, const QByteArray &request)
+{
+    if (reply.size() < modbus::ExceptionReplySize)
+        return false;
+    return functionOf(reply) != functionOf(request) || reply.size() >= replySizeFor(request);
+}
+
+} // namespace
+
+QString traceLine(const QDateTime &time, FrameDirection direction, const QByteArray &bytes,
+                  const QString &meaning)
+{
+    return QStringLiteral("%1 %2 %3  %4")
+        .arg(clock(time), QChar::fromLatin1(mark(direction)), QString::fromLatin1(bytes.toHex(' ').toUpper()),
+             meaning);
+}
+
+QString traceEvent(const QDateTime &time, const QString &text)
+{
+    return QStringLiteral("%1 - %2").arg(clock(time), text);
+}
+
+MasterTrace::MasterTrace(TraceSink sink) : m_sink(std::move(sink)) {}
+
+MasterTrace::~MasterTrace()
+{
+    flush();
+}
+
+void MasterTrace::sent(const QByteArray &bytes)
+{
+    if (!m_sink)
+        return;
+    flush();
+    m_request = bytes;
+    write(FrameDirection::Sent, bytes, describeFrame(FrameRole::Request, bytes));
+}
+
+void MasterTrace::received(const QByteArray &bytes)
+{
+    if (!m_sink)
+        return;
+    m_reply += bytes;
+    if (isWholeReply(m_reply, m_request))
+        flush();
+}
+
+void MasterTrace::dropped(const QByteArray &bytes)
+{
+    if (!m_sink || bytes.isEmpty())
+        return;
+    flush();
+    write(FrameDirection::Dropped, bytes,
+          QStringLiteral("not asked for: ") + describeFrame(FrameRole::Reply, bytes));
+}
+
+void MasterTrace::event(const QString &text)
+{
+    if (!m_sink)
+        return;
+    flush();
+    m_sink(traceEvent(QDateTime::currentDateTime(), text));
+}
+
+void MasterTrace::flush()
+{
+    if (!m_sink || m_reply.isEmpty())
+        return;
+    const QByteArray bytes = std::exchange(m_reply, QByteArray());
+    write(FrameDirection::Received, bytes, describeFrame(FrameRole::Reply, bytes, m_request));
+}
+
+void MasterTrace::write(FrameDirection direction, const QByteArray &bytes, const QString &meaning)
+{
+    m_sink(traceLine(QDateTime::currentDateTime(), direction, bytes, meaning));
+}

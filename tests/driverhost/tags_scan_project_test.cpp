@@ -1,0 +1,259 @@
+#include "tests/driverhost/support/slave_test.h"
+
+#include "desk/plan/tag_plan.h"
+#include "desk/project/project_list.h"
+#include "desk/project/project_why.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+namespace
+{
+
+SlaveOptions withHoles()
+{
+    SlaveOptions options;
+    options.stations = {1, 5};
+    options.memory.addHole({0, Area::HoldingRegisters, 10, 19});
+    options.memory.addHole({0, Area::HoldingRegisters, 49, 49});
+    options.memory.addHole({0, Area::Coils, 2, 2});
+    return options;
+}
+
+QString problemWith(const char *list)
+{
+    return parseProjectList(QLatin1String(list)).errorText();
+}
+
+} // namespace
+
+class TagsScanProjectTest : public SlaveTest
+{
+protected:
+    TagsScanProjectTest() : SlaveTest(withHoles()) {}
+
+    QString file(const char *name) const { return folder.filePath(QLatin1String(name)); }
+    void write(const QString &path, const QString &text)
+    {
+        QFile target(path);
+        ASSERT_TRUE(target.open(QIODevice::WriteOnly));
+        target.write(text.toUtf8());
+    }
+    // A project of this slave with the tags, one a line.
+    QString makeProject(const QString &tags)
+    {
+        const QString list =
+            QStringLiteral("link 1 ETHERNET\nnode 1 1 default 127.0.0.1:%1\n%2").arg(slave.port()).arg(tags);
+        write(file("list"), list);
+        EXPECT_EQ(host(QStringLiteral("project --make %1 %2").arg(file("list"), file("project"))).code, 0);
+        return file("project");
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(TagsScanProjectTest, TagsReadsTheWholeLinkByRunsAndRanges)
+{
+    setHoldingRegister(0, 11);
+    setHoldingRegister(1, 22);
+    setHoldingRegister(3, 0x0008);
+    setHoldingRegister(29, 1);
+    slave.setValue(1, Area::Coils, 3, 1);
+    slave.setValue(5, Area::DiscreteInputs, 8, 1);
+    slave.setValue(1, Area::DiscreteInputs, 65535, 1);
+    const QString project =
+        makeProject(QStringLiteral("tag 1 HR1\ntag 1 HR2\ntag 1 HR4.3\ntag 1 HRSW30\ntag 1 DO1\ntag 1 "
+                                   "DO2\ntag 1 FN5DO4\ntag 1 5-DI9\ntag 1 DI65536\n"));
+    const HostRun run = host(QStringLiteral("tags --format csv --project ") + project);
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    for (const char *line :
+         {"1,HR1,0,word,11", "1,HR2,1,word,22", "1,HR4.3,3,bit,1", "1,HRSW30,29,dword,65536", "1,DO1,0,bit,0",
+          "1,DO2,1,bit,0", "1,FN5DO4,3,bit,1", "5,5-DI9,8,bit,1", "1,DI65536,65535,bit,1"})
+        EXPECT_TRUE(run.out.split(QLatin1Char('\n')).contains(QLatin1String(line))) << line << '\n'
+                                                                                    << run.out.toStdString();
+    // HR1..2, HR4, HR30..31; DO1..2 and DO4 around the hole; one discrete input each of two stations.
+    EXPECT_EQ(slave.counts().requests, 7u);
+}
+
+TEST_F(TagsScanProjectTest, TagsReadsOneByOneWhatTheSlaveRefusesTogether)
+{
+    setHoldingRegister(9, 5);
+    const QString project = makeProject(QStringLiteral("tag 1 HR10\ntag 1 HR11\n"));
+    const HostRun run = host(QStringLiteral("tags --retries 0 --format csv --project ") + project);
+    EXPECT_EQ(run.code, 5);
+    EXPECT_TRUE(run.out.contains(QLatin1String("1,HR10,9,word,5\n")));
+    EXPECT_TRUE(run.err.contains(QLatin1String("HR11: exception code:0x02"))) << run.err.toStdString();
+    const HostRun watch =
+        host(QStringLiteral("tags --retries 0 --watch --count 1 --interval 0 --project ") + project);
+    EXPECT_TRUE(watch.out.contains(QLatin1String("HR10  5"))) << watch.out.toStdString();
+}
+
+TEST_F(TagsScanProjectTest, TagsNeedsAProjectWithTheLink)
+{
+    EXPECT_EQ(host(QStringLiteral("tags")).code, 2);
+    EXPECT_EQ(host(QStringLiteral("tags --project ") + file("none")).code, 6);
+    const QString project = makeProject(QStringLiteral("tag 1 HR1\n"));
+    EXPECT_EQ(host(QStringLiteral("tags --device COM1 --project ") + project).code, 6);
+    EXPECT_EQ(slave.counts().connections, 0u);
+}
+
+TEST_F(TagsScanProjectTest, ScanFindsStations)
+{
+    const HostRun run = host(QStringLiteral("scan TARGET stations --from 1 --to 6 --timeout 50 --delay 0"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.out, QStringLiteral("1  answers\n5  answers\n"));
+    // An exception is an answer as well.
+    EXPECT_EQ(host(QStringLiteral("scan TARGET stations --to 1 --probe HR11 --delay 0")).out.left(20),
+              QStringLiteral("1  exception code:0x"));
+}
+
+TEST_F(TagsScanProjectTest, ScanFindsTheRangesOfAnArea)
+{
+    const HostRun run = host(QStringLiteral("scan TARGET HR --to 200 --delay 0"));
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(run.out, QStringLiteral("HR1..10\nHR21..49\nHR51..200\n"));
+    EXPECT_EQ(host(QStringLiteral("scan TARGET DO --to 9 --delay 0")).out,
+              QStringLiteral("DO1..2\nDO4..9\n"));
+    EXPECT_EQ(host(QStringLiteral("scan TARGET IR --from 65530 --to 65536 --delay 0")).out,
+              QStringLiteral("IR65530..65536\n"));
+    EXPECT_EQ(host(QStringLiteral("scan TARGET HR --from 11 --to 20 --delay 0")).out, QString());
+    EXPECT_EQ(host(QStringLiteral("scan TARGET XX")).code, 2);
+    EXPECT_EQ(host(QStringLiteral("scan TARGET HR --from 9 --to 8")).code, 2);
+}
+
+TEST_F(TagsScanProjectTest, ScanStoppedShowsWhatItFound)
+{
+    QProcess process;
+    process.start(hostProgram(),
+                  {QStringLiteral("scan"), target(), QStringLiteral("HR"), QStringLiteral("--to"),
+                   QStringLiteral("65536"), QStringLiteral("--delay"), QStringLiteral("20")});
+    ASSERT_TRUE(waitUntil([&] { return slave.counts().requests > 100; }));
+    ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), SIGINT), 0);
+    ASSERT_TRUE(process.waitForFinished());
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 130);
+    EXPECT_TRUE(process.readAllStandardOutput().startsWith("HR1..10\nHR21..49\nHR51.."));
+}
+
+TEST_F(TagsScanProjectTest, ScanEndsWhenNobodyIsThere)
+{
+    slave.stop();
+    const HostRun run = host(QStringLiteral("scan TARGET stations"));
+    EXPECT_EQ(run.code, 3);
+    EXPECT_EQ(run.err.count(QLatin1String("cannot connect")), 1);
+}
+
+TEST_F(TagsScanProjectTest, ProjectMakesAndPrintsTheSame)
+{
+    const QString list =
+        QStringLiteral("link 1 ETHERNET\nlink 2 COM3\nnode 1 1 default 10.0.0.5:502\nnode 1 7\n"
+                       "node 2 3 default\ntag 1 HR1\ntag 2 2-DO5\n");
+    write(file("list"), list);
+    EXPECT_EQ(host(QStringLiteral("project --make %1 %2").arg(file("list"), file("db"))).code, 0);
+    EXPECT_EQ(host(QStringLiteral("project ") + file("db")).out, list);
+    // A spreadsheet saves the same with commas.
+    write(file("list.csv"),
+          QStringLiteral("# plant\r\n") + QString(list).replace(QLatin1Char(' '), QLatin1Char(',')));
+    EXPECT_EQ(host(QStringLiteral("project --make %1 %2").arg(file("list.csv"), file("db2"))).code, 0);
+    EXPECT_EQ(host(QStringLiteral("project ") + file("db2")).out, list);
+}
+
+TEST_F(TagsScanProjectTest, ProjectRefusesABadListAndLeavesTheOldFile)
+{
+    const QString project = makeProject(QStringLiteral("tag 1 HR1\n"));
+    write(file("bad"), QStringLiteral("link 1 ETHERNET\nnode 1 1 default\n\ntag 1 HR0\n"));
+    const HostRun run = host(QStringLiteral("project --make %1 %2").arg(file("bad"), project));
+    EXPECT_EQ(run.code, 2);
+    EXPECT_TRUE(run.err.contains(QLatin1String("line 4: address \"HR0\""))) << run.err.toStdString();
+    EXPECT_TRUE(host(QStringLiteral("project ") + project).out.contains(QLatin1String("tag 1 HR1")));
+    EXPECT_EQ(host(QStringLiteral("project --make %1 %2").arg(file("bad"), file("new"))).code, 2);
+    EXPECT_FALSE(QFile::exists(file("new")));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).filter(QStringLiteral("new")).size(), 0);
+}
+
+TEST(ProjectList, SaysWhatIsWrongAndWhere)
+{
+    EXPECT_EQ(problemWith("link 1 ETHERNET\nnode 1 1 default\n"), QString());
+    EXPECT_TRUE(problemWith("").contains(QLatin1String("no link")));
+    EXPECT_TRUE(problemWith("link 1 ETHERNET\n").contains(QLatin1String("no default node")));
+    EXPECT_TRUE(problemWith("lnk 1 ETHERNET\n").startsWith(QLatin1String("line 1: \"lnk\"")));
+    EXPECT_TRUE(problemWith("link 1 COM\n").startsWith(QLatin1String("line 1: device")));
+    EXPECT_TRUE(problemWith("link x COM1\n").startsWith(QLatin1String("line 1: link")));
+    EXPECT_TRUE(
+        problemWith("link 1 COM1\nlink 1 COM2\n").contains(QLatin1String("line 2: there is a link 1")));
+    EXPECT_TRUE(problemWith("link 1 COM1\nlink 2 com1\n").contains(QLatin1String("line 2: link 1 is on")));
+    EXPECT_TRUE(problemWith("node 1 1 default\n").contains(QLatin1String("no link 1 above")));
+    EXPECT_TRUE(problemWith("link 1 COM1\nnode 1 256 default\n").contains(QLatin1String("0 to 255")));
+    EXPECT_TRUE(problemWith("link 1 COM1\nnode 1 1 defualt\n").contains(QLatin1String("line 2")));
+    EXPECT_TRUE(
+        problemWith("link 1 COM1\nnode 1 1 default\nnode 1 2 default\n").contains(QLatin1String("line 3")));
+    EXPECT_TRUE(
+        problemWith("link 1 COM1\nnode 1 1 default\ntag 2 HR1\n").contains(QLatin1String("no link 2")));
+    EXPECT_TRUE(
+        problemWith("link 1 COM1\nnode 1 1 default\ntag 1\n").contains(QLatin1String("tag LINK ADDRESS")));
+}
+
+TEST_F(TagsScanProjectTest, WhyAgreesWithTheDriver)
+{
+    makeProject(QStringLiteral("tag 1 HR1\n"));
+    write(file("text"), QStringLiteral("no database at all"));
+    write(file("empty"), QString());
+    struct Case {
+        const char *file;
+        const char *device;
+        const char *driverText; // of the first attempt; empty when it loads
+    };
+    for (const Case &c :
+         {Case{"project", "ETHERNET", ""}, Case{"project", "COM1", "failed to get default station id"},
+          Case{"text", "ETHERNET", "can not open database"},
+          Case{"empty", "ETHERNET", "failed to get default station id"}}) {
+        const HostRun why =
+            host(QStringLiteral("project --why %1 %2").arg(QLatin1String(c.device), file(c.file)));
+        const HostRun read = host(QStringLiteral("read TARGET HR1 --project %1 --device %2")
+                                      .arg(file(c.file), QLatin1String(c.device)));
+        const bool isLoaded = c.driverText[0] == '\0';
+        EXPECT_EQ(why.code, isLoaded ? 0 : 6) << c.file;
+        EXPECT_EQ(read.code, why.code) << c.file;
+        EXPECT_TRUE(why.out.contains(QLatin1String(c.driverText))) << why.out.toStdString();
+        EXPECT_TRUE(read.err.contains(QLatin1String(c.driverText))) << read.err.toStdString();
+    }
+}
+
+TEST_F(TagsScanProjectTest, WhyFollowsTheFoldersOfAProgram)
+{
+    makeProject(QStringLiteral("tag 1 HR1\n"));
+    const QDir program(folder.path());
+    EXPECT_FALSE(explainLoad(folder.path(), QStringLiteral("ETHERNET")).isLoaded);
+    ASSERT_TRUE(program.mkpath(QStringLiteral("compile/database")));
+    ASSERT_TRUE(QFile::copy(file("project"), file("compile/database/database")));
+    const LoadReport report = explainLoad(folder.path(), QStringLiteral("ETHERNET"));
+    EXPECT_TRUE(report.isLoaded);
+    const QString text = report.steps.join(QLatin1Char('\n'));
+    EXPECT_TRUE(text.contains(QLatin1String("HMI port 2000")));
+    EXPECT_TRUE(text.contains(program.absoluteFilePath(QStringLiteral("compile/database/database"))));
+    EXPECT_TRUE(text.contains(QLatin1String("table LINK: 1 rows, 1 of them with HMIPORT = 2000")))
+        << text.toStdString();
+}
+
+TEST(TagPlan, KeepsRangesToWhatOneRequestCarries)
+{
+    QStringList tags;
+    for (int number = 1; number <= 300; ++number)
+        tags += QStringLiteral("HR%1").arg(number);
+    const TagPlan words = planTags(tags, WordItem, ValueForm::Unsigned);
+    ASSERT_EQ(words.readings.size(), 3u);
+    EXPECT_EQ(words.readings[0].items.count, 125);
+    EXPECT_EQ(words.readings[2].shown.back().address, QStringLiteral("HR300"));
+    EXPECT_EQ(planTags(tags, DoubleWordItem, ValueForm::Unsigned).readings.size(), 300u);
+
+    const TagPlan bits = planTags({"DO1", "DO2000", "DO2001"}, WordItem, ValueForm::Unsigned);
+    ASSERT_EQ(bits.readings.size(), 2u);
+    EXPECT_EQ(bits.readings[0].items.count, 250);
+    const TagPlan last = planTags({"DO65530", "DO65536"}, WordItem, ValueForm::Unsigned);
+    ASSERT_EQ(last.readings.size(), 1u);
+    EXPECT_TRUE(checkItems(last.readings[0].items));
+    EXPECT_EQ(planTags({"nonsense", "HR1"}, WordItem, ValueForm::Unsigned).skipped.size(), 1);
+}
