@@ -1,18 +1,23 @@
 #include "desk/link/session.h"
 
 Session::Session(const QString &plugin, const LinkSettings &settings)
+    : Session(plugin, settings, std::make_unique<TcpChannel>(settings.channel))
+{
+}
+
+Session::Session(const QString &plugin, const LinkSettings &settings, std::unique_ptr<LineChannel> channel)
     : m_station(settings.channel.station),
-      m_channel(settings.channel),
+      m_channel(std::move(channel)),
       m_driver(plugin),
       m_trace(settings.trace)
 {
-    m_channel.setObserver([this](ChannelEvent event, const QByteArray &bytes) { observe(event, bytes); });
+    m_channel->setObserver([this](ChannelEvent event, const QByteArray &bytes) { observe(event, bytes); });
 }
 
 std::optional<QByteArray> Session::read(const Items &items)
 {
     prepare(items);
-    const QByteArray data = m_driver->read(&m_channel, items.command());
+    const QByteArray data = m_driver->read(m_channel.get(), items.command());
     finish();
     if (m_driver->hasError() || data.isEmpty())
         return std::nullopt;
@@ -22,7 +27,7 @@ std::optional<QByteArray> Session::read(const Items &items)
 bool Session::write(const Items &items, const QByteArray &data)
 {
     prepare(items);
-    const bool isWritten = m_driver->write(&m_channel, items.command(), data);
+    const bool isWritten = m_driver->write(m_channel.get(), items.command(), data);
     finish();
     return isWritten;
 }
@@ -39,7 +44,7 @@ Failure Session::failure()
 
 void Session::prepare(const Items &items)
 {
-    m_channel.setStation(stationFor(items));
+    m_channel->setStation(stationFor(items));
     m_exchanges.clear();
     m_hasOpened = true;
 }
@@ -54,18 +59,20 @@ void Session::observe(ChannelEvent event, const QByteArray &bytes)
     m_hasOpened = event != ChannelEvent::OpenFailed;
     switch (event) {
     case ChannelEvent::Opened: m_trace.event(QStringLiteral("connected")); break;
-    case ChannelEvent::OpenFailed: m_trace.event(m_channel.errorString()); break;
+    case ChannelEvent::OpenFailed: m_trace.event(m_channel->errorString()); break;
+    case ChannelEvent::ClosedByOther:
+    case ChannelEvent::ResetByOther: break;
     case ChannelEvent::Closed: m_trace.event(QStringLiteral("closed")); break;
     case ChannelEvent::Discarded: m_trace.dropped(bytes); break;
     case ChannelEvent::Sent:
-        m_clock.start();
+        m_sentAt = m_channel->now();
         m_exchanges.push_back({bytes, {}});
         m_trace.sent(bytes);
         break;
     case ChannelEvent::Received:
         if (!m_exchanges.empty())
             m_exchanges.back().reply += bytes;
-        m_latency = m_clock.nsecsElapsed() / 1000;
+        m_latency = m_channel->now() - m_sentAt;
         m_trace.received(bytes);
         break;
     }

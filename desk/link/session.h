@@ -6,14 +6,16 @@
 #include "desk/link/link_settings.h"
 #include "desk/link/loaded_driver.h"
 
-#include <QElapsedTimer>
+#include <memory>
 
 /// A loaded driver and the channel that it is given: everything that a host does for one link.
 class Session
 {
 public:
-    /// Starts without a connection; the driver opens it. \a plugin is the driver's file.
+    /// Starts without a connection; the driver opens it, over TCP. \a plugin is the driver's file.
     Session(const QString &plugin, const LinkSettings &settings);
+    /// The same over a channel of the caller's.
+    Session(const QString &plugin, const LinkSettings &settings, std::unique_ptr<LineChannel> channel);
 
     bool isReady() const { return m_driver.isLoaded(); }
     /// Why the plug-in could not be loaded.
@@ -31,7 +33,7 @@ public:
     const std::vector<Exchange> &exchanges() const { return m_exchanges; }
     qint64 latencyMicroseconds() const { return m_latency; }
 
-    TcpChannel &channel() { return m_channel; }
+    LineChannel &channel() { return *m_channel; }
     LoadedDriver &driver() { return m_driver; }
 
 private:
@@ -40,10 +42,10 @@ private:
     void observe(ChannelEvent event, const QByteArray &bytes);
 
     int m_station;
-    TcpChannel m_channel;
+    std::unique_ptr<LineChannel> m_channel;
     LoadedDriver m_driver;
     MasterTrace m_trace;
-    QElapsedTimer m_clock;
+    qint64 m_sentAt = 0;
     qint64 m_latency = 0;
     std::vector<Exchange> m_exchanges;
     bool m_hasOpened = true;

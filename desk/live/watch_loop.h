@@ -4,6 +4,8 @@
 #include "desk/link/session.h"
 #include "desk/live/statistics.h"
 
+#include <QElapsedTimer>
+
 /// Reading the same values again and again.
 struct WatchSettings {
     int interval = 1000; ///< milliseconds from the beginning of a round to the next

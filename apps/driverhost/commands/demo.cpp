@@ -189,7 +189,7 @@ int demonstrate(Session &session)
         reportError(slave.errorString());
         return OtherFailure;
     }
-    session.channel().setPort(slave.port());
+    session.channel().deviceSetting()->setPort(slave.port(), -1);
     report(QStringLiteral("Plug-in %1, slave on 127.0.0.1:%2")
                .arg(session.driver().path(), QString::number(slave.port())));
     return Demonstration(session, slave).run();
