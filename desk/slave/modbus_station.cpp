@@ -31,7 +31,10 @@ QModbusDataUnitMap wholeMap()
 } // namespace
 
 ModbusStation::ModbusStation(int station, const SlaveOptions &options, QObject *parent)
-    : QModbusServer(parent), m_memory(options.memory), m_limits(options.limits), m_functions(options.functions)
+    : QModbusServer(parent),
+      m_memory(options.memory),
+      m_limits(options.limits),
+      m_functions(options.functions)
 {
     setMap(wholeMap());
     setServerAddress(station);

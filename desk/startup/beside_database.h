@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desk/startup/child_process.h"
 #include "desk/link/link_settings.h"
+#include "desk/startup/child_process.h"
 #include "desk/startup/run_directory.h"
 
 #include <QStringList>

@@ -4,8 +4,8 @@
 #include "apps/driverhost/console/link_options.h"
 #include "apps/driverhost/console/messages.h"
 #include "desk/items/item_data.h"
-#include "desk/output/table.h"
 #include "desk/items/value_form.h"
+#include "desk/output/table.h"
 #include "desk/project/needed_tags.h"
 #include "desk/slave/slave_thread.h"
 

@@ -2,9 +2,9 @@
 
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "desk/output/output_form.h"
 #include "desk/items/readings.h"
 #include "desk/link/session.h"
+#include "desk/output/output_form.h"
 
 namespace
 {

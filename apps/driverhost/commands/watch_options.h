@@ -1,8 +1,8 @@
 #pragma once
 
 #include "apps/driverhost/console/command_line.h"
-#include "desk/output/output_form.h"
 #include "desk/live/watch_loop.h"
+#include "desk/output/output_form.h"
 
 /// What the subcommands have in common that read the same values again and again: `watch`, `tags --watch`.
 struct WatchRun {

@@ -2,8 +2,8 @@
 
 #include "apps/driverhost/console/messages.h"
 #include "apps/driverhost/console/terminal.h"
-#include "desk/output/table.h"
 #include "desk/live/watched_value.h"
+#include "desk/output/table.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
