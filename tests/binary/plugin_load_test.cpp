@@ -1,7 +1,7 @@
 #include "host/driver_interface.h"
-#include "support/frames.h"
-#include "support/project_database.h"
-#include "support/scripted_channel.h"
+#include "tests/support/frames.h"
+#include "tests/support/project_database.h"
+#include "tests/support/scripted_channel.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "support/driver_test.h"
+#include "tests/support/driver_test.h"
 
 CommunicatorCommand makeCommand(int dataType, const QString &address, int count)
 {

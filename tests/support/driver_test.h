@@ -1,10 +1,10 @@
 #pragma once
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/frames.h"
-#include "support/project_database.h"
-#include "support/scripted_channel.h"
-#include "support/sleep_recorder.h"
+#include "tests/support/frames.h"
+#include "tests/support/project_database.h"
+#include "tests/support/scripted_channel.h"
+#include "tests/support/sleep_recorder.h"
 
 #include <gtest/gtest.h>
 

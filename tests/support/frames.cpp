@@ -1,4 +1,4 @@
-#include "support/frames.h"
+#include "tests/support/frames.h"
 
 #include <ostream>
 

@@ -1,6 +1,6 @@
-#include "support/model_slave.h"
+#include "tests/support/model_slave.h"
 
-#include "support/frames.h"
+#include "tests/support/frames.h"
 
 namespace
 {

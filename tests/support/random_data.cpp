@@ -1,4 +1,4 @@
-#include "support/random_data.h"
+#include "tests/support/random_data.h"
 
 namespace
 {

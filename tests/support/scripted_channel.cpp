@@ -1,6 +1,6 @@
-#include "support/scripted_channel.h"
+#include "tests/support/scripted_channel.h"
 
-#include "support/frames.h"
+#include "tests/support/frames.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
-#include "support/transactions.h"
+#include "tests/support/transactions.h"
 
-#include "support/model_slave.h"
+#include "tests/support/model_slave.h"
 
 namespace
 {

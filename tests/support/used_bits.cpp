@@ -1,6 +1,6 @@
-#include "support/used_bits.h"
+#include "tests/support/used_bits.h"
 
-#include "support/frames.h"
+#include "tests/support/frames.h"
 
 namespace
 {
