@@ -91,8 +91,9 @@ TEST_F(CommError, AddressTextsComeThroughUnchanged)
 
 TEST_F(CommError, AreasComeThroughUnchanged)
 {
+    const std::string lastOfLatin1("FN\xC3\xBF");
     for (const std::string &area :
-         {std::string("F%s"), std::string("F%1"), std::string("F%%"), std::string(600, 'q')}) {
+         {std::string("F%s"), std::string("F%1"), std::string("F%%"), lastOfLatin1, std::string(600, 'q')}) {
         const std::string address = area + '9';
         EXPECT_EQ(textOfRead(2, address, 126),
                   filled("can't read any word from @ (read 126 word(s) from 1-@)", address));

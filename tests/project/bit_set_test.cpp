@@ -26,6 +26,17 @@ TEST(BitSet, SortsAndDropsDuplicates)
     EXPECT_TRUE(set.DISet().empty());
 }
 
+TEST(BitSet, BothSetsAreSearchedFromTheFirstEntryByDefault)
+{
+    ModbusBitSet set;
+    set.DISetPush(7);
+    set.DISetSort();
+    EXPECT_EQ(set.DISetContains(7), 0);
+    set.DOSetPush(8);
+    set.DOSetSort();
+    EXPECT_EQ(set.DOSetContains(8), 0);
+}
+
 TEST(BitSet, SortGivesMemoryBack)
 {
     UShortVector set(100000, 7);

@@ -33,6 +33,22 @@ const int Outside[] = {2, 5, -2, std::numeric_limits<int>::max(), std::numeric_l
 
 } // namespace
 
+TEST(DeviceSetting, DefaultIsZeroAndEmptyWithoutALink)
+{
+    const DeviceSetting setting;
+    EXPECT_EQ(setting.type, 0);
+    EXPECT_EQ(setting.baudrate, 0);
+    EXPECT_EQ(setting.databits, 0);
+    EXPECT_EQ(setting.stopbits, 0);
+    EXPECT_EQ(setting.parity, 0);
+    EXPECT_EQ(setting.auxValue, 0);
+    EXPECT_EQ(setting.linkId, -1);
+    EXPECT_EQ(setting.currentIpIndex, 0);
+    EXPECT_TRUE(setting.deviceString.isEmpty());
+    EXPECT_TRUE(setting.auxText.isEmpty());
+    EXPECT_TRUE(setting.sockets.isEmpty());
+}
+
 TEST(DeviceSetting, SixValues)
 {
     const DeviceSetting setting = defaultSetting();

@@ -31,6 +31,14 @@ void expectNumbers(const DriverSetting &setting, int timeout, int retry, int sta
 
 } // namespace
 
+TEST(DriverSetting, DefaultIsZeroAndEmpty)
+{
+    const DriverSetting setting;
+    expectNumbers(setting, 0, 0, 0, 0);
+    EXPECT_TRUE(setting.auxText.isEmpty());
+    EXPECT_FALSE(setting.auxFlag);
+}
+
 TEST(DriverSetting, FourNumbers)
 {
     const DriverSetting setting(3000, 3, 1, 7);

@@ -94,6 +94,12 @@ TEST(ArrayBits, Get)
     EXPECT_FALSE(getBit(reinterpret_cast<const unsigned char *>(bits.constData()), 15));
 }
 
+TEST(ArrayBits, GetEndsWithTheArray)
+{
+    const char bytes[] = {'\xFF', '\xFF'};
+    EXPECT_FALSE(getBit(QByteArray::fromRawData(bytes, 1), 8));
+}
+
 TEST(ArrayBits, SetGrowsTheArrayWithZeros)
 {
     EXPECT_EQ(withBit("00 00", 17, true), fromHex("00 00 02"));
@@ -133,6 +139,7 @@ TEST(ArrayBits, Copy)
     EXPECT_EQ(copied("00", "FF", -1, 4), fromHex("00"));
     EXPECT_EQ(copied("", "FF 01", 7, 9), fromHex("80 FF"));
     EXPECT_EQ(copied("FF FF", "FF", 4, 10), fromHex("FF CF"));
+    EXPECT_EQ(copied("FF FF FF", "5A", 0, 20), fromHex("5A 00 F0"));
 }
 
 TEST(ArrayBits, Fit)
