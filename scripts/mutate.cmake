@@ -22,6 +22,7 @@ set(CMAKE_AUTOMOC OFF)
 function(driver_program_options target standard)
   set_target_properties(${target} PROPERTIES CXX_STANDARD ${standard})
 endfunction()
+add_subdirectory(tests/doubles)
 add_subdirectory(tests/support)
 target_precompile_headers(driver_test_support PRIVATE <QtCore> <QtSql> <gtest/gtest.h>)
 

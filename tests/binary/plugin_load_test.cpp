@@ -1,9 +1,9 @@
 #include "host/driver_interface.h"
-#include "tests/support/frames.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
+#include "tests/doubles/scripted_channel.h"
+#include "tests/support/gtest_qt.h"
 #include "tests/support/project_database.h"
-#include "tests/support/scripted_channel.h"
-
-#include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QLibrary>
@@ -43,15 +43,6 @@ QByteArray expectedVerificationText()
     return "pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.6\ndebug=false\n"
            "buildkey=arm linux g++-4 no-pkg-config";
 #endif
-}
-
-CommunicatorCommand readWordsAtHR1(int count)
-{
-    CommunicatorCommand command;
-    command.dataType = 2;
-    command.count = count;
-    command.address = QLatin1String("HR1");
-    return command;
 }
 
 } // namespace
@@ -112,6 +103,6 @@ TEST(PluginLoad, ReadsThroughAChannelOfTheHost)
     const ProjectDatabase database(QStringList(), 1);
     ScriptedChannel channel;
     channel.addReply(framed("01 03 04 12 34 56 78"));
-    EXPECT_EQ(driver->read(&channel, readWordsAtHR1(2)), fromHex("34 12 78 56"));
+    EXPECT_EQ(driver->read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 2)), fromHex("34 12 78 56"));
     EXPECT_FALSE(driver->hasError()) << driver->getLastError().toStdString();
 }

@@ -1,7 +1,6 @@
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
-#include "tests/support/frames.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 
 namespace
 {

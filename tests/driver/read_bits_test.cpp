@@ -37,8 +37,7 @@ TEST_F(ReadBits, DiscreteInputs)
 TEST_F(ReadBits, BitsBeyondTheCountAreCleared)
 {
     channel.setResponder([](const QByteArray &request) {
-        const int quantity = static_cast<unsigned char>(request.at(5));
-        return readReply(1, 1, QByteArray((quantity + 7) / 8, '\xFF'));
+        return goodReply(request, QByteArray(readDataSize(request), '\xFF'));
     });
     for (int count = 1; count <= 40; ++count) {
         channel.forgetCalls();

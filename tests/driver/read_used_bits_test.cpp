@@ -17,12 +17,10 @@ std::string runsOf(const ScriptedChannel &channel, int function)
     const QList<QByteArray> sent = channel.requests();
     for (int i = 0; i < sent.size(); ++i) {
         const QByteArray &request = sent.at(i);
-        const auto word = [&request](int at) {
-            return static_cast<unsigned char>(request.at(at)) * 256 +
-                   static_cast<unsigned char>(request.at(at + 1));
-        };
-        EXPECT_EQ(request, fieldsFrame(1, function, word(2), word(4)));
-        runs += (i > 0 ? " " : "") + std::to_string(word(4)) + "@" + std::to_string(word(2));
+        const int address = wordAt(request, 2);
+        const int bits = wordAt(request, 4);
+        EXPECT_EQ(request, fieldsFrame(1, function, address, bits));
+        runs += (i > 0 ? " " : "") + std::to_string(bits) + "@" + std::to_string(address);
     }
     return runs;
 }
@@ -46,9 +44,7 @@ std::vector<int> addresses(int first, int last)
 // A slave whose bits are all on.
 QByteArray allOn(const QByteArray &request)
 {
-    const int quantity =
-        static_cast<unsigned char>(request.at(4)) * 256 + static_cast<unsigned char>(request.at(5));
-    return readReply(request.at(0), request.at(1), QByteArray((quantity + 7) / 8, '\xFF'));
+    return goodReply(request, QByteArray(readDataSize(request), '\xFF'));
 }
 
 struct WalkCase {

@@ -127,10 +127,7 @@ TEST_F(ReadRegisterBits, ClearsWhatLiesBeyond)
 TEST_F(ReadRegisterBits, EveryBitAndCount)
 {
     const QByteArray registers = patternBytes(250);
-    channel.setResponder([&](const QByteArray &request) {
-        const int quantity = static_cast<unsigned char>(request.at(5));
-        return readReply(1, 4, registers.left(2 * quantity));
-    });
+    channel.setResponder([&](const QByteArray &request) { return goodReply(request, registers); });
     const auto bitOfRegisters = [&](int n) { return registers.at((n / 8) ^ 1) >> n % 8 & 1; };
     for (int bit = 0; bit < 256; bit += 5)
         for (int count = 1; bit + count <= 2000; count += 61) {

@@ -5,8 +5,8 @@
 // objects in its threads calls qsrand() there first, with another number in each; or it makes them all in one
 // thread.
 
+#include "tests/doubles/model_slave.h"
 #include "tests/support/driver_test.h"
-#include "tests/support/model_slave.h"
 
 #include <QSqlDatabase>
 

@@ -1,5 +1,5 @@
+#include "tests/doubles/model_slave.h"
 #include "tests/support/driver_test.h"
-#include "tests/support/model_slave.h"
 
 #include <limits>
 

@@ -23,11 +23,6 @@ void add(Faults &faults, const std::string &name, const QByteArray &reply, const
     faults.push_back(fault);
 }
 
-int byteAt(const QByteArray &bytes, int i)
-{
-    return static_cast<unsigned char>(bytes.at(i));
-}
-
 QByteArray withByte(QByteArray bytes, int i, int value)
 {
     bytes[i] = static_cast<char>(value);

@@ -2,10 +2,10 @@
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 #include "drivers/tools/timing.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/scripted_channel.h"
+#include "tests/support/gtest_qt.h"
 #include "tests/support/project_database.h"
-#include "tests/support/scripted_channel.h"
-
-#include <gtest/gtest.h>
 
 #include <QCoreApplication>
 #include <QFile>
@@ -72,9 +72,7 @@ TEST(ProjectDatabaseOpen, FailsWithoutTheSQLitePlugin)
 
     ScriptedChannel channel;
     DriverModbusRtuSlaveOverTcp driver;
-    CommunicatorCommand command;
-    command.address = QLatin1String("HR1");
-    EXPECT_TRUE(driver.read(&channel, command).isEmpty());
+    EXPECT_TRUE(driver.read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1)).isEmpty());
     EXPECT_EQ(driver.getLastError(), QLatin1String("can not open database"));
     ProjectDatabase::remove();
 }

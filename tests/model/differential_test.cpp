@@ -1,6 +1,6 @@
+#include "tests/doubles/model_slave.h"
 #include "tests/model/driver_model.h"
 #include "tests/support/driver_test.h"
-#include "tests/support/model_slave.h"
 
 #include <cstdlib>
 #include <random>

@@ -1,7 +1,6 @@
-#include "tests/support/frames.h"
-#include "tests/support/model_slave.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/frames.h"
+#include "tests/doubles/model_slave.h"
+#include "tests/support/gtest_qt.h"
 
 // The slave that other tests compare the driver with must itself be right: it answers the examples of
 // "MODBUS Application Protocol V1.1b3", chapter 6.

@@ -1,7 +1,6 @@
 #include "drivers/device_setting.h"
-#include "tests/support/frames.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 
 #include <QDataStream>
 

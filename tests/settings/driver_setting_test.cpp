@@ -1,8 +1,7 @@
 #include "drivers/driver_setting.h"
-#include "tests/support/frames.h"
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 #include "tests/support/message_capture.h"
-
-#include <gtest/gtest.h>
 
 #include <QDataStream>
 #include <QStringList>

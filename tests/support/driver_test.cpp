@@ -1,14 +1,5 @@
 #include "tests/support/driver_test.h"
 
-CommunicatorCommand makeCommand(int dataType, const QString &address, int count)
-{
-    CommunicatorCommand command;
-    command.dataType = dataType;
-    command.count = count;
-    command.address = address;
-    return command;
-}
-
 QStringList stringList(std::initializer_list<const char *> texts)
 {
     QStringList list;

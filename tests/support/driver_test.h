@@ -1,18 +1,17 @@
 #pragma once
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "tests/support/frames.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
+#include "tests/doubles/scripted_channel.h"
+#include "tests/support/gtest_qt.h"
 #include "tests/support/project_database.h"
-#include "tests/support/scripted_channel.h"
 #include "tests/support/sleep_recorder.h"
-
-#include <gtest/gtest.h>
 
 #include <string>
 
 const char NoError[] = "no error";
 
-CommunicatorCommand makeCommand(int dataType, const QString &address, int count);
 /// The strings as a list, for tags.
 QStringList stringList(std::initializer_list<const char *> texts);
 /// \a size bytes, each different from its neighbours, over the whole range of values.

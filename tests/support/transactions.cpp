@@ -1,6 +1,6 @@
 #include "tests/support/transactions.h"
 
-#include "tests/support/model_slave.h"
+#include "tests/doubles/model_slave.h"
 
 namespace
 {

@@ -1,7 +1,6 @@
 #include "drivers/tools/bit_array.h"
-#include "tests/support/frames.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 
 #include <limits>
 #include <numeric>

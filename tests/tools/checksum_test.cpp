@@ -1,8 +1,7 @@
 #include "drivers/tools/checksum.h"
-#include "tests/support/frames.h"
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 #include "tests/support/random_data.h"
-
-#include <gtest/gtest.h>
 
 #include <limits>
 

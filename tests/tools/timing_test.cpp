@@ -1,8 +1,7 @@
 #include "drivers/tools/timing.h"
-#include "tests/support/frames.h"
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 #include "tests/support/sleep_recorder.h"
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 #include <limits>

@@ -1,8 +1,7 @@
 #include "drivers/tools/timing.h"
 #include "drivers/tools/tx_package.h"
-#include "tests/support/frames.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/frames.h"
+#include "tests/support/gtest_qt.h"
 
 #include <initializer_list>
 #include <limits>

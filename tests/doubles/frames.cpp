@@ -1,6 +1,4 @@
-#include "tests/support/frames.h"
-
-#include <ostream>
+#include "tests/doubles/frames.h"
 
 namespace
 {
@@ -26,11 +24,26 @@ std::string toHex(const QByteArray &bytes)
     return text;
 }
 
+int byteAt(const QByteArray &bytes, int i)
+{
+    return static_cast<unsigned char>(bytes.at(i));
+}
+
+int wordAt(const QByteArray &bytes, int i)
+{
+    return byteAt(bytes, i) << 8 | byteAt(bytes, i + 1);
+}
+
+QByteArray bigEndian(int value)
+{
+    return QByteArray(1, byteOf(value >> 8)) + byteOf(value);
+}
+
 QByteArray crcOf(const QByteArray &bytes)
 {
     unsigned int crc = 0xFFFF;
     for (int i = 0; i < bytes.size(); ++i) {
-        crc ^= static_cast<unsigned char>(bytes.at(i));
+        crc ^= static_cast<unsigned int>(byteAt(bytes, i));
         for (int bit = 0; bit < 8; ++bit)
             crc = (crc & 1u) != 0 ? (crc >> 1) ^ 0xA001u : crc >> 1;
     }
@@ -38,14 +51,14 @@ QByteArray crcOf(const QByteArray &bytes)
     return QByteArray(1, byteOf(value)) + byteOf(value >> 8);
 }
 
+bool hasGoodCrc(const QByteArray &frame)
+{
+    return frame.size() >= 2 && frame.right(2) == crcOf(frame.left(frame.size() - 2));
+}
+
 QByteArray framed(const QByteArray &bytes)
 {
     return bytes + crcOf(bytes);
-}
-
-QByteArray bigEndian(int value)
-{
-    return QByteArray(1, byteOf(value >> 8)) + byteOf(value);
 }
 
 QByteArray fieldsFrame(int station, int function, int first, int second)
@@ -74,12 +87,21 @@ QByteArray echoOf(const QByteArray &request)
     return framed(request.left(6));
 }
 
-void PrintTo(const QByteArray &bytes, std::ostream *out)
+bool isWrite(const QByteArray &request)
 {
-    *out << bytes.size() << " bytes: " << toHex(bytes);
+    return byteAt(request, 1) > 4;
 }
 
-void PrintTo(const QString &text, std::ostream *out)
+int readDataSize(const QByteArray &request)
 {
-    *out << '"' << text.toUtf8().constData() << '"';
+    const int quantity = wordAt(request, 4);
+    return byteAt(request, 1) <= 2 ? (quantity + 7) / 8 : 2 * quantity;
+}
+
+QByteArray goodReply(const QByteArray &request, const QByteArray &data)
+{
+    if (isWrite(request))
+        return echoOf(request);
+    const int size = readDataSize(request);
+    return readReply(byteAt(request, 0), byteAt(request, 1), data.leftJustified(size, '\0', true));
 }

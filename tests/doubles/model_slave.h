@@ -15,6 +15,8 @@ public:
 
     /// The reply; empty where a slave stays silent: another station, a wrong CRC, a length that does not fit.
     QByteArray answer(const QByteArray &request);
+    /// The PDU of the reply to a request's PDU of the right length, without station and CRC.
+    QByteArray replyPdu(const QByteArray &pdu);
 
     int station;
     std::vector<std::uint8_t> coils;
@@ -29,5 +31,4 @@ private:
     QByteArray writeRegister(const QByteArray &pdu);
     QByteArray writeCoils(const QByteArray &pdu);
     QByteArray writeRegisters(const QByteArray &pdu);
-    QByteArray process(const QByteArray &pdu);
 };

@@ -1,6 +1,6 @@
-#include "tests/support/model_slave.h"
+#include "tests/doubles/model_slave.h"
 
-#include "tests/support/frames.h"
+#include "tests/doubles/frames.h"
 
 namespace
 {
@@ -9,20 +9,10 @@ const int IllegalFunction = 1;
 const int IllegalDataAddress = 2;
 const int IllegalDataValue = 3;
 
-const int LargestBitRead = 2008;
-const int LargestRegisterRead = 125;
-const int LargestCoilWrite = 1976;
-const int LargestRegisterWrite = 123;
-
-int byteAt(const QByteArray &bytes, int i)
-{
-    return static_cast<unsigned char>(bytes.at(i));
-}
-
-int wordAt(const QByteArray &bytes, int i)
-{
-    return byteAt(bytes, i) * 256 + byteAt(bytes, i + 1);
-}
+const int MaxBitsRead = 2008;
+const int MaxRegistersRead = 125;
+const int MaxCoilsWritten = 1976;
+const int MaxRegistersWritten = 123;
 
 // The item at a distance from the start that the request names.
 size_t itemAt(const QByteArray &pdu, int distance)
@@ -44,7 +34,7 @@ int rangeFault(const QByteArray &pdu, int limit, size_t areaSize)
     return itemAt(pdu, quantity) > areaSize ? IllegalDataAddress : 0;
 }
 
-// Whether the byte count, the quantity and the bytes behind them fit each other.
+// Whether the byte count, the quantity and the bytes after them fit each other.
 bool isConsistent(const QByteArray &pdu, int bytesWanted)
 {
     return byteAt(pdu, 5) == bytesWanted && pdu.size() == 6 + bytesWanted;
@@ -78,14 +68,13 @@ ModelSlave::ModelSlave(int stationId, int areaSize)
 
 QByteArray ModelSlave::answer(const QByteArray &request)
 {
-    const int size = request.size();
-    if (size < 4 || byteAt(request, 0) != station || request.right(2) != crcOf(request.left(size - 2)))
+    if (request.size() < 4 || byteAt(request, 0) != station || !hasGoodCrc(request))
         return QByteArray();
-    const QByteArray pdu = request.mid(1, size - 3);
-    return hasFittingLength(pdu) ? framed(request.left(1) + process(pdu)) : QByteArray();
+    const QByteArray pdu = request.mid(1, request.size() - 3);
+    return hasFittingLength(pdu) ? framed(request.left(1) + replyPdu(pdu)) : QByteArray();
 }
 
-QByteArray ModelSlave::process(const QByteArray &pdu)
+QByteArray ModelSlave::replyPdu(const QByteArray &pdu)
 {
     switch (byteAt(pdu, 0)) {
     case 1: return readBits(pdu, coils);
@@ -102,7 +91,7 @@ QByteArray ModelSlave::process(const QByteArray &pdu)
 
 QByteArray ModelSlave::readBits(const QByteArray &pdu, const std::vector<std::uint8_t> &bits) const
 {
-    const int fault = rangeFault(pdu, LargestBitRead, bits.size());
+    const int fault = rangeFault(pdu, MaxBitsRead, bits.size());
     if (fault != 0)
         return exception(pdu, fault);
     const int quantity = wordAt(pdu, 3);
@@ -118,7 +107,7 @@ QByteArray ModelSlave::readBits(const QByteArray &pdu, const std::vector<std::ui
 
 QByteArray ModelSlave::readRegisters(const QByteArray &pdu, const std::vector<std::uint16_t> &registers) const
 {
-    const int fault = rangeFault(pdu, LargestRegisterRead, registers.size());
+    const int fault = rangeFault(pdu, MaxRegistersRead, registers.size());
     if (fault != 0)
         return exception(pdu, fault);
     const int quantity = wordAt(pdu, 3);
@@ -152,7 +141,7 @@ QByteArray ModelSlave::writeRegister(const QByteArray &pdu)
 QByteArray ModelSlave::writeCoils(const QByteArray &pdu)
 {
     const int quantity = wordAt(pdu, 3);
-    const int fault = isConsistent(pdu, (quantity + 7) / 8) ? rangeFault(pdu, LargestCoilWrite, coils.size())
+    const int fault = isConsistent(pdu, (quantity + 7) / 8) ? rangeFault(pdu, MaxCoilsWritten, coils.size())
                                                             : IllegalDataValue;
     if (fault != 0)
         return exception(pdu, fault);
@@ -165,7 +154,7 @@ QByteArray ModelSlave::writeRegisters(const QByteArray &pdu)
 {
     const int quantity = wordAt(pdu, 3);
     const int fault = isConsistent(pdu, 2 * quantity)
-                          ? rangeFault(pdu, LargestRegisterWrite, holdingRegisters.size())
+                          ? rangeFault(pdu, MaxRegistersWritten, holdingRegisters.size())
                           : IllegalDataValue;
     if (fault != 0)
         return exception(pdu, fault);

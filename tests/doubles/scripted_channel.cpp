@@ -1,6 +1,6 @@
-#include "tests/support/scripted_channel.h"
+#include "tests/doubles/scripted_channel.h"
 
-#include "tests/support/frames.h"
+#include "tests/doubles/frames.h"
 
 #include <algorithm>
 #include <cstring>
