@@ -1,4 +1,4 @@
-#include "tcp/channel.h"
+#include "bench/tcp/channel.h"
 
 #include <cstring>
 

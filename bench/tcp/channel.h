@@ -1,8 +1,8 @@
 #pragma once
 
+#include "bench/tcp/socket.h"
 #include "drivers/device_setting.h"
 #include "host/abstract_device_interface.h"
-#include "tcp/socket.h"
 
 /// A host's TCP channel: what has arrived is kept until the driver asks for it.
 class TcpChannel : public AbstractDeviceInterface

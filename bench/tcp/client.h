@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/transactions.h"
+#include "bench/support/transactions.h"
 
 #include <memory>
 #include <vector>

@@ -1,9 +1,9 @@
 // Transactions over TCP, client and slave on one core, so that every transaction costs the same two changes
 // between them. All clients take their turns in every round: what disturbs the machine disturbs all alike.
 
-#include "support/program.h"
-#include "support/projects.h"
-#include "tcp/client.h"
+#include "bench/support/program.h"
+#include "bench/support/projects.h"
+#include "bench/tcp/client.h"
 
 #include <sched.h>
 
