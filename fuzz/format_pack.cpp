@@ -2,9 +2,9 @@
 // takes.
 
 #include "drivers/tools/format_pack.h"
-#include "support/check.h"
-#include "support/format_text.h"
-#include "support/input.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/format_text.h"
+#include "fuzz/support/input.h"
 
 #include <QVector>
 

@@ -2,9 +2,10 @@
 // that a read of the whole area shows exactly the used ones.
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/check.h"
-#include "support/project_file.h"
-#include "support/slave_channel.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/project_file.h"
+#include "fuzz/support/slave_channel.h"
+#include "tests/doubles/command.h"
 
 #include <QMap>
 
@@ -92,11 +93,7 @@ QByteArray readArea(DriverModbusRtuSlaveOverTcp &driver, const char *address, in
     SlaveChannel channel;
     channel.station = station;
     channel.data = [](const QByteArray &) { return QByteArray(256, '\xFF'); };
-    CommunicatorCommand command;
-    command.dataType = 1;
-    command.count = AreaBytes;
-    command.address = QLatin1String(address);
-    return driver.read(&channel, command);
+    return driver.read(&channel, makeCommand(ByteItem, QLatin1String(address), AreaBytes));
 }
 
 } // namespace
