@@ -109,12 +109,12 @@ TEST_F(DriverObject, IsConnectedAsksTheChannel)
 
 TEST_F(DriverObject, ErrorTextOutlivesItsFlag)
 {
-    EXPECT_TRUE(read(2, "HR1", 1).isEmpty());
+    EXPECT_TRUE(read(WordItem, "HR1", 1).isEmpty());
     const QString failure = driver.getLastError();
     EXPECT_TRUE(driver.hasError());
     channel.connected = true;
     channel.addReply(framed("01 03 02 12 34"));
-    EXPECT_EQ(read(2, "HR1", 1), fromHex("34 12"));
+    EXPECT_EQ(read(WordItem, "HR1", 1), fromHex("34 12"));
     EXPECT_FALSE(driver.hasError());
     EXPECT_EQ(driver.getLastError(), failure);
     EXPECT_FALSE(failure.isEmpty());
@@ -124,7 +124,7 @@ TEST_F(DriverObject, DebugModeChangesNothing)
 {
     driver.setDebugMode(true);
     channel.addReply(framed("01 03 02 12 34"));
-    EXPECT_EQ(read(2, "HR1", 1), fromHex("34 12"));
+    EXPECT_EQ(read(WordItem, "HR1", 1), fromHex("34 12"));
     EXPECT_EQ(channel.trace(), "delayTime isConnected write(01 03 00 00 00 01 84 0a) read(5) read(2)");
 }
 
@@ -204,7 +204,7 @@ TEST(ConnectionName, IsOneRandomNumberDrawnAtConstruction)
     DriverModbusRtuSlaveOverTcp driver;
     nextRandomNumber();
     ScriptedChannel channel;
-    driver.read(&channel, makeCommand(4, QString(), 0));
+    driver.read(&channel, makeCommand(EightByteItem, QString(), 0));
     EXPECT_TRUE(QSqlDatabase::contains(expected));
 }
 
@@ -215,8 +215,8 @@ TEST(ConnectionName, DiffersBetweenObjects)
     DriverModbusRtuSlaveOverTcp first;
     DriverModbusRtuSlaveOverTcp second;
     ScriptedChannel channel;
-    first.read(&channel, makeCommand(4, QString(), 0));
-    second.read(&channel, makeCommand(4, QString(), 0));
+    first.read(&channel, makeCommand(EightByteItem, QString(), 0));
+    second.read(&channel, makeCommand(EightByteItem, QString(), 0));
     EXPECT_EQ(QSqlDatabase::connectionNames().size(), before + 2);
 }
 
@@ -231,8 +231,8 @@ TEST(ConnectionName, SharedByObjectsThatDrewTheSameNumber)
     DriverModbusRtuSlaveOverTcp second;
     ScriptedChannel channel;
     const int before = QSqlDatabase::connectionNames().size();
-    first.read(&channel, makeCommand(4, text("A"), 0));
-    second.read(&channel, makeCommand(4, text("B"), 0));
+    first.read(&channel, makeCommand(EightByteItem, text("A"), 0));
+    second.read(&channel, makeCommand(EightByteItem, text("B"), 0));
     EXPECT_EQ(QSqlDatabase::connectionNames().size(), before + 1);
     EXPECT_TRUE(QSqlDatabase::contains(expected));
     EXPECT_EQ(first.getLastError(), text("unsupported data type: A"));

@@ -11,13 +11,13 @@ protected:
     QByteArray readOne(const QByteArray &reply)
     {
         channel.addReply(reply);
-        return read(2, "HR1", 1);
+        return read(WordItem, "HR1", 1);
     }
 
     bool writeOne(const QByteArray &reply)
     {
         channel.addReply(reply);
-        return write(2, "HR1", 1, fromHex("34 12"));
+        return write(WordItem, "HR1", 1, fromHex("34 12"));
     }
 
     bool isOpen() const { return channel.connected; }
@@ -248,7 +248,7 @@ TEST_F(Exchange, StationIsAskedAnewForEachRequest)
         return QByteArray();
     };
     channel.setResponder(silentAndRenamed);
-    EXPECT_EQ(read(2, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(WordItem, "HR1", 1), QByteArray());
     const QList<QByteArray> sent = channel.requests();
     ASSERT_EQ(sent.size(), 3);
     EXPECT_EQ(sent.at(0), framed("01 03 00 00 00 01"));

@@ -20,7 +20,7 @@ std::string refusal(const std::string &count, const std::string &place, const st
 TEST_F(ReadBits, CoilsAsTheyArePacked)
 {
     channel.addReply(framed("01 01 03 CD 6B 05"));
-    EXPECT_EQ(read(0, "DO20", 19), fromHex("CD 6B 05"));
+    EXPECT_EQ(read(BitItem, "DO20", 19), fromHex("CD 6B 05"));
     EXPECT_EQ(channel.requests().at(0), framed("01 01 00 13 00 13"));
     EXPECT_EQ(channel.readLengths(), (std::vector<int>{5, 3}));
     EXPECT_EQ(error(), NoError);
@@ -30,7 +30,7 @@ TEST_F(ReadBits, DiscreteInputs)
 {
     channel.station = 17;
     channel.addReply(framed("11 02 03 AC DB 35"));
-    EXPECT_EQ(read(6, "di197", 22), fromHex("AC DB 35"));
+    EXPECT_EQ(read(SecondBitItem, "di197", 22), fromHex("AC DB 35"));
     EXPECT_EQ(channel.requests().at(0), framed("11 02 00 C4 00 16"));
 }
 
@@ -41,7 +41,7 @@ TEST_F(ReadBits, BitsBeyondTheCountAreCleared)
     });
     for (int count = 1; count <= 40; ++count) {
         channel.forgetCalls();
-        const QByteArray bits = read(0, "Fn5Do1", count);
+        const QByteArray bits = read(BitItem, "Fn5Do1", count);
         const int size = (count + 7) / 8;
         ASSERT_EQ(bits.size(), size);
         const int used = count % 8 == 0 ? 8 : count % 8;
@@ -55,10 +55,10 @@ TEST_F(ReadBits, LargestRequestIsAboveThatOfTheProtocol)
 {
     const QByteArray bits = patternBytes(251);
     channel.addReply(readReply(1, 1, bits));
-    EXPECT_EQ(read(0, "DO1", 2008), bits);
+    EXPECT_EQ(read(BitItem, "DO1", 2008), bits);
     EXPECT_EQ(channel.requests().at(0), framed("01 01 00 00 07 D8"));
     channel.addReply(readReply(1, 2, bits));
-    EXPECT_EQ(read(0, "DI63529", 2008), bits);
+    EXPECT_EQ(read(BitItem, "DI63529", 2008), bits);
     EXPECT_EQ(channel.requests().at(1), framed("01 02 F8 28 07 D8"));
     EXPECT_EQ(channel.readLengths(), (std::vector<int>{5, 251, 5, 251}));
 }
@@ -66,7 +66,7 @@ TEST_F(ReadBits, LargestRequestIsAboveThatOfTheProtocol)
 TEST_F(ReadBits, LastBit)
 {
     channel.addReply(framed("01 02 01 FF"));
-    EXPECT_EQ(read(0, "DI65536", 1), fromHex("01"));
+    EXPECT_EQ(read(BitItem, "DI65536", 1), fromHex("01"));
     EXPECT_EQ(channel.requests().at(0), framed("01 02 FF FF 00 01"));
 }
 
@@ -89,7 +89,7 @@ TEST_F(ReadBits, RangesThatAreRefused)
                   {"DI1", 0x20000000, "DI1"},
                   {"DI1", 0x40000001, "DI1"}};
     for (const auto &range : ranges) {
-        EXPECT_EQ(read(0, range.address, range.count), QByteArray());
+        EXPECT_EQ(read(BitItem, range.address, range.count), QByteArray());
         EXPECT_EQ(error(), refusal(std::to_string(range.count), range.place, range.address));
     }
     EXPECT_TRUE(isSilent());
@@ -99,7 +99,7 @@ TEST_F(ReadBits, RangesThatAreRefused)
 TEST_F(ReadBits, CountOfZeroIsSent)
 {
     channel.addReply(framed("01 01 00"));
-    EXPECT_EQ(read(0, "DO1", 0), QByteArray());
+    EXPECT_EQ(read(BitItem, "DO1", 0), QByteArray());
     EXPECT_EQ(error(), NoError);
     EXPECT_EQ(channel.requests().at(0), framed("01 01 00 00 00 00"));
     EXPECT_EQ(channel.readLengths(), (std::vector<int>{5, 0}));
@@ -108,17 +108,17 @@ TEST_F(ReadBits, CountOfZeroIsSent)
 TEST_F(ReadBits, Failures)
 {
     channel.addReply(framed("01 81 02"));
-    EXPECT_EQ(read(0, "DO1", 9), QByteArray());
+    EXPECT_EQ(read(BitItem, "DO1", 9), QByteArray());
     EXPECT_EQ(error(), "exception code:0x02 (read 9 bit(s) from 1-DO1)");
     channel.addReply(framed("01 02 02 FF FF"));
-    EXPECT_EQ(read(0, "DO1", 9), QByteArray());
+    EXPECT_EQ(read(BitItem, "DO1", 9), QByteArray());
     EXPECT_EQ(error(), "invalid response (read 9 bit(s) from 1-DO1)");
     channel.addReply(fromHex("01 01 02 FF FF 00 00"));
-    EXPECT_EQ(read(0, "DO1", 9), QByteArray());
+    EXPECT_EQ(read(BitItem, "DO1", 9), QByteArray());
     EXPECT_EQ(error(), "CRC error (read 9 bit(s) from 1-DO1)");
     EXPECT_EQ(channel.count(ScriptedChannel::Close), 0);
     channel.addReply(framed("01 01 01 FF"));
-    EXPECT_EQ(read(0, "DO1", 9), QByteArray());
+    EXPECT_EQ(read(BitItem, "DO1", 9), QByteArray());
     EXPECT_EQ(error(), "packet loss (read 9 bit(s) from 1-DO1)");
     EXPECT_FALSE(channel.connected);
 }

@@ -18,7 +18,7 @@ class ReadBytes : public DriverTest
 TEST_F(ReadDWords, LowWordFirst)
 {
     channel.addReply(framed("01 03 08 11 22 33 44 55 66 77 88"));
-    EXPECT_EQ(read(3, "HR10", 2), fromHex("22 11 44 33 66 55 88 77"));
+    EXPECT_EQ(read(DoubleWordItem, "HR10", 2), fromHex("22 11 44 33 66 55 88 77"));
     EXPECT_EQ(channel.requests().at(0), framed("01 03 00 09 00 04"));
     EXPECT_EQ(channel.readLengths(), (std::vector<int>{5, 8}));
     EXPECT_EQ(error(), NoError);
@@ -28,20 +28,20 @@ TEST_F(ReadDWords, HighWordFirstWhenTheAddressSaysSo)
 {
     for (const char *address : {"HRSW10", "hrsw10", "HR10Sw", "HR10 (sW)"}) {
         channel.addReply(framed("01 03 08 11 22 33 44 55 66 77 88"));
-        EXPECT_EQ(read(3, address, 2), fromHex("44 33 22 11 88 77 66 55")) << address;
+        EXPECT_EQ(read(DoubleWordItem, address, 2), fromHex("44 33 22 11 88 77 66 55")) << address;
         EXPECT_EQ(channel.requests().last(), framed("01 03 00 09 00 04"));
     }
     channel.addReply(framed("01 04 04 11 22 33 44"));
-    EXPECT_EQ(read(3, "SW10", 1), fromHex("44 33 22 11"));
+    EXPECT_EQ(read(DoubleWordItem, "SW10", 1), fromHex("44 33 22 11"));
 }
 
 TEST_F(ReadDWords, LargestRequest)
 {
     const QByteArray registers = patternBytes(248);
     channel.addReply(readReply(1, 4, registers));
-    const QByteArray low = read(3, "IR1", 62);
+    const QByteArray low = read(DoubleWordItem, "IR1", 62);
     channel.addReply(readReply(1, 4, registers));
-    const QByteArray high = read(3, "IRSW1", 62);
+    const QByteArray high = read(DoubleWordItem, "IRSW1", 62);
     ASSERT_EQ(low.size(), 248);
     ASSERT_EQ(high.size(), 248);
     for (int i = 0; i < 248; ++i) {
@@ -55,7 +55,7 @@ TEST_F(ReadDWords, LargestRequest)
 TEST_F(ReadDWords, LastRegisters)
 {
     channel.addReply(framed("01 03 04 11 22 33 44"));
-    EXPECT_EQ(read(3, "HR65535", 1), fromHex("22 11 44 33"));
+    EXPECT_EQ(read(DoubleWordItem, "HR65535", 1), fromHex("22 11 44 33"));
     EXPECT_EQ(channel.requests().at(0), framed("01 03 FF FE 00 02"));
 }
 
@@ -78,7 +78,7 @@ TEST_F(ReadDWords, RangesThatAreRefused)
                   {"IR1", 0x40000000, "IR1"},
                   {"IR1", 0x40000001, "IR1"}};
     for (const auto &range : ranges) {
-        EXPECT_EQ(read(3, range.address, range.count), QByteArray());
+        EXPECT_EQ(read(DoubleWordItem, range.address, range.count), QByteArray());
         EXPECT_EQ(error(), std::string("can't read any double word from ") + range.place + " (read " +
                                std::to_string(range.count) + " dword(s) from 1-" + range.address + ")");
     }
@@ -89,7 +89,7 @@ TEST_F(ReadDWords, RangesThatAreRefused)
 TEST_F(ReadDWords, CountOfZeroIsSent)
 {
     channel.addReply(framed("01 03 00"));
-    EXPECT_EQ(read(3, "HR1", 0), QByteArray());
+    EXPECT_EQ(read(DoubleWordItem, "HR1", 0), QByteArray());
     EXPECT_EQ(error(), NoError);
     EXPECT_EQ(channel.requests().at(0), framed("01 03 00 00 00 00"));
 }
@@ -97,11 +97,11 @@ TEST_F(ReadDWords, CountOfZeroIsSent)
 TEST_F(ReadDWords, FailuresAreThoseOfTheExchange)
 {
     channel.addReply(fromHex("01 03 04 11 22 33 44 00 00"));
-    EXPECT_EQ(read(3, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(DoubleWordItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "CRC error (read 1 dword(s) from 1-HR1)");
     EXPECT_TRUE(channel.connected);
     channel.addReply(framed("01 03 04 11 22 33 44").left(8));
-    EXPECT_EQ(read(3, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(DoubleWordItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "packet loss (read 1 dword(s) from 1-HR1)");
     EXPECT_FALSE(channel.connected);
 }
@@ -109,14 +109,14 @@ TEST_F(ReadDWords, FailuresAreThoseOfTheExchange)
 TEST_F(ReadBytes, LowByteOfARegisterComesFirst)
 {
     channel.addReply(framed("01 03 04 11 22 33 44"));
-    EXPECT_EQ(read(1, "HR10", 4), fromHex("22 11 44 33"));
+    EXPECT_EQ(read(ByteItem, "HR10", 4), fromHex("22 11 44 33"));
     EXPECT_EQ(channel.requests().at(0), framed("01 03 00 09 00 02"));
     EXPECT_EQ(error(), NoError);
 }
 
 TEST_F(ReadBytes, OddCountDropsTheHighByteOfTheLastRegister)
 {
-    for (const int kind : {1, 5}) {
+    for (const int kind : {ByteItem, BlockItem}) {
         channel.addReply(framed("01 04 04 11 22 33 44"));
         EXPECT_EQ(read(kind, "IR10", 3), fromHex("22 11 44"));
         EXPECT_EQ(channel.requests().last(), framed("01 04 00 09 00 02"));
@@ -129,7 +129,7 @@ TEST_F(ReadBytes, LargestRequest)
     const QByteArray registers = patternBytes(250);
     for (const int count : {249, 250}) {
         channel.addReply(readReply(1, 3, registers));
-        const QByteArray data = read(1, "fn6hr1", count);
+        const QByteArray data = read(ByteItem, "fn6hr1", count);
         ASSERT_EQ(data.size(), count);
         for (int i = 0; i < count; ++i)
             EXPECT_EQ(data.at(i), registers.at(i ^ 1)) << i;
@@ -140,10 +140,10 @@ TEST_F(ReadBytes, LargestRequest)
 TEST_F(ReadBytes, LastRegisters)
 {
     channel.addReply(framed("01 03 04 11 22 33 44"));
-    EXPECT_EQ(read(1, "HR65535", 4), fromHex("22 11 44 33"));
+    EXPECT_EQ(read(ByteItem, "HR65535", 4), fromHex("22 11 44 33"));
     EXPECT_EQ(channel.requests().at(0), framed("01 03 FF FE 00 02"));
     channel.addReply(framed("01 03 02 11 22"));
-    EXPECT_EQ(read(1, "HR65536", 1), fromHex("22"));
+    EXPECT_EQ(read(ByteItem, "HR65536", 1), fromHex("22"));
 }
 
 TEST_F(ReadBytes, RangesThatAreRefused)
@@ -164,7 +164,7 @@ TEST_F(ReadBytes, RangesThatAreRefused)
                   {"IR1", 0x20000000, "IR1"},
                   {"IR1", 0x40000001, "IR1"}};
     for (const auto &range : ranges) {
-        EXPECT_EQ(read(1, range.address, range.count), QByteArray());
+        EXPECT_EQ(read(ByteItem, range.address, range.count), QByteArray());
         EXPECT_EQ(error(), std::string("can't read any byte from ") + range.place + " (read " +
                                std::to_string(range.count) + " byte(s) from 1-" + range.address + ")");
     }
@@ -175,7 +175,7 @@ TEST_F(ReadBytes, RangesThatAreRefused)
 TEST_F(ReadBytes, CountOfZeroIsSent)
 {
     channel.addReply(framed("01 03 00"));
-    EXPECT_EQ(read(5, "HR1", 0), QByteArray());
+    EXPECT_EQ(read(BlockItem, "HR1", 0), QByteArray());
     EXPECT_EQ(error(), NoError);
     EXPECT_EQ(channel.requests().at(0), framed("01 03 00 00 00 00"));
 }
@@ -183,11 +183,11 @@ TEST_F(ReadBytes, CountOfZeroIsSent)
 TEST_F(ReadBytes, FailuresAreThoseOfTheExchange)
 {
     channel.addReply(fromHex("01 03 02 11 22 00 00"));
-    EXPECT_EQ(read(1, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(ByteItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "CRC error (read 1 byte(s) from 1-HR1)");
     EXPECT_TRUE(channel.connected);
     channel.addReply(framed("01 03 02 11 22").left(6));
-    EXPECT_EQ(read(1, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(ByteItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "packet loss (read 1 byte(s) from 1-HR1)");
     EXPECT_FALSE(channel.connected);
 }

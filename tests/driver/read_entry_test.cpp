@@ -35,7 +35,7 @@ TEST_F(ReadEntry, SilentSlaveIsAskedOnceMoreForEachRetry)
         channel.delay = 20;
         channel.forgetCalls();
         const size_t pausesBefore = pauses.sleeps().size();
-        EXPECT_EQ(read(2, "HR1", 1), QByteArray());
+        EXPECT_EQ(read(WordItem, "HR1", 1), QByteArray());
         EXPECT_EQ(error(), "PLC no response (read 1 word(s) from 1-HR1)");
         EXPECT_EQ(
             channel.trace(),
@@ -48,7 +48,7 @@ TEST_F(ReadEntry, PausesBeforeEveryAttempt)
 {
     channel.retries = 2;
     channel.delay = 250;
-    read(2, "HR1", 1);
+    read(WordItem, "HR1", 1);
     EXPECT_EQ(pauses.sleeps(), pausesOf(3, 250));
     EXPECT_EQ(channel.count(ScriptedChannel::DelayTime), 3);
 }
@@ -56,7 +56,7 @@ TEST_F(ReadEntry, PausesBeforeEveryAttempt)
 TEST_F(ReadEntry, NoPauseWithoutDelay)
 {
     channel.retries = 2;
-    read(2, "HR1", 1);
+    read(WordItem, "HR1", 1);
     EXPECT_TRUE(pauses.sleeps().empty());
 }
 
@@ -68,7 +68,7 @@ TEST_F(ReadEntry, DelayIsAskedAnewForEachAttempt)
         channel.delay = 30;
         return QByteArray();
     });
-    read(2, "HR1", 1);
+    read(WordItem, "HR1", 1);
     EXPECT_EQ(pauses.sleeps(), (std::vector<qint64>{10000000, 30000000}));
 }
 
@@ -79,7 +79,7 @@ TEST_F(ReadEntry, RetryCountIsAskedAfterEachFailure)
         channel.retries = 0;
         return QByteArray();
     });
-    read(2, "HR1", 1);
+    read(WordItem, "HR1", 1);
     EXPECT_EQ(channel.requests().size(), 1);
 }
 
@@ -89,7 +89,7 @@ TEST_F(ReadEntry, StopsAtTheFirstSuccess)
     channel.addReply(QByteArray());
     channel.addReply(fromHex("01 03 02 12 34 00 00"));
     channel.addReply(framed("01 03 02 12 34"));
-    EXPECT_EQ(read(2, "HR1", 1), fromHex("34 12"));
+    EXPECT_EQ(read(WordItem, "HR1", 1), fromHex("34 12"));
     EXPECT_EQ(error(), NoError);
     const std::string sent = ReadRequest;
     EXPECT_EQ(channel.trace(), "delayTime isConnected " + sent + " read(5) close " +
@@ -103,7 +103,7 @@ TEST_F(ReadEntry, LastAttemptGivesTheText)
     channel.addReply(QByteArray());
     channel.addReply(framed("01 83 02"));
     channel.addReply(framed("02 03 02 12 34"));
-    EXPECT_EQ(read(2, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(WordItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "invalid slave id:2 (read 1 word(s) from 1-HR1)");
 }
 
@@ -111,7 +111,7 @@ TEST_F(ReadEntry, OpensAClosedChannel)
 {
     channel.connected = false;
     channel.addReply(framed("01 03 02 12 34"));
-    EXPECT_EQ(read(2, "HR1", 1), fromHex("34 12"));
+    EXPECT_EQ(read(WordItem, "HR1", 1), fromHex("34 12"));
     EXPECT_EQ(channel.trace(), std::string("delayTime isConnected open ") + ReadRequest + " read(5) read(2)");
 }
 
@@ -121,7 +121,7 @@ TEST_F(ReadEntry, FailedOpenEndsTheRead)
     channel.retries = 3;
     channel.errorText = QLatin1String("connection refused");
     channel.fail(ScriptedChannel::Open, 1);
-    EXPECT_EQ(read(2, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(WordItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "connection refused");
     EXPECT_EQ(channel.trace(), "delayTime isConnected open errorString");
 }
@@ -131,7 +131,7 @@ TEST_F(ReadEntry, FailedReopenEndsTheReadOfARetry)
     channel.retries = 3;
     channel.fail(ScriptedChannel::Open, 2);
     channel.connected = false;
-    EXPECT_EQ(read(2, "HR1", 1), QByteArray());
+    EXPECT_EQ(read(WordItem, "HR1", 1), QByteArray());
     EXPECT_EQ(error(), "channel error");
     EXPECT_EQ(channel.requests().size(), 1);
     EXPECT_EQ(channel.count(ScriptedChannel::DelayTime), 2);
@@ -141,25 +141,24 @@ TEST_F(ReadEntry, UnsupportedKindsAreNotTriedAgain)
 {
     channel.retries = 3;
     channel.delay = 5;
-    for (const int kind :
-         {4, 7, 8, 100, -1, -4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    for (const int kind : UnsupportedKinds) {
         channel.forgetCalls();
         EXPECT_EQ(read(kind, "HR1", 1), QByteArray());
         EXPECT_EQ(error(), "unsupported data type: HR1") << kind;
         EXPECT_EQ(channel.trace(), "delayTime isConnected");
     }
-    EXPECT_EQ(pauses.sleeps().size(), 8u);
+    EXPECT_EQ(pauses.sleeps().size(), sizeof UnsupportedKinds / sizeof *UnsupportedKinds);
 }
 
 TEST_F(ReadEntry, UnsupportedKindOpensTheChannelFirst)
 {
     channel.connected = false;
-    read(4, "HR1", 1);
+    read(EightByteItem, "HR1", 1);
     EXPECT_EQ(error(), "unsupported data type: HR1");
     EXPECT_EQ(channel.trace(), "delayTime isConnected open");
     channel.connected = false;
     channel.fail(ScriptedChannel::Open, 1);
-    read(4, "HR1", 1);
+    read(EightByteItem, "HR1", 1);
     EXPECT_EQ(error(), "channel error");
 }
 
@@ -167,7 +166,7 @@ TEST_F(ReadEntry, RangeRefusalsAreRetriedAndSendNothing)
 {
     channel.retries = 2;
     channel.delay = 5;
-    EXPECT_EQ(read(2, "HR1", 126), QByteArray());
+    EXPECT_EQ(read(WordItem, "HR1", 126), QByteArray());
     EXPECT_EQ(error(), "can't read any word from HR1 (read 126 word(s) from 1-HR1)");
     EXPECT_EQ(channel.trace(), repeated("delayTime isConnected", 3));
     EXPECT_EQ(pauses.sleeps(), pausesOf(3, 5));
@@ -175,10 +174,10 @@ TEST_F(ReadEntry, RangeRefusalsAreRetriedAndSendNothing)
 
 TEST_F(ReadEntry, SettingIsAskedOnlyWhileTheDatabaseIsNotLoaded)
 {
-    read(2, "HR1", 1);
+    read(WordItem, "HR1", 1);
     EXPECT_EQ(channel.count(ScriptedChannel::GetDeviceSetting), 0);
     DriverModbusRtuSlaveOverTcp other;
-    other.read(&channel, makeCommand(2, QLatin1String("HR1"), 1));
+    other.read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1));
     EXPECT_EQ(channel.count(ScriptedChannel::GetDeviceSetting), 1);
 }
 
@@ -186,7 +185,7 @@ TEST_F(ReadEntry, WithoutDatabaseNothingIsTried)
 {
     DriverModbusRtuSlaveOverTcp unloaded;
     channel.connected = false;
-    EXPECT_EQ(unloaded.read(&channel, makeCommand(2, QLatin1String("HR1"), 1)), QByteArray());
+    EXPECT_EQ(unloaded.read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1)), QByteArray());
     EXPECT_TRUE(unloaded.hasError());
     EXPECT_EQ(unloaded.getLastError(), QString(QLatin1String("can not open database")));
     EXPECT_EQ(channel.trace(), "");
@@ -205,45 +204,55 @@ struct Dispatch {
 const char NothingSent[] = "";
 
 const Dispatch bitReads[] = {
-    {0, "DO3", 9, "01 01 00 02 00 09"},     {0, "do3", 9, "01 01 00 02 00 09"},
-    {0, "DOX3", 9, "01 01 00 02 00 09"},    {0, "FN5DO3", 9, "01 01 00 02 00 09"},
-    {6, "fn5doX3", 9, "01 01 00 02 00 09"}, {0, "DI3", 9, "01 02 00 02 00 09"},
-    {6, "dIx3", 9, "01 02 00 02 00 09"},    {0, "DI3.7", 9, "01 02 00 02 00 09"},
-    {0, "HR5.3", 1, "01 03 00 04 00 01"},   {0, "HR5.15", 2, "01 03 00 04 00 02"},
-    {6, "hrX5.3", 1, "01 03 00 04 00 01"},  {0, "FN6HR5.3", 1, "01 03 00 04 00 01"},
-    {6, "fn6hrX5", 1, "01 03 00 04 00 01"}, {0, "IR5.3", 1, "01 04 00 04 00 01"},
-    {0, "D5", 1, "01 04 00 04 00 01"},      {0, "FN6DO5", 1, "01 04 00 04 00 01"},
-    {0, "FN5DI5", 1, "01 04 00 04 00 01"},  {0, "5", 1, "01 04 00 04 00 01"},
-    {0, "XDO5", 1, "01 04 00 04 00 01"},    {6, "FN5D5", 1, "01 04 00 04 00 01"},
+    {BitItem, "DO3", 9, "01 01 00 02 00 09"},
+    {BitItem, "do3", 9, "01 01 00 02 00 09"},
+    {BitItem, "DOX3", 9, "01 01 00 02 00 09"},
+    {BitItem, "FN5DO3", 9, "01 01 00 02 00 09"},
+    {SecondBitItem, "fn5doX3", 9, "01 01 00 02 00 09"},
+    {BitItem, "DI3", 9, "01 02 00 02 00 09"},
+    {SecondBitItem, "dIx3", 9, "01 02 00 02 00 09"},
+    {BitItem, "DI3.7", 9, "01 02 00 02 00 09"},
+    {BitItem, "HR5.3", 1, "01 03 00 04 00 01"},
+    {BitItem, "HR5.15", 2, "01 03 00 04 00 02"},
+    {SecondBitItem, "hrX5.3", 1, "01 03 00 04 00 01"},
+    {BitItem, "FN6HR5.3", 1, "01 03 00 04 00 01"},
+    {SecondBitItem, "fn6hrX5", 1, "01 03 00 04 00 01"},
+    {BitItem, "IR5.3", 1, "01 04 00 04 00 01"},
+    {BitItem, "D5", 1, "01 04 00 04 00 01"},
+    {BitItem, "FN6DO5", 1, "01 04 00 04 00 01"},
+    {BitItem, "FN5DI5", 1, "01 04 00 04 00 01"},
+    {BitItem, "5", 1, "01 04 00 04 00 01"},
+    {BitItem, "XDO5", 1, "01 04 00 04 00 01"},
+    {SecondBitItem, "FN5D5", 1, "01 04 00 04 00 01"},
 };
 
 // Byte items ask the used bits of every area that is none of registers; the project has none here.
 const Dispatch byteReads[] = {
-    {1, "HR5", 3, "01 03 00 04 00 02"},
-    {5, "hr5", 3, "01 03 00 04 00 02"},
-    {1, "FN6HR5", 4, "01 03 00 04 00 02"},
-    {5, "fn6Hr5", 1, "01 03 00 04 00 01"},
-    {1, "IR5", 3, "01 04 00 04 00 02"},
-    {5, "iR5", 3, "01 04 00 04 00 02"},
-    {1, "HRX5", 3, NothingSent},
-    {1, "SW5", 3, NothingSent},
-    {5, "FN6HRX5", 3, NothingSent},
-    {1, "IRX5", 3, NothingSent},
-    {1, "DI5", 3, NothingSent},
-    {1, "DO5", 3, NothingSent},
-    {5, "5", 3, NothingSent},
+    {ByteItem, "HR5", 3, "01 03 00 04 00 02"},
+    {BlockItem, "hr5", 3, "01 03 00 04 00 02"},
+    {ByteItem, "FN6HR5", 4, "01 03 00 04 00 02"},
+    {BlockItem, "fn6Hr5", 1, "01 03 00 04 00 01"},
+    {ByteItem, "IR5", 3, "01 04 00 04 00 02"},
+    {BlockItem, "iR5", 3, "01 04 00 04 00 02"},
+    {ByteItem, "HRX5", 3, NothingSent},
+    {ByteItem, "SW5", 3, NothingSent},
+    {BlockItem, "FN6HRX5", 3, NothingSent},
+    {ByteItem, "IRX5", 3, NothingSent},
+    {ByteItem, "DI5", 3, NothingSent},
+    {ByteItem, "DO5", 3, NothingSent},
+    {BlockItem, "5", 3, NothingSent},
 };
 
 const Dispatch wordReads[] = {
-    {2, "HR5", 3, "01 03 00 04 00 03"},    {2, "hRx5", 3, "01 03 00 04 00 03"},
-    {2, "fn6hr5", 3, "01 03 00 04 00 03"}, {2, "FN6HRX5", 3, "01 03 00 04 00 03"},
-    {2, "IR5", 3, "01 04 00 04 00 03"},    {2, "DO5", 3, "01 04 00 04 00 03"},
-    {2, "DI5", 3, "01 04 00 04 00 03"},    {2, "SW5", 3, "01 04 00 04 00 03"},
-    {2, "H5", 3, "01 04 00 04 00 03"},     {2, "FN5DO5", 3, "01 04 00 04 00 03"},
-    {2, "5", 3, "01 04 00 04 00 03"},      {2, "HR5.7", 3, "01 03 00 04 00 03"},
-    {3, "HR5", 3, "01 03 00 04 00 06"},    {3, "SW5", 3, "01 04 00 04 00 06"},
-    {3, "HRSW5", 3, "01 03 00 04 00 06"},  {3, "fn6hrsw5", 3, "01 03 00 04 00 06"},
-    {3, "DO5", 3, "01 04 00 04 00 06"},    {3, "IR5", 3, "01 04 00 04 00 06"},
+    {WordItem, "HR5", 3, "01 03 00 04 00 03"},         {WordItem, "hRx5", 3, "01 03 00 04 00 03"},
+    {WordItem, "fn6hr5", 3, "01 03 00 04 00 03"},      {WordItem, "FN6HRX5", 3, "01 03 00 04 00 03"},
+    {WordItem, "IR5", 3, "01 04 00 04 00 03"},         {WordItem, "DO5", 3, "01 04 00 04 00 03"},
+    {WordItem, "DI5", 3, "01 04 00 04 00 03"},         {WordItem, "SW5", 3, "01 04 00 04 00 03"},
+    {WordItem, "H5", 3, "01 04 00 04 00 03"},          {WordItem, "FN5DO5", 3, "01 04 00 04 00 03"},
+    {WordItem, "5", 3, "01 04 00 04 00 03"},           {WordItem, "HR5.7", 3, "01 03 00 04 00 03"},
+    {DoubleWordItem, "HR5", 3, "01 03 00 04 00 06"},   {DoubleWordItem, "SW5", 3, "01 04 00 04 00 06"},
+    {DoubleWordItem, "HRSW5", 3, "01 03 00 04 00 06"}, {DoubleWordItem, "fn6hrsw5", 3, "01 03 00 04 00 06"},
+    {DoubleWordItem, "DO5", 3, "01 04 00 04 00 06"},   {DoubleWordItem, "IR5", 3, "01 04 00 04 00 06"},
 };
 
 void PrintTo(const Dispatch &d, std::ostream *out)
@@ -282,7 +291,7 @@ TEST_F(ReadEntry, BytesOfOtherAreasAreCoils)
                  {"FN5DO5", "invalid address 1-DO"}, {"FN5DI5", "invalid address 1-DO"},
                  {"", "invalid address 1-DO"}};
     for (const auto &area : areas) {
-        EXPECT_EQ(read(5, area.address, 1), QByteArray());
+        EXPECT_EQ(read(BlockItem, area.address, 1), QByteArray());
         EXPECT_EQ(error(), area.text) << area.address;
     }
 }

@@ -88,7 +88,7 @@ protected:
         // The other area has all bits, and the station thus an entry: the areas have sets of their own.
         LoadedDriver link(tagsOf(area, walk.used) + tagsOf(otherArea, {0, 1, 2, 3, 4, 5, 6, 7, 65535}));
         link.channel.setResponder(allOn);
-        for (const int kind : {1, 5}) {
+        for (const int kind : {ByteItem, BlockItem}) {
             link.channel.forgetCalls();
             EXPECT_EQ(link.read(kind, (std::string(area) + walk.address).c_str(), walk.count),
                       fromHex(walk.data));
@@ -122,7 +122,7 @@ TEST(UsedBits, RepliesLandWhereTheirBitsBelong)
     LoadedDriver link(tagsOf("DI", {3, 4, 5, 17, 18}));
     link.channel.addReply(framed("01 02 01 05"));
     link.channel.addReply(framed("01 02 01 02"));
-    EXPECT_EQ(link.read(1, "DI2", 3), fromHex("14 00 02"));
+    EXPECT_EQ(link.read(ByteItem, "DI2", 3), fromHex("14 00 02"));
     EXPECT_EQ(runsOf(link.channel, 2), "3@3 2@17");
 }
 
@@ -131,7 +131,7 @@ TEST(UsedBits, DelayBetweenRequestsOnly)
     LoadedDriver link(tagsOf("DI", {0, 1, 2, 5, 7}));
     link.channel.setResponder(allOn);
     link.channel.delay = 40;
-    EXPECT_EQ(link.read(1, "DI1", 1), fromHex("A7"));
+    EXPECT_EQ(link.read(ByteItem, "DI1", 1), fromHex("A7"));
     EXPECT_EQ(link.pauses.sleeps(), std::vector<qint64>(3, 40000000));
     EXPECT_EQ(link.channel.trace(),
               "delayTime isConnected write(" + toHex(framed("01 02 00 00 00 03")) + ") read(5) read(1) " +
@@ -144,7 +144,7 @@ TEST(UsedBits, FailureOfALaterRequestDiscardsTheEarlier)
     LoadedDriver link(tagsOf("DO", {0, 2, 4}));
     link.channel.addReply(framed("01 01 01 01"));
     link.channel.addReply(framed("01 81 02"));
-    EXPECT_EQ(link.read(1, "DO1", 1), QByteArray());
+    EXPECT_EQ(link.read(ByteItem, "DO1", 1), QByteArray());
     EXPECT_EQ(link.error(), "exception code:0x02 (read 1 byte(s) from 1-DO1)");
     EXPECT_EQ(runsOf(link.channel, 1), "1@0 1@2");
 }
@@ -157,7 +157,7 @@ TEST(UsedBits, RetryBeginsWithTheFirstRequest)
     link.channel.addReply(QByteArray());
     link.channel.addReply(framed("01 01 01 00"));
     link.channel.addReply(framed("01 01 01 01"));
-    EXPECT_EQ(link.read(1, "DO1", 1), fromHex("04"));
+    EXPECT_EQ(link.read(ByteItem, "DO1", 1), fromHex("04"));
     EXPECT_EQ(runsOf(link.channel, 1), "1@0 1@2 1@0 1@2");
 }
 
@@ -166,12 +166,12 @@ TEST(UsedBits, LongestRun)
     const std::vector<int> used = addresses(0, 2100);
     LoadedDriver link(tagsOf("DO", used));
     link.channel.setResponder(allOn);
-    EXPECT_EQ(link.read(1, "DO1", 251), QByteArray(251, '\xFF'));
+    EXPECT_EQ(link.read(ByteItem, "DO1", 251), QByteArray(251, '\xFF'));
     EXPECT_EQ(runsOf(link.channel, 1), "2008@0");
     link.channel.forgetCalls();
-    EXPECT_EQ(link.read(1, "DO1", 252), QByteArray());
+    EXPECT_EQ(link.read(ByteItem, "DO1", 252), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2016 bits from DO1 (read 252 byte(s) from 1-DO1)");
-    EXPECT_EQ(link.read(1, "DO11", 300), QByteArray());
+    EXPECT_EQ(link.read(ByteItem, "DO11", 300), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2090 bits from DO11 (read 300 byte(s) from 1-DO11)");
     EXPECT_TRUE(link.isSilent());
 }
@@ -180,9 +180,9 @@ TEST(UsedBits, AreaOfARangeTextIsTheReaders)
 {
     const std::vector<int> used = addresses(9, 2100);
     LoadedDriver link(tagsOf("DO", used) + tagsOf("DI", used));
-    EXPECT_EQ(link.read(5, "Fn5Do1", 300), QByteArray());
+    EXPECT_EQ(link.read(BlockItem, "Fn5Do1", 300), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2091 bits from DO10");
-    EXPECT_EQ(link.read(5, "di1", 300), QByteArray());
+    EXPECT_EQ(link.read(BlockItem, "di1", 300), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2091 bits from DI10");
 }
 
@@ -192,15 +192,15 @@ TEST(UsedBits, StationWithoutTags)
     link.channel.setResponder(allOn);
     for (const int count : {1, 0, -1, std::numeric_limits<int>::max()}) {
         link.channel.station = 8;
-        EXPECT_EQ(link.read(5, "DI1", count), QByteArray());
+        EXPECT_EQ(link.read(BlockItem, "DI1", count), QByteArray());
         EXPECT_EQ(link.error(), "invalid address 8-DI");
-        EXPECT_EQ(link.read(5, "DO1", count), QByteArray());
+        EXPECT_EQ(link.read(BlockItem, "DO1", count), QByteArray());
         EXPECT_EQ(link.error(), "invalid address 8-DO");
     }
     EXPECT_TRUE(link.isSilent());
     link.channel.station = 7;
-    EXPECT_EQ(link.read(5, "DO1", 1), fromHex("01"));
-    EXPECT_EQ(link.read(5, "DI1", 1), fromHex("00"));
+    EXPECT_EQ(link.read(BlockItem, "DO1", 1), fromHex("01"));
+    EXPECT_EQ(link.read(BlockItem, "DI1", 1), fromHex("00"));
 }
 
 TEST(UsedBits, StationIsLookedUpByItsLowByteAndPrintedWhole)
@@ -208,12 +208,12 @@ TEST(UsedBits, StationIsLookedUpByItsLowByteAndPrintedWhole)
     LoadedDriver link(stringList({"7-DO1"}));
     for (const int station : {264, -1, 256, 255}) {
         link.channel.station = station;
-        EXPECT_EQ(link.read(5, "DO1", 1), QByteArray());
+        EXPECT_EQ(link.read(BlockItem, "DO1", 1), QByteArray());
         EXPECT_EQ(link.error(), "invalid address " + std::to_string(station) + "-DO");
     }
     link.channel.station = 263;
     link.channel.setResponder(allOn);
-    EXPECT_EQ(link.read(5, "DO1", 1), QByteArray());
+    EXPECT_EQ(link.read(BlockItem, "DO1", 1), QByteArray());
     EXPECT_EQ(link.error(), "invalid slave id:7");
     EXPECT_EQ(link.channel.requests().at(0), framed("07 01 00 00 00 01"));
 }
@@ -222,7 +222,7 @@ TEST(UsedBits, InvalidAddressIsRetriedAndGetsDetails)
 {
     LoadedDriver link(stringList({"7-DO1"}));
     link.channel.retries = 2;
-    EXPECT_EQ(link.read(1, "DO1", 4), QByteArray());
+    EXPECT_EQ(link.read(ByteItem, "DO1", 4), QByteArray());
     EXPECT_EQ(link.error(), "invalid address 1-DO (read 4 byte(s) from 1-DO1)");
     EXPECT_EQ(link.channel.trace(), "delayTime isConnected delayTime isConnected delayTime isConnected");
 }
@@ -231,7 +231,7 @@ TEST(UsedBits, NothingForCountsBelowOne)
 {
     LoadedDriver link(stringList({"DO1"}));
     for (const int count : {0, -1, -268435457, std::numeric_limits<int>::min()}) {
-        EXPECT_EQ(link.read(1, "DO1", count), QByteArray());
+        EXPECT_EQ(link.read(ByteItem, "DO1", count), QByteArray());
         EXPECT_EQ(link.error(), NoError) << count;
     }
     EXPECT_TRUE(link.isSilent());
@@ -240,13 +240,13 @@ TEST(UsedBits, NothingForCountsBelowOne)
 TEST(UsedBits, CountsWhoseBitsDoNotFitAreRefused)
 {
     LoadedDriver link(stringList({"DO1", "DI1"}));
-    EXPECT_EQ(link.read(5, "DO1", 268435456), QByteArray());
+    EXPECT_EQ(link.read(BlockItem, "DO1", 268435456), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2147483648 bits from DO1");
-    EXPECT_EQ(link.read(1, "DI", 268435456), QByteArray());
+    EXPECT_EQ(link.read(ByteItem, "DI", 268435456), QByteArray());
     EXPECT_EQ(link.error(), "can't read 2147483648 bits from DI65536 (read 268435456 byte(s) from 1-DI)");
-    EXPECT_EQ(link.read(5, "SW3", std::numeric_limits<int>::max()), QByteArray());
+    EXPECT_EQ(link.read(BlockItem, "SW3", std::numeric_limits<int>::max()), QByteArray());
     EXPECT_EQ(link.error(), "can't read 17179869176 bits from DO3");
-    EXPECT_EQ(link.read(5, "DO3", 0x20000000), QByteArray());
+    EXPECT_EQ(link.read(BlockItem, "DO3", 0x20000000), QByteArray());
     EXPECT_EQ(link.error(), "can't read 4294967296 bits from DO3");
     EXPECT_TRUE(link.isSilent());
 }
@@ -255,7 +255,7 @@ TEST(UsedBits, WalkOverMoreThanTheWholeArea)
 {
     LoadedDriver link(tagsOf("DO", {2, 100, 65535}));
     link.channel.setResponder(allOn);
-    const QByteArray data = link.read(1, "DO2", 3 * 8192);
+    const QByteArray data = link.read(ByteItem, "DO2", 3 * 8192);
     ASSERT_EQ(data.size(), 3 * 8192);
     EXPECT_EQ(runsOf(link.channel, 1), "1@2 1@100 1@65535");
     EXPECT_EQ(data.count('\0'), 3 * 8192 - 3);
@@ -305,7 +305,7 @@ TEST(UsedBits, RandomSetsAreWalkedAsTold)
             const int offset = static_cast<int>((random() % 220 + 65536 - 110) % 65536);
             const int count = static_cast<int>(random() % 20);
             link.channel.forgetCalls();
-            link.read(1, ("DO" + std::to_string(offset + 1)).c_str(), count);
+            link.read(ByteItem, ("DO" + std::to_string(offset + 1)).c_str(), count);
             EXPECT_EQ(runsOf(link.channel, 1), walked(used, offset, 8 * count)) << offset << " " << count;
         }
     }

@@ -110,7 +110,7 @@ struct Link {
 void expectRegisters(Link &link, int first, int count)
 {
     const QByteArray address = "HR" + QByteArray::number(first + 1);
-    const QByteArray data = link.read(2, address.constData(), count);
+    const QByteArray data = link.read(WordItem, address.constData(), count);
     ASSERT_EQ(data.size(), 2 * count) << link.error();
     for (int i = 0; i < count; ++i) {
         const int value =
@@ -123,7 +123,7 @@ void expectRegisters(Link &link, int first, int count)
 void expectUsedInputs(Link &link)
 {
     const int expected = 1 | 1 << (link.number - 1);
-    const QByteArray data = link.read(1, "DI1", 1);
+    const QByteArray data = link.read(ByteItem, "DI1", 1);
     ASSERT_EQ(data.size(), 1) << link.error();
     ASSERT_EQ(static_cast<unsigned char>(data.at(0)), expected);
 }
@@ -133,7 +133,7 @@ void expectWrite(Link &link, std::uint16_t value)
     const QByteArray data =
         QByteArray(1, static_cast<char>(value & 0xFF)) + QByteArray(1, static_cast<char>(value >> 8));
     link.channel.forgetCalls();
-    ASSERT_TRUE(link.driver.write(&link.channel, makeCommand(2, QLatin1String("HR60000"), 1), data))
+    ASSERT_TRUE(link.driver.write(&link.channel, makeCommand(WordItem, QLatin1String("HR60000"), 1), data))
         << link.error();
     ASSERT_EQ(link.slave.holdingRegisters[59999], value);
 }
@@ -198,19 +198,19 @@ TEST_F(SideBySide, ObjectsMadeInThreadsWithoutSeedsGetTheSameConnection)
     const bool handsOverConnections = QT_VERSION < 0x050000;
     inOtherThread([&] {
         Link first(1);
-        EXPECT_EQ(first.read(2, "HR1", 1).size(), 2) << first.error();
+        EXPECT_EQ(first.read(WordItem, "HR1", 1).size(), 2) << first.error();
         EXPECT_EQ(connections().size(), 1);
         inOtherThread([&] {
             Link second(2);
             for (int attempt = 0; attempt < 2; ++attempt) {
-                const QByteArray data = second.read(2, "HR1", 1);
+                const QByteArray data = second.read(WordItem, "HR1", 1);
                 EXPECT_EQ(data.size(), handsOverConnections ? 2 : 0);
                 EXPECT_EQ(second.error(),
                           handsOverConnections ? NoError : "failed to get default station id");
             }
             EXPECT_EQ(connections().size(), 1);
         });
-        EXPECT_EQ(first.read(2, "HR1", 1).size(), 2) << "what is loaded does not need the connection";
+        EXPECT_EQ(first.read(WordItem, "HR1", 1).size(), 2) << "what is loaded does not need the connection";
     });
 }
 
@@ -220,7 +220,7 @@ TEST_F(SideBySide, ObjectsMadeInSeededThreadsGetTheirOwn)
         inOtherThread([station] {
             seedThread(1000 + station);
             Link link(static_cast<int>(station));
-            EXPECT_EQ(link.read(2, "HR1", 1).size(), 2) << link.error();
+            EXPECT_EQ(link.read(WordItem, "HR1", 1).size(), 2) << link.error();
         });
     EXPECT_EQ(connections().size(), Links);
 }

@@ -12,7 +12,7 @@ const char WriteRequest[] = "write(01 10 00 00 00 01 02 12 34 ab 27)";
 class WriteEntry : public DriverTest
 {
 protected:
-    bool writeWord() { return write(2, "HR1", 1, fromHex("34 12")); }
+    bool writeWord() { return write(WordItem, "HR1", 1, fromHex("34 12")); }
 };
 
 std::string repeated(const std::string &attempt, int times)
@@ -90,20 +90,19 @@ TEST_F(WriteEntry, UnsupportedKindsAreNotTriedAgain)
 {
     channel.retries = 3;
     channel.delay = 5;
-    for (const int kind :
-         {4, 7, 8, 100, -1, -4, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+    for (const int kind : UnsupportedKinds) {
         channel.forgetCalls();
         EXPECT_FALSE(write(kind, "HR1", 1, fromHex("34 12")));
         EXPECT_EQ(error(), "unsupported data type: HR1") << kind;
         EXPECT_EQ(channel.trace(), "delayTime isConnected");
     }
-    EXPECT_EQ(pauses.sleeps().size(), 8u);
+    EXPECT_EQ(pauses.sleeps().size(), sizeof UnsupportedKinds / sizeof *UnsupportedKinds);
 }
 
 TEST_F(WriteEntry, UnsupportedKindOpensTheChannelFirst)
 {
     channel.connected = false;
-    EXPECT_FALSE(write(4, "HR1", 1, QByteArray()));
+    EXPECT_FALSE(write(EightByteItem, "HR1", 1, QByteArray()));
     EXPECT_EQ(error(), "unsupported data type: HR1");
     EXPECT_EQ(channel.trace(), "delayTime isConnected open");
 }
@@ -114,20 +113,21 @@ TEST_F(WriteEntry, AreasWithoutWriterAreRetried)
         int kind;
         const char *address;
         const char *text;
-    } areas[] = {{0, "DI5", "can't write any bit to DI5 (write 1 bit to 1-DI5)"},
-                 {6, "IR5.3", "can't write any bit to IR5.3"},
-                 {0, "5", "can't write any bit to 5 (write 1 bit to 1-5)"},
-                 {0, "FN6DO5", "can't write any bit to FN6DO5 (write 1 bit to 1-FN6DO5)"},
-                 {0, "FN5HR5", "can't write any bit to FN5HR5 (write 1 bit to 1-FN5HR5)"},
-                 {1, "IR5", "can't write any byte to IR5 (write 1 byte to 1-IR5)"},
-                 {5, "DO5", "can't write any byte to DO5"},
-                 {1, "", "can't write any byte to  (write 1 byte to 1-)"},
-                 {2, "IR5", "can't write any word to IR5 (write 1 word to 1-IR5)"},
-                 {2, "SW5", "can't write any word to SW5 (write 1 word to 1-SW5)"},
-                 {2, "FN5HR", "can't write any word to FN5HR (write 1 word to 1-FN5HR)"},
-                 {3, "FN5DO5", "can't write any double word to FN5DO5 (write 1 dword to 1-FN5DO5)"},
-                 {3, "sw5", "can't write any double word to sw5 (write 1 dword to 1-sw5)"},
-                 {3, "XHR5", "can't write any double word to XHR5 (write 1 dword to 1-XHR5)"}};
+    } areas[] = {
+        {BitItem, "DI5", "can't write any bit to DI5 (write 1 bit to 1-DI5)"},
+        {SecondBitItem, "IR5.3", "can't write any bit to IR5.3"},
+        {BitItem, "5", "can't write any bit to 5 (write 1 bit to 1-5)"},
+        {BitItem, "FN6DO5", "can't write any bit to FN6DO5 (write 1 bit to 1-FN6DO5)"},
+        {BitItem, "FN5HR5", "can't write any bit to FN5HR5 (write 1 bit to 1-FN5HR5)"},
+        {ByteItem, "IR5", "can't write any byte to IR5 (write 1 byte to 1-IR5)"},
+        {BlockItem, "DO5", "can't write any byte to DO5"},
+        {ByteItem, "", "can't write any byte to  (write 1 byte to 1-)"},
+        {WordItem, "IR5", "can't write any word to IR5 (write 1 word to 1-IR5)"},
+        {WordItem, "SW5", "can't write any word to SW5 (write 1 word to 1-SW5)"},
+        {WordItem, "FN5HR", "can't write any word to FN5HR (write 1 word to 1-FN5HR)"},
+        {DoubleWordItem, "FN5DO5", "can't write any double word to FN5DO5 (write 1 dword to 1-FN5DO5)"},
+        {DoubleWordItem, "sw5", "can't write any double word to sw5 (write 1 dword to 1-sw5)"},
+        {DoubleWordItem, "XHR5", "can't write any double word to XHR5 (write 1 dword to 1-XHR5)"}};
     channel.retries = 2;
     channel.delay = 7;
     for (const auto &area : areas) {
@@ -141,9 +141,9 @@ TEST_F(WriteEntry, AreasWithoutWriterAreRetried)
 
 TEST_F(WriteEntry, AreaIsRefusedBeforeTheCount)
 {
-    EXPECT_FALSE(write(2, "IR1", std::numeric_limits<int>::max(), QByteArray()));
+    EXPECT_FALSE(write(WordItem, "IR1", std::numeric_limits<int>::max(), QByteArray()));
     EXPECT_EQ(error(), "can't write any word to IR1 (write 2147483647 word to 1-IR1)");
-    EXPECT_FALSE(write(0, "DI1", std::numeric_limits<int>::min(), QByteArray()));
+    EXPECT_FALSE(write(BitItem, "DI1", std::numeric_limits<int>::min(), QByteArray()));
     EXPECT_EQ(error(), "can't write any bit to DI1 (write -2147483648 bit to 1-DI1)");
 }
 
@@ -151,7 +151,7 @@ TEST_F(WriteEntry, WithoutDatabaseNothingIsTried)
 {
     DriverModbusRtuSlaveOverTcp unloaded;
     channel.connected = false;
-    EXPECT_FALSE(unloaded.write(&channel, makeCommand(2, QLatin1String("HR1"), 1), fromHex("34 12")));
+    EXPECT_FALSE(unloaded.write(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1), fromHex("34 12")));
     EXPECT_EQ(unloaded.getLastError(), QString(QLatin1String("can not open database")));
     EXPECT_EQ(channel.trace(), "");
     EXPECT_EQ(channel.count(ScriptedChannel::GetDeviceSetting), 1);
@@ -175,27 +175,31 @@ struct Dispatch {
 };
 
 const Dispatch bitWrites[] = {
-    {0, "DO3", 3, "05", "01 0F 00 02 00 03 01 05"},   {6, "doX3", 3, "05", "01 0F 00 02 00 03 01 05"},
-    {0, "DO3.2", 3, "05", "01 0F 00 02 00 03 01 05"}, {0, "FN5DO3", 3, "05", "01 05 00 02 FF 00"},
-    {6, "fn5doX3", 3, "05", "01 05 00 02 FF 00"},     {0, "HR3.2", 3, "05", "01 03 00 02 00 01"},
-    {6, "hrX3.15", 3, "05", "01 03 00 02 00 02"},     {0, "FN6HR3.2", 3, "05", "01 03 00 02 00 01"},
-    {6, "Fn6HrX3.15", 3, "05", "01 03 00 02 00 02"},
+    {BitItem, "DO3", 3, "05", "01 0F 00 02 00 03 01 05"},
+    {SecondBitItem, "doX3", 3, "05", "01 0F 00 02 00 03 01 05"},
+    {BitItem, "DO3.2", 3, "05", "01 0F 00 02 00 03 01 05"},
+    {BitItem, "FN5DO3", 3, "05", "01 05 00 02 FF 00"},
+    {SecondBitItem, "fn5doX3", 3, "05", "01 05 00 02 FF 00"},
+    {BitItem, "HR3.2", 3, "05", "01 03 00 02 00 01"},
+    {SecondBitItem, "hrX3.15", 3, "05", "01 03 00 02 00 02"},
+    {BitItem, "FN6HR3.2", 3, "05", "01 03 00 02 00 01"},
+    {SecondBitItem, "Fn6HrX3.15", 3, "05", "01 03 00 02 00 02"},
 };
 
 const Dispatch registerWrites[] = {
-    {1, "HR3", 3, "11 22 33", "01 10 00 02 00 02 04 22 11 00 33"},
-    {5, "hrX3", 3, "11 22 33", "01 10 00 02 00 02 04 22 11 00 33"},
-    {1, "FN6HR3", 3, "11 22 33", "01 06 00 02 22 11"},
-    {5, "fn6hrX3", 3, "11 22 33", "01 06 00 02 22 11"},
-    {2, "HR3", 2, "11 22 33 44", "01 10 00 02 00 02 04 22 11 44 33"},
-    {2, "hRsW3.7", 2, "11 22 33 44", "01 10 00 02 00 02 04 22 11 44 33"},
-    {2, "FN6HR3", 2, "11 22 33 44", "01 06 00 02 22 11"},
-    {2, "fn6hrX3", 2, "11 22 33 44", "01 06 00 02 22 11"},
-    {3, "HR3", 1, "11 22 33 44", "01 10 00 02 00 02 04 22 11 44 33"},
-    {3, "HRSW3", 1, "11 22 33 44", "01 10 00 02 00 02 04 44 33 22 11"},
-    {3, "hr3 sw", 1, "11 22 33 44", "01 10 00 02 00 02 04 44 33 22 11"},
-    {3, "FN6HR3", 1, "11 22 33 44", "01 06 00 02 22 11"},
-    {3, "fn6hrsw3", 1, "11 22 33 44", "01 06 00 02 44 33"},
+    {ByteItem, "HR3", 3, "11 22 33", "01 10 00 02 00 02 04 22 11 00 33"},
+    {BlockItem, "hrX3", 3, "11 22 33", "01 10 00 02 00 02 04 22 11 00 33"},
+    {ByteItem, "FN6HR3", 3, "11 22 33", "01 06 00 02 22 11"},
+    {BlockItem, "fn6hrX3", 3, "11 22 33", "01 06 00 02 22 11"},
+    {WordItem, "HR3", 2, "11 22 33 44", "01 10 00 02 00 02 04 22 11 44 33"},
+    {WordItem, "hRsW3.7", 2, "11 22 33 44", "01 10 00 02 00 02 04 22 11 44 33"},
+    {WordItem, "FN6HR3", 2, "11 22 33 44", "01 06 00 02 22 11"},
+    {WordItem, "fn6hrX3", 2, "11 22 33 44", "01 06 00 02 22 11"},
+    {DoubleWordItem, "HR3", 1, "11 22 33 44", "01 10 00 02 00 02 04 22 11 44 33"},
+    {DoubleWordItem, "HRSW3", 1, "11 22 33 44", "01 10 00 02 00 02 04 44 33 22 11"},
+    {DoubleWordItem, "hr3 sw", 1, "11 22 33 44", "01 10 00 02 00 02 04 44 33 22 11"},
+    {DoubleWordItem, "FN6HR3", 1, "11 22 33 44", "01 06 00 02 22 11"},
+    {DoubleWordItem, "fn6hrsw3", 1, "11 22 33 44", "01 06 00 02 44 33"},
 };
 
 void PrintTo(const Dispatch &d, std::ostream *out)
@@ -228,17 +232,17 @@ TEST_F(WriteEntry, DataIsSizedByTheCommand)
         int count;
         const char *data;
         const char *request;
-    } sizes[] = {{2, "HR1", 2, "01 02 03", "01 10 00 00 00 02 04 02 01 00 03"},
-                 {2, "HR1", 2, "", "01 10 00 00 00 02 04 00 00 00 00"},
-                 {2, "HR1", 2, "01 02 03 04 05 06", "01 10 00 00 00 02 04 02 01 04 03"},
-                 {3, "HR1", 1, "01", "01 10 00 00 00 02 04 00 01 00 00"},
-                 {3, "SWHR1", 1, "01", nullptr},
-                 {3, "HRSW1", 1, "01 02 03 04 05", "01 10 00 00 00 02 04 04 03 02 01"},
-                 {1, "HR1", 1, "01 02", "01 10 00 00 00 01 02 00 01"},
-                 {5, "HR1", 4, "01 02", "01 10 00 00 00 02 04 02 01 00 00"},
-                 {0, "DO1", 9, "FF", "01 0F 00 00 00 09 02 FF 00"},
-                 {6, "DO1", 8, "AA BB", "01 0F 00 00 00 08 01 AA"},
-                 {0, "DO1", 9, "AA FF CC", "01 0F 00 00 00 09 02 AA FF"}};
+    } sizes[] = {{WordItem, "HR1", 2, "01 02 03", "01 10 00 00 00 02 04 02 01 00 03"},
+                 {WordItem, "HR1", 2, "", "01 10 00 00 00 02 04 00 00 00 00"},
+                 {WordItem, "HR1", 2, "01 02 03 04 05 06", "01 10 00 00 00 02 04 02 01 04 03"},
+                 {DoubleWordItem, "HR1", 1, "01", "01 10 00 00 00 02 04 00 01 00 00"},
+                 {DoubleWordItem, "SWHR1", 1, "01", nullptr},
+                 {DoubleWordItem, "HRSW1", 1, "01 02 03 04 05", "01 10 00 00 00 02 04 04 03 02 01"},
+                 {ByteItem, "HR1", 1, "01 02", "01 10 00 00 00 01 02 00 01"},
+                 {BlockItem, "HR1", 4, "01 02", "01 10 00 00 00 02 04 02 01 00 00"},
+                 {BitItem, "DO1", 9, "FF", "01 0F 00 00 00 09 02 FF 00"},
+                 {SecondBitItem, "DO1", 8, "AA BB", "01 0F 00 00 00 08 01 AA"},
+                 {BitItem, "DO1", 9, "AA FF CC", "01 0F 00 00 00 09 02 AA FF"}};
     for (const auto &size : sizes) {
         channel.forgetCalls();
         write(size.dataType, size.address, size.count, fromHex(size.data));
@@ -259,7 +263,7 @@ TEST_F(WriteEntry, HugeCountsTakeNoMemory)
     const long before = peakKilobytes();
     for (const int count : {std::numeric_limits<int>::min(), -1, 0x10000000, 0x20000001, 0x40000001,
                             std::numeric_limits<int>::max()})
-        for (int kind = 0; kind <= 8; ++kind)
+        for (int kind = BitItem; kind <= SecondBitItem + 2; ++kind)
             for (const char *address : {"HR1", "FN6HR1", "DO1", "FN5DO1", "DI1"})
                 EXPECT_FALSE(write(kind, address, count, fromHex("01")));
     EXPECT_LT(peakKilobytes() - before, 32 * 1024);
@@ -270,7 +274,7 @@ TEST_F(WriteEntry, DataOfTheHostIsLeftAlone)
 {
     const char bytes[] = {1, 2, 3, 4};
     for (const char *address : {"HRSW1", "FN6HR1"})
-        write(3, address, 1, QByteArray::fromRawData(bytes, 4));
-    write(0, "HR1.3", 20, QByteArray::fromRawData(bytes, 4));
+        write(DoubleWordItem, address, 1, QByteArray::fromRawData(bytes, 4));
+    write(BitItem, "HR1.3", 20, QByteArray::fromRawData(bytes, 4));
     EXPECT_EQ(QByteArray(bytes, 4), fromHex("01 02 03 04"));
 }

@@ -38,6 +38,11 @@ std::string textOf(const Command &command)
            std::to_string(command.station) + ", data " + toHex(command.data);
 }
 
+bool isBits(int dataType)
+{
+    return dataType == BitItem || dataType == SecondBitItem;
+}
+
 class Generator
 {
 public:
@@ -62,10 +67,11 @@ public:
 
     Command command()
     {
+        static const int kinds[] = {BitItem, ByteItem, WordItem, DoubleWordItem, BlockItem, SecondBitItem};
         static const int stations[] = {1, 1, 1, 1, 1, 1, 2, 2, 3, 257};
         Command next;
         next.isWrite = oneIn(2);
-        next.dataType = oneIn(50) ? (oneIn(2) ? 4 : 7 + below(3)) : oneOf({0, 1, 2, 3, 5, 6});
+        next.dataType = oneIn(50) ? unsupportedKind() : oneOf(kinds);
         next.address = address();
         const bool isOneByOne = next.isWrite && next.address.area[0] % 32 == 'F' % 32;
         next.count = isOneByOne && !oneIn(20) ? below(6) : count(next.dataType);
@@ -76,6 +82,11 @@ public:
     }
 
 private:
+    int unsupportedKind()
+    {
+        return oneIn(2) ? static_cast<int>(EightByteItem) : SecondBitItem + 1 + below(3);
+    }
+
     DriverModel::Address address()
     {
         static const char *const areas[] = {"HR",   "HR",      "HR",  "FN6HR", "FN6HR", "IR",    "IR",
@@ -117,10 +128,10 @@ private:
             return oneOf(odd);
         if (!oneIn(4))
             return below(40);
-        const int limit = dataType == 2                    ? oneOf(wordLimits)
-                          : dataType == 3                  ? oneOf(doubleWordLimits)
-                          : dataType == 0 || dataType == 6 ? oneOf(bitLimits)
-                                                           : oneOf(byteLimits);
+        const int limit = dataType == WordItem         ? oneOf(wordLimits)
+                          : dataType == DoubleWordItem ? oneOf(doubleWordLimits)
+                          : isBits(dataType)           ? oneOf(bitLimits)
+                                                       : oneOf(byteLimits);
         return limit - 2 + below(5);
     }
 
@@ -128,10 +139,10 @@ private:
     QByteArray data(const Command &command)
     {
         const int items = qBound(0, command.count, 2100);
-        const int size = command.dataType == 2                            ? 2 * items
-                         : command.dataType == 3                          ? 4 * items
-                         : command.dataType == 0 || command.dataType == 6 ? (items + 7) / 8
-                                                                          : items;
+        const int size = command.dataType == WordItem         ? 2 * items
+                         : command.dataType == DoubleWordItem ? 4 * items
+                         : isBits(command.dataType)           ? (items + 7) / 8
+                                                              : items;
         return bytes(oneIn(5) ? qMax(0, size - 3 + below(6)) : size);
     }
 

@@ -1,5 +1,7 @@
 #include "tests/model/driver_model.h"
 
+#include "drivers/tools/command_data.h"
+
 #include <algorithm>
 #include <cctype>
 
@@ -20,12 +22,17 @@ bool begins(const std::string &text, const char *prefix)
 
 bool isBits(int dataType)
 {
-    return dataType == 0 || dataType == 6;
+    return dataType == BitItem || dataType == SecondBitItem;
 }
 
 bool isBytes(int dataType)
 {
-    return dataType == 1 || dataType == 5;
+    return dataType == ByteItem || dataType == BlockItem;
+}
+
+bool isSupported(int dataType)
+{
+    return dataType <= SecondBitItem && dataType != EightByteItem;
 }
 
 bool isHighWordFirst(const DriverModel::Address &address)
@@ -40,20 +47,22 @@ bool isHolding(const std::string &area)
 
 const char *itemName(int dataType)
 {
-    return dataType == 2 ? "word" : dataType == 3 ? "double word" : "byte";
+    return dataType == WordItem ? "word" : dataType == DoubleWordItem ? "double word" : "byte";
 }
 
 // -1 for a negative count.
 long long registersFor(int dataType, long long count)
 {
-    const long long registers = dataType == 2 ? count : dataType == 3 ? 2 * count : (count + 1) / 2;
+    const long long registers = dataType == WordItem         ? count
+                                : dataType == DoubleWordItem ? 2 * count
+                                                             : (count + 1) / 2;
     return count < 0 ? -1 : registers;
 }
 
 std::string details(const char *begin, const char *const names[], const char *middle, int dataType,
                     const DriverModel::Address &address, int count, int station)
 {
-    if (dataType > 3)
+    if (dataType > DoubleWordItem)
         return std::string();
     return std::string(" (") + begin + " " + std::to_string(count) + " " + names[dataType] + " " + middle +
            " " + std::to_string(station % 256) + "-" + address.text + ")";
@@ -82,7 +91,7 @@ char low(int value)
 // The registers that hold the host's data: \a dataType of it, padded or cut to count items.
 std::vector<std::uint16_t> registersOf(int dataType, long long count, const QByteArray &data, bool isSwapped)
 {
-    const long long size = dataType == 2 ? 2 * count : dataType == 3 ? 4 * count : count;
+    const long long size = dataType == WordItem ? 2 * count : dataType == DoubleWordItem ? 4 * count : count;
     std::vector<std::uint16_t> registers;
     for (int i = 0; i < size; i += 2) {
         const auto byte = [&](int at) {
@@ -113,7 +122,7 @@ DriverModel::Outcome DriverModel::read(int dataType, const Address &address, int
     Outcome outcome = {QByteArray(), false, std::string()};
     error.clear();
     const std::string area = upper(address.area);
-    if (dataType == 4 || dataType > 6)
+    if (!isSupported(dataType))
         return {QByteArray(), false, "unsupported data type: " + address.text};
     const bool isCoil = begins(area, "DO") || begins(area, "FN5DO");
     if (isBits(dataType))
@@ -133,7 +142,7 @@ DriverModel::Outcome DriverModel::write(int dataType, const Address &address, in
 {
     static const char *const names[] = {"bit", "byte", "word", "dword"};
     static const char *const items[] = {"bit", "byte", "word", "double word", "", "byte", "bit"};
-    if (dataType == 4 || dataType > 6)
+    if (!isSupported(dataType))
         return {QByteArray(), false, "unsupported data type: " + address.text};
     Outcome outcome = {QByteArray(), false, std::string()};
     error.clear();
@@ -194,7 +203,7 @@ QByteArray DriverModel::readRegisterItems(int dataType, const Address &address, 
     std::vector<std::uint16_t> registers;
     if (!readRegisters(item, address, address.area, needed, registers))
         return QByteArray();
-    if (dataType == 3 && isHighWordFirst(address))
+    if (dataType == DoubleWordItem && isHighWordFirst(address))
         for (size_t i = 0; i < registers.size(); i += 2)
             std::swap(registers[i], registers[i + 1]);
     QByteArray data;
@@ -270,7 +279,7 @@ bool DriverModel::writeRegisters(int dataType, const Address &address, long long
     const long long needed = registersFor(dataType, count);
     if (needed < 0 || needed > 123 || address.offset + needed > 65536)
         return fail(std::string("can't write any ") + item + " to HR" + std::to_string(address.offset + 1));
-    const bool isSwapped = dataType == 3 && isHighWordFirst(address);
+    const bool isSwapped = dataType == DoubleWordItem && isHighWordFirst(address);
     return storeRegisters(item, address.offset, registersOf(dataType, count, data, isSwapped), isOneByOne);
 }
 

@@ -26,7 +26,7 @@ protected:
     std::string load()
     {
         channel.forgetCalls();
-        const QByteArray data = driver.read(&channel, makeCommand(2, QLatin1String("HR1"), 1));
+        const QByteArray data = driver.read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1));
         if (!driver.hasError()) {
             EXPECT_EQ(data, fromHex("34 12"));
             return "ok";
@@ -87,7 +87,7 @@ TEST_F(FirstUse, MissingFile)
 
 TEST_F(FirstUse, MissingFileBeforeAWrite)
 {
-    const CommunicatorCommand command = makeCommand(2, text("HR1"), 1);
+    const CommunicatorCommand command = makeCommand(WordItem, text("HR1"), 1);
     EXPECT_FALSE(driver.write(&channel, command, fromHex("34 12")));
     EXPECT_EQ(driver.getLastError(), text(CanNotOpen));
     EXPECT_FALSE(driver.write(&channel, command, fromHex("34 12")));
@@ -99,7 +99,7 @@ TEST_F(FirstUse, WriteLoadsAsWell)
 {
     const ProjectDatabase project(QStringList(), 1);
     channel.setResponder(echoOf);
-    EXPECT_TRUE(driver.write(&channel, makeCommand(2, text("HR1"), 1), fromHex("34 12")));
+    EXPECT_TRUE(driver.write(&channel, makeCommand(WordItem, text("HR1"), 1), fromHex("34 12")));
     EXPECT_EQ(channel.count(ScriptedChannel::GetDeviceSetting), 1);
 }
 
@@ -140,9 +140,9 @@ TEST_F(FirstUse, FilesThatAreNoDatabase)
     for (const QByteArray &content : others) {
         makeFile(content);
         DriverModbusRtuSlaveOverTcp fresh;
-        fresh.read(&channel, makeCommand(2, text("HR1"), 1));
+        fresh.read(&channel, makeCommand(WordItem, text("HR1"), 1));
         EXPECT_EQ(fresh.getLastError(), text(CanNotOpen)) << content.constData();
-        fresh.read(&channel, makeCommand(2, text("HR1"), 1));
+        fresh.read(&channel, makeCommand(WordItem, text("HR1"), 1));
         EXPECT_EQ(fresh.getLastError(), text(NoStation));
     }
     EXPECT_EQ(channel.trace(), "");
@@ -247,7 +247,7 @@ TEST_F(FirstUse, ChangesAfterTheLoadAreNotSeen)
     project.addTags(stringList({"DO2"}), 1);
     channel.forgetCalls();
     channel.addReply(framed("01 01 01 FF"));
-    EXPECT_EQ(driver.read(&channel, makeCommand(1, text("DO1"), 1)), fromHex("01"));
+    EXPECT_EQ(driver.read(&channel, makeCommand(ByteItem, text("DO1"), 1)), fromHex("01"));
     EXPECT_EQ(channel.requests().size(), 1);
 }
 
@@ -264,7 +264,7 @@ TEST_F(FirstUse, ConnectionIsReadOnly)
 TEST_F(FirstUse, DestroyingTheDriverLeavesTheConnectionRegistered)
 {
     ProjectDatabase project;
-    const CommunicatorCommand command = makeCommand(2, text("HR1"), 1);
+    const CommunicatorCommand command = makeCommand(WordItem, text("HR1"), 1);
     {
         DriverModbusRtuSlaveOverTcp shortLived;
         shortLived.read(&channel, command);

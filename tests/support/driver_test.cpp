@@ -11,7 +11,7 @@ QStringList stringList(std::initializer_list<const char *> texts)
 LoadedDriver::LoadedDriver(const QStringList &tags)
 {
     const ProjectDatabase project(tags, 1);
-    const CommunicatorCommand unsupported = makeCommand(4, QString(), 0);
+    const CommunicatorCommand unsupported = makeCommand(EightByteItem, QString(), 0);
     driver.read(&channel, unsupported);
     channel.forgetCalls();
 }

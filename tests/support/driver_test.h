@@ -8,9 +8,20 @@
 #include "tests/support/project_database.h"
 #include "tests/support/sleep_recorder.h"
 
+#include <limits>
 #include <string>
 
 const char NoError[] = "no error";
+
+/// The one kind of item that the driver does not serve, and numbers that are no kind.
+const int UnsupportedKinds[] = {EightByteItem,
+                                SecondBitItem + 1,
+                                SecondBitItem + 2,
+                                100,
+                                -1,
+                                -4,
+                                std::numeric_limits<int>::max(),
+                                std::numeric_limits<int>::min()};
 
 /// The strings as a list, for tags.
 QStringList stringList(std::initializer_list<const char *> texts);

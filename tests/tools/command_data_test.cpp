@@ -32,15 +32,27 @@ unsigned int roundedUp(quint64 value, unsigned int divisor)
 
 } // namespace
 
+// Hosts have the numbers of the kinds compiled in.
+TEST(CommandData, NumbersOfTheKinds)
+{
+    EXPECT_EQ(BitItem, 0);
+    EXPECT_EQ(ByteItem, 1);
+    EXPECT_EQ(WordItem, 2);
+    EXPECT_EQ(DoubleWordItem, 3);
+    EXPECT_EQ(EightByteItem, 4);
+    EXPECT_EQ(BlockItem, 5);
+    EXPECT_EQ(SecondBitItem, 6);
+}
+
 TEST(CommandData, PredicatesKnowTheirKindAlone)
 {
-    for (int type = -1; type <= 8; ++type) {
-        const CommunicatorCommand asked = command(type, 1);
-        EXPECT_EQ(isBitCommand(asked), type == 0) << type;
-        EXPECT_EQ(isByteCommand(asked), type == 1) << type;
-        EXPECT_EQ(isWordCommand(asked), type == 2) << type;
-        EXPECT_EQ(isDoubleWordCommand(asked), type == 3) << type;
-        EXPECT_EQ(isBlockCommand(asked), type == 5) << type;
+    for (int kind = -1; kind <= SecondBitItem + 2; ++kind) {
+        const CommunicatorCommand asked = command(kind, 1);
+        EXPECT_EQ(isBitCommand(asked), kind == BitItem) << kind;
+        EXPECT_EQ(isByteCommand(asked), kind == ByteItem) << kind;
+        EXPECT_EQ(isWordCommand(asked), kind == WordItem) << kind;
+        EXPECT_EQ(isDoubleWordCommand(asked), kind == DoubleWordItem) << kind;
+        EXPECT_EQ(isBlockCommand(asked), kind == BlockItem) << kind;
     }
 }
 
@@ -54,16 +66,16 @@ TEST(CommandData, BitData)
 
 TEST(CommandData, SafeLengthOfEveryKind)
 {
-    EXPECT_EQ(safeLength(0, 9), 2);
-    EXPECT_EQ(safeLength(6, 9), 2);
-    EXPECT_EQ(safeLength(0, 8), 1);
-    EXPECT_EQ(safeLength(6, 1), 1);
-    EXPECT_EQ(safeLength(0, 0), 0);
-    EXPECT_EQ(safeLength(1, 3), 3);
-    EXPECT_EQ(safeLength(5, 3), 3);
-    EXPECT_EQ(safeLength(2, 3), 6);
-    EXPECT_EQ(safeLength(3, 3), 12);
-    EXPECT_EQ(safeLength(4, 3), 24);
+    EXPECT_EQ(safeLength(BitItem, 9), 2);
+    EXPECT_EQ(safeLength(SecondBitItem, 9), 2);
+    EXPECT_EQ(safeLength(BitItem, 8), 1);
+    EXPECT_EQ(safeLength(SecondBitItem, 1), 1);
+    EXPECT_EQ(safeLength(BitItem, 0), 0);
+    EXPECT_EQ(safeLength(ByteItem, 3), 3);
+    EXPECT_EQ(safeLength(BlockItem, 3), 3);
+    EXPECT_EQ(safeLength(WordItem, 3), 6);
+    EXPECT_EQ(safeLength(DoubleWordItem, 3), 12);
+    EXPECT_EQ(safeLength(EightByteItem, 3), 24);
     EXPECT_EQ(safeLength(7, 3), 0);
     EXPECT_EQ(safeLength(-1, 3), 0);
     EXPECT_EQ(safeLength(LargestInt, 3), 0);
@@ -71,27 +83,27 @@ TEST(CommandData, SafeLengthOfEveryKind)
 
 TEST(CommandData, SafeLengthOfCountsAtTheLimits)
 {
-    EXPECT_EQ(safeLength(0, LargestInt), 0x10000000);
-    EXPECT_EQ(safeLength(0, -1), 0x20000000);
-    EXPECT_EQ(safeLength(6, SmallestInt), 0x10000000);
-    EXPECT_EQ(safeLength(1, -1), -1);
-    EXPECT_EQ(safeLength(2, -3), -6);
-    EXPECT_EQ(safeLength(2, LargestInt), LargestInt);
-    EXPECT_EQ(safeLength(3, LargestInt / 4 + 1), LargestInt);
-    EXPECT_EQ(safeLength(3, LargestInt / 4), LargestInt / 4 * 4);
-    EXPECT_EQ(safeLength(4, SmallestInt), SmallestInt);
+    EXPECT_EQ(safeLength(BitItem, LargestInt), 0x10000000);
+    EXPECT_EQ(safeLength(BitItem, -1), 0x20000000);
+    EXPECT_EQ(safeLength(SecondBitItem, SmallestInt), 0x10000000);
+    EXPECT_EQ(safeLength(ByteItem, -1), -1);
+    EXPECT_EQ(safeLength(WordItem, -3), -6);
+    EXPECT_EQ(safeLength(WordItem, LargestInt), LargestInt);
+    EXPECT_EQ(safeLength(DoubleWordItem, LargestInt / 4 + 1), LargestInt);
+    EXPECT_EQ(safeLength(DoubleWordItem, LargestInt / 4), LargestInt / 4 * 4);
+    EXPECT_EQ(safeLength(EightByteItem, SmallestInt), SmallestInt);
 }
 
 TEST(CommandData, SafeDataIsPaddedOrCut)
 {
-    EXPECT_EQ(ToSafeData(command(2, 2), fromHex("01 02 03")), fromHex("01 02 03 00"));
-    EXPECT_EQ(ToSafeData(command(2, 2), fromHex("01 02 03 04 05 06")), fromHex("01 02 03 04"));
-    EXPECT_EQ(ToSafeData(command(2, 2), fromHex("01 02 03 04")), fromHex("01 02 03 04"));
-    EXPECT_EQ(ToSafeData(command(3, 1), QByteArray()), fromHex("00 00 00 00"));
-    EXPECT_EQ(ToSafeData(command(0, 9), fromHex("FF")), fromHex("FF 00"));
+    EXPECT_EQ(ToSafeData(command(WordItem, 2), fromHex("01 02 03")), fromHex("01 02 03 00"));
+    EXPECT_EQ(ToSafeData(command(WordItem, 2), fromHex("01 02 03 04 05 06")), fromHex("01 02 03 04"));
+    EXPECT_EQ(ToSafeData(command(WordItem, 2), fromHex("01 02 03 04")), fromHex("01 02 03 04"));
+    EXPECT_EQ(ToSafeData(command(DoubleWordItem, 1), QByteArray()), fromHex("00 00 00 00"));
+    EXPECT_EQ(ToSafeData(command(BitItem, 9), fromHex("FF")), fromHex("FF 00"));
     EXPECT_EQ(ToSafeData(command(9, 5), fromHex("01 02")), QByteArray());
-    EXPECT_EQ(ToSafeData(command(1, 0), fromHex("01 02")), QByteArray());
-    EXPECT_EQ(ToSafeData(command(1, -1), fromHex("01 02")), QByteArray());
+    EXPECT_EQ(ToSafeData(command(ByteItem, 0), fromHex("01 02")), QByteArray());
+    EXPECT_EQ(ToSafeData(command(ByteItem, -1), fromHex("01 02")), QByteArray());
 }
 
 TEST(CommandData, BitsToItems)
