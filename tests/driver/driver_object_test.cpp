@@ -1,6 +1,7 @@
 #include "drivers/device_setting.h"
 #include "drivers/driver_setting.h"
 #include "tests/support/driver_test.h"
+#include "tests/support/random_data.h"
 
 #include <QScopedPointer>
 #include <QSqlDatabase>
@@ -20,20 +21,12 @@ QString text(const char *latin1)
     return QLatin1String(latin1);
 }
 
-void seed(uint number)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    qsrand(number);
-#pragma GCC diagnostic pop
-}
-
 // What a driver draws first after this seed, which is set again.
 QString firstNumberAfter(uint number)
 {
-    seed(number);
+    seedRandomNumbers(number);
     QString first = QString::number(nextRandomNumber());
-    seed(number);
+    seedRandomNumbers(number);
     return first;
 }
 
@@ -227,7 +220,7 @@ TEST(ConnectionName, SharedByObjectsThatDrewTheSameNumber)
     const ProjectDatabase project(QStringList(), 1);
     const QString expected = firstNumberAfter(20092);
     DriverModbusRtuSlaveOverTcp first;
-    seed(20092);
+    seedRandomNumbers(20092);
     DriverModbusRtuSlaveOverTcp second;
     ScriptedChannel channel;
     const int before = QSqlDatabase::connectionNames().size();

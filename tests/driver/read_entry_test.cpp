@@ -16,14 +16,6 @@ protected:
     }
 };
 
-std::string repeated(const std::string &attempt, int times)
-{
-    std::string all;
-    for (int i = 0; i < times; ++i)
-        all += (i > 0 ? " " : "") + attempt;
-    return all;
-}
-
 } // namespace
 
 TEST_F(ReadEntry, SilentSlaveIsAskedOnceMoreForEachRetry)
@@ -187,7 +179,7 @@ TEST_F(ReadEntry, WithoutDatabaseNothingIsTried)
     channel.connected = false;
     EXPECT_EQ(unloaded.read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1)), QByteArray());
     EXPECT_TRUE(unloaded.hasError());
-    EXPECT_EQ(unloaded.getLastError(), QString(QLatin1String("can not open database")));
+    EXPECT_EQ(unloaded.getLastError(), QString(QLatin1String(CanNotOpen)));
     EXPECT_EQ(channel.trace(), "");
 }
 

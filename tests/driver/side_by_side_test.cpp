@@ -7,6 +7,7 @@
 
 #include "tests/doubles/model_slave.h"
 #include "tests/support/driver_test.h"
+#include "tests/support/random_data.h"
 
 #include <QSqlDatabase>
 
@@ -60,14 +61,6 @@ private:
     int missing;
 };
 
-void seedThread(unsigned int seed)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    qsrand(seed);
-#pragma GCC diagnostic pop
-}
-
 QStringList tagsOfStations(int stations)
 {
     QStringList tags;
@@ -96,10 +89,7 @@ struct Link {
         return driver.read(&channel, makeCommand(dataType, QLatin1String(address), count));
     }
 
-    std::string error()
-    {
-        return driver.hasError() ? std::string(driver.getLastError().toUtf8().constData()) : NoError;
-    }
+    std::string error() { return errorOf(driver); }
 
     int number;
     ModelSlave slave;
@@ -181,11 +171,11 @@ TEST_F(SideBySide, SeedsMakeThemDiffer)
     int first = 0;
     int second = 0;
     inOtherThread([&first] {
-        seedThread(1001);
+        seedRandomNumbers(1001);
         first = nextRandomNumber();
     });
     inOtherThread([&second] {
-        seedThread(1002);
+        seedRandomNumbers(1002);
         second = nextRandomNumber();
     });
     EXPECT_NE(first, second);
@@ -205,8 +195,7 @@ TEST_F(SideBySide, ObjectsMadeInThreadsWithoutSeedsGetTheSameConnection)
             for (int attempt = 0; attempt < 2; ++attempt) {
                 const QByteArray data = second.read(WordItem, "HR1", 1);
                 EXPECT_EQ(data.size(), handsOverConnections ? 2 : 0);
-                EXPECT_EQ(second.error(),
-                          handsOverConnections ? NoError : "failed to get default station id");
+                EXPECT_EQ(second.error(), handsOverConnections ? NoError : NoStation);
             }
             EXPECT_EQ(connections().size(), 1);
         });
@@ -218,7 +207,7 @@ TEST_F(SideBySide, ObjectsMadeInSeededThreadsGetTheirOwn)
 {
     for (unsigned int station = 1; station <= Links; ++station)
         inOtherThread([station] {
-            seedThread(1000 + station);
+            seedRandomNumbers(1000 + station);
             Link link(static_cast<int>(station));
             EXPECT_EQ(link.read(WordItem, "HR1", 1).size(), 2) << link.error();
         });
@@ -232,7 +221,7 @@ TEST_F(SideBySide, SeededLinksWorkAtTheSameTime)
         std::list<JoiningThread> threads;
         for (int station = 1; station <= Links; ++station)
             threads.emplace_back([station, &gate] {
-                seedThread(static_cast<unsigned int>(2000 + station));
+                seedRandomNumbers(static_cast<unsigned int>(2000 + station));
                 Link link(station);
                 gate.pass();
                 exchangeALot(link);

@@ -15,14 +15,6 @@ protected:
     bool writeWord() { return write(WordItem, "HR1", 1, fromHex("34 12")); }
 };
 
-std::string repeated(const std::string &attempt, int times)
-{
-    std::string all;
-    for (int i = 0; i < times; ++i)
-        all += (i > 0 ? " " : "") + attempt;
-    return all;
-}
-
 } // namespace
 
 TEST_F(WriteEntry, SilentSlaveIsAskedOnceMoreForEachRetry)
@@ -152,7 +144,7 @@ TEST_F(WriteEntry, WithoutDatabaseNothingIsTried)
     DriverModbusRtuSlaveOverTcp unloaded;
     channel.connected = false;
     EXPECT_FALSE(unloaded.write(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1), fromHex("34 12")));
-    EXPECT_EQ(unloaded.getLastError(), QString(QLatin1String("can not open database")));
+    EXPECT_EQ(unloaded.getLastError(), QString(QLatin1String(CanNotOpen)));
     EXPECT_EQ(channel.trace(), "");
     EXPECT_EQ(channel.count(ScriptedChannel::GetDeviceSetting), 1);
 }

@@ -13,14 +13,6 @@ protected:
     WriteFn6() { channel.setResponder(echoOf); }
 };
 
-QList<QByteArray> frames(std::initializer_list<const char *> hexTexts)
-{
-    QList<QByteArray> list;
-    for (const char *text : hexTexts)
-        list << framed(text);
-    return list;
-}
-
 } // namespace
 
 TEST_F(WriteFn6, OneRequestForEachRegister)

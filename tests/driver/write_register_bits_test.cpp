@@ -19,14 +19,6 @@ protected:
     ModelSlave slave;
 };
 
-QList<QByteArray> frames(std::initializer_list<const char *> hexTexts)
-{
-    QList<QByteArray> list;
-    for (const char *text : hexTexts)
-        list << framed(text);
-    return list;
-}
-
 } // namespace
 
 TEST_F(WriteRegisterBits, OneBit)

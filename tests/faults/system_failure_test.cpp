@@ -73,6 +73,6 @@ TEST(ProjectDatabaseOpen, FailsWithoutTheSQLitePlugin)
     ScriptedChannel channel;
     DriverModbusRtuSlaveOverTcp driver;
     EXPECT_TRUE(driver.read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 1)).isEmpty());
-    EXPECT_EQ(driver.getLastError(), QLatin1String("can not open database"));
+    EXPECT_EQ(driver.getLastError(), QLatin1String(CanNotOpen));
     ProjectDatabase::remove();
 }

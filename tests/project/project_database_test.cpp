@@ -63,10 +63,6 @@ protected:
     QStringList known;
 };
 
-const char CanNotOpen[] = "can not open database";
-const char NoStation[] = "failed to get default station id";
-const char NoAddresses[] = "failed to initialize valid bit addresses table";
-
 QString text(const char *latin1)
 {
     return QLatin1String(latin1);

@@ -15,10 +15,6 @@
 namespace
 {
 
-const char CanNotOpen[] = "can not open database";
-const char NoStation[] = "failed to get default station id";
-const char NoAddresses[] = "failed to initialize valid bit addresses table";
-
 QString text(const char *latin1)
 {
     return QLatin1String(latin1);

@@ -25,8 +25,15 @@ const int UnsupportedKinds[] = {EightByteItem,
 
 /// The strings as a list, for tags.
 QStringList stringList(std::initializer_list<const char *> texts);
+/// The trace of a channel after \a times attempts, each of which has this trace.
+std::string repeated(const std::string &attempt, int times);
+/// The frame of each text, as framed() makes it.
+QList<QByteArray> frames(std::initializer_list<const char *> hexTexts);
 /// \a size bytes, each different from its neighbours, over the whole range of values.
 QByteArray patternBytes(int size);
+
+/// The error text of the last command, NoError when there is none.
+std::string errorOf(DriverInterface &driver);
 
 /// A driver on a scripted channel of station 1. Pauses take no time.
 ///
@@ -38,8 +45,7 @@ struct LoadedDriver {
     QByteArray read(int dataType, const char *address, int count);
     bool write(int dataType, const char *address, int count, const QByteArray &data);
 
-    /// The error text, NoError when there is none.
-    std::string error();
+    std::string error() { return errorOf(driver); }
     /// Whether nothing was sent since the calls were last forgotten.
     bool isSilent() const { return channel.count(ScriptedChannel::WriteData) == 0; }
 
