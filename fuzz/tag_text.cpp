@@ -47,13 +47,13 @@ quint32 numberIn(const QString &text)
 // Digits of any script, of which only the ten of ASCII make a number.
 QString takeDigits(const QString &text, int &i)
 {
-    const int begin = i;
+    const int start = i;
     while (i < text.size() && text.at(i).isDigit())
         ++i;
-    return text.mid(begin, i - begin);
+    return text.mid(start, i - start);
 }
 
-// "2-DO5" and its kin.
+// "2-DO5" and the like.
 void useWithStation(const QString &tag, Project &project)
 {
     int i = 0;

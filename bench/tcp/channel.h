@@ -26,6 +26,6 @@ private:
     mutable DeviceSetting setting;
     bool connected = true;
     char buffer[512];
-    int begin = 0;
+    int start = 0;
     int end = 0;
 };

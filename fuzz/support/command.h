@@ -46,7 +46,7 @@ struct Plan {
     QString refusal;
 };
 
-/// "can't read any word from HR5" and its kin.
+/// "can't read any word from HR5" and the like.
 QString refusal(const char *what, const QString &area, int offset);
 
 /// Checks what the driver sent, every close of the channel and the error text against the plan. Returns

@@ -48,7 +48,7 @@ TEST_P(Parse, SplitsTheText)
     EXPECT_EQ(parsed.bit, c.bit == Untouched ? BitBefore : c.bit);
 }
 
-const ParseCase usualTexts[] = {
+const ParseCase plainTexts[] = {
     {"HR100", "HR", 99, Untouched},
     {"IR3", "IR", 2, Untouched},
     {"DI17", "DI", 16, Untouched},
@@ -63,7 +63,7 @@ const ParseCase usualTexts[] = {
     {"FN6HR12.15", "FN6HR", 11, 15},
     {"AZaz1", "AZaz", 0, Untouched},
 };
-INSTANTIATE_TEST_SUITE_P(Usual, Parse, testing::ValuesIn(usualTexts));
+INSTANTIATE_TEST_SUITE_P(Plain, Parse, testing::ValuesIn(plainTexts));
 
 const ParseCase textsWithoutNumber[] = {
     {"", "", 65535, Untouched},
@@ -160,7 +160,7 @@ TEST(AddressText, AZeroCharacterEndsTheArea)
     EXPECT_EQ(parse(text).offset, 65535);
 }
 
-TEST(AddressText, AreasBeginInAnyCase)
+TEST(AddressText, AreasStartInAnyCase)
 {
     EXPECT_TRUE(isHoldingRegisterArea("hrX"));
     EXPECT_TRUE(isHoldingRegisterArea("Fn6Hr"));

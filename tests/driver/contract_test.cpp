@@ -14,8 +14,8 @@ namespace
 {
 
 // The place in the virtual table, counted from 0, that a pointer to a virtual member stands for. It holds the
-// offset in the table; what tells it from a plain function's address is the lowest bit, of the offset itself
-// or, on ARM, of the adjustment ("Itanium C++ ABI", 2.3; "C++ ABI for the Arm Architecture", 3.2.1).
+// offset in the table; what distinguishes it from a plain function's address is the lowest bit, of the offset
+// itself or, on ARM, of the adjustment ("Itanium C++ ABI", 2.3; "C++ ABI for the Arm Architecture", 3.2.1).
 template <typename Member>
 int slotOf(Member member)
 {
@@ -191,7 +191,7 @@ TEST(Contract, InterfaceIdentifier)
     EXPECT_STREQ(qobject_interface_iid<DriverInterface *>(), "com.brenwick.drivers.DriverInterface/1.1");
 }
 
-TEST(Contract, CommandsBeginEmpty)
+TEST(Contract, CommandsStartEmpty)
 {
     const CommunicatorCommand command;
     EXPECT_EQ(command.dataType, 0);

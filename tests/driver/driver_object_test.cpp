@@ -185,8 +185,8 @@ TEST(PluginEntry, TheInstanceIsOneUntilItIsDeleted)
 // The rest of the text names the build of Qt that loads the plug-in.
 TEST(PluginEntry, VerificationText)
 {
-    const QByteArray begin("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.6\ndebug=");
-    EXPECT_EQ(QByteArray(qt_plugin_query_verification_data()).left(begin.size()), begin);
+    const QByteArray start("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.6\ndebug=");
+    EXPECT_EQ(QByteArray(qt_plugin_query_verification_data()).left(start.size()), start);
 }
 
 TEST(ConnectionName, IsOneRandomNumberDrawnAtConstruction)

@@ -271,7 +271,7 @@ INSTANTIATE_TEST_SUITE_P(Bits, ReadDispatch, testing::ValuesIn(bitReads));
 INSTANTIATE_TEST_SUITE_P(Bytes, ReadDispatch, testing::ValuesIn(byteReads));
 INSTANTIATE_TEST_SUITE_P(Words, ReadDispatch, testing::ValuesIn(wordReads));
 
-// With no used bit at all the station is unknown to the map: the text tells which of the two readers it was.
+// With no used bit at all the station is unknown to the map: the text shows which of the two readers it was.
 TEST_F(ReadEntry, BytesOfOtherAreasAreCoils)
 {
     const struct {

@@ -149,7 +149,7 @@ TEST(UsedBits, FailureOfALaterRequestDiscardsTheEarlier)
     EXPECT_EQ(runsOf(link.channel, 1), "1@0 1@2");
 }
 
-TEST(UsedBits, RetryBeginsWithTheFirstRequest)
+TEST(UsedBits, RetryStartsWithTheFirstRequest)
 {
     LoadedDriver link(tagsOf("DO", {0, 2}));
     link.channel.retries = 1;
@@ -267,7 +267,7 @@ TEST(UsedBits, WalkOverMoreThanTheWholeArea)
 namespace
 {
 
-// The walk as it is told: bit by bit, each search only behind the last hit.
+// The walk as it is described: bit by bit, each search only after the last hit.
 std::string walked(std::vector<int> used, int offset, int bits)
 {
     std::sort(used.begin(), used.end());
@@ -292,7 +292,7 @@ std::string walked(std::vector<int> used, int offset, int bits)
 
 } // namespace
 
-TEST(UsedBits, RandomSetsAreWalkedAsTold)
+TEST(UsedBits, RandomSetsAreWalkedAsDescribed)
 {
     std::mt19937 random(17);
     for (int round = 0; round < 60; ++round) {

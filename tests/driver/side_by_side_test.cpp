@@ -41,7 +41,7 @@ void inOtherThread(const std::function<void()> &function)
     const JoiningThread thread(function);
 }
 
-/// Lets threads go on when all of them have come.
+/// Holds threads until all of them are there.
 class Gate
 {
 public:

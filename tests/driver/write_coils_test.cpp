@@ -148,7 +148,7 @@ TEST_F(WriteCoilsFn5, FirstFailureEndsTheAttempt)
     EXPECT_EQ(channel.requests().size(), 2);
 }
 
-TEST_F(WriteCoilsFn5, RetryBeginsWithTheFirstCoil)
+TEST_F(WriteCoilsFn5, RetryStartsWithTheFirstCoil)
 {
     channel.retries = 1;
     channel.addReply(framed("01 05 00 00 FF 00"));

@@ -77,7 +77,7 @@ TEST_F(WriteFn6, FailureOfTheFirstRegister)
     EXPECT_EQ(channel.requests().size(), 1);
 }
 
-TEST_F(WriteFn6, RetryBeginsWithTheFirstRegister)
+TEST_F(WriteFn6, RetryStartsWithTheFirstRegister)
 {
     channel.retries = 1;
     channel.addReply(framed("01 06 00 00 00 00"));

@@ -166,7 +166,7 @@ TEST_F(WriteRegisterBits, CountOfZero)
     }
 }
 
-TEST_F(WriteRegisterBits, CountOfZeroBehindABitWritesTheRegistersBack)
+TEST_F(WriteRegisterBits, CountOfZeroAfterABitWritesTheRegistersBack)
 {
     slave.holdingRegisters[0] = 0x1234;
     EXPECT_TRUE(write(BitItem, "HR1.4", 0, fromHex("FF")));

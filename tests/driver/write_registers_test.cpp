@@ -25,8 +25,8 @@ void PrintTo(const LimitCase &limit, std::ostream *out)
     *out << "kind " << limit.dataType << ", " << limit.count << " at " << limit.address;
 }
 
-const int Largest = std::numeric_limits<int>::max();
-const int Smallest = std::numeric_limits<int>::min();
+const int MaxInt = std::numeric_limits<int>::max();
+const int MinInt = std::numeric_limits<int>::min();
 
 const LimitCase refused[] = {
     {WordItem, "HR1", 124, "can't write any word to HR1"},
@@ -34,16 +34,16 @@ const LimitCase refused[] = {
     {WordItem, "HR65536", 2, "can't write any word to HR65536"},
     {WordItem, "HR", 2, "can't write any word to HR65536"},
     {WordItem, "HR1", -1, "can't write any word to HR1"},
-    {WordItem, "HR1", Smallest, "can't write any word to HR1"},
-    {WordItem, "HR1", Largest, "can't write any word to HR1"},
+    {WordItem, "HR1", MinInt, "can't write any word to HR1"},
+    {WordItem, "HR1", MaxInt, "can't write any word to HR1"},
     {WordItem, "HR1", 0x20000000, "can't write any word to HR1"},
     {WordItem, "HR1", 0x40000001, "can't write any word to HR1"},
     {DoubleWordItem, "HR1", 62, "can't write any double word to HR1"},
     {DoubleWordItem, "HR65536", 1, "can't write any double word to HR65536"},
     {DoubleWordItem, "HRSW65535", 2, "can't write any double word to HR65535"},
     {DoubleWordItem, "HR1", -1, "can't write any double word to HR1"},
-    {DoubleWordItem, "HR1", Smallest, "can't write any double word to HR1"},
-    {DoubleWordItem, "HR1", Largest, "can't write any double word to HR1"},
+    {DoubleWordItem, "HR1", MinInt, "can't write any double word to HR1"},
+    {DoubleWordItem, "HR1", MaxInt, "can't write any double word to HR1"},
     {DoubleWordItem, "HR1", 0x20000000, "can't write any double word to HR1"},
     {DoubleWordItem, "HR1", 0x40000001, "can't write any double word to HR1"},
     {ByteItem, "HR1", 247, "can't write any byte to HR1"},
@@ -52,8 +52,8 @@ const LimitCase refused[] = {
     {ByteItem, "HR65536", 3, "can't write any byte to HR65536"},
     {ByteItem, "HR65535", 5, "can't write any byte to HR65535"},
     {ByteItem, "HR1", -1, "can't write any byte to HR1"},
-    {ByteItem, "HR1", Smallest, "can't write any byte to HR1"},
-    {ByteItem, "HR1", Largest, "can't write any byte to HR1"},
+    {ByteItem, "HR1", MinInt, "can't write any byte to HR1"},
+    {ByteItem, "HR1", MaxInt, "can't write any byte to HR1"},
     {ByteItem, "HR1", 0x20000000, "can't write any byte to HR1"},
 };
 

@@ -46,7 +46,7 @@ void addCuts(Faults &faults, const QByteArray &reply)
         add(faults, "cut to " + std::to_string(size), reply.left(size), textOfLength(size), true);
 }
 
-// The first read takes five bytes, so a gap just behind them does not matter.
+// The first read takes five bytes, so a gap right after them does not matter.
 void addSplits(Faults &faults, const QByteArray &reply)
 {
     for (int size = 1; size < reply.size(); ++size) {
@@ -127,7 +127,7 @@ protected:
             link.channel.addReply(transaction.exchanges[i].reply);
     }
 
-    void begin(int retries)
+    void start(int retries)
     {
         link.channel.forgetScript();
         link.channel.forgetCalls();
@@ -167,7 +167,7 @@ protected:
     // The same fault in every attempt.
     void lastingFault(const Transaction &transaction, size_t at, const Fault &fault, int retries)
     {
-        begin(retries);
+        start(retries);
         for (int i = 0; i <= retries; ++i) {
             addGoodReplies(transaction, at);
             link.channel.addReply(fault.reply);
@@ -179,7 +179,7 @@ protected:
     // A fault in the first attempts; the last one goes well.
     void passingFault(const Transaction &transaction, size_t at, const Fault &fault, int retries)
     {
-        begin(retries);
+        start(retries);
         for (int i = 0; i < retries; ++i) {
             addGoodReplies(transaction, at);
             link.channel.addReply(fault.reply);
@@ -191,10 +191,10 @@ protected:
                   static_cast<size_t>(retries) * (at + 1) + transaction.exchanges.size());
     }
 
-    // A fault that does not matter: all goes on behind it.
+    // A fault that does not matter: all goes on after it.
     void harmlessFault(const Transaction &transaction, size_t at, const Fault &fault)
     {
-        begin(0);
+        start(0);
         addGoodReplies(transaction, at);
         link.channel.addReply(fault.reply);
         for (size_t i = at + 1; i < transaction.exchanges.size(); ++i)
@@ -204,9 +204,9 @@ protected:
     }
 
     // Good replies for an attempt that ends after \a answered exchanges, and for a whole one.
-    void beginWithGoodReplies(const Transaction &transaction, size_t answered, int retries)
+    void startWithGoodReplies(const Transaction &transaction, size_t answered, int retries)
     {
-        begin(retries);
+        start(retries);
         addGoodReplies(transaction, answered);
         addGoodReplies(transaction, transaction.exchanges.size());
     }
@@ -216,7 +216,7 @@ protected:
     {
         SCOPED_TRACE("read " + std::to_string(nth) + " gives " + std::to_string(result));
         for (int retries = 0; retries <= 3; ++retries) {
-            beginWithGoodReplies(transaction, at + 1, retries);
+            startWithGoodReplies(transaction, at + 1, retries);
             link.channel.fail(ScriptedChannel::ReadData, nth, result);
             expectOutcome(transaction, retries == 0 ? text : "");
             EXPECT_EQ(link.channel.count(ScriptedChannel::Close), 1);
@@ -257,7 +257,7 @@ TEST_F(FaultMatrix, EverySendFallsShort)
                 SCOPED_TRACE(transaction.name + (", request " + std::to_string(at)) + ", sent " +
                              std::to_string(sent));
                 for (int retries = 0; retries <= 3; ++retries) {
-                    beginWithGoodReplies(transaction, at, retries);
+                    startWithGoodReplies(transaction, at, retries);
                     link.channel.fail(ScriptedChannel::WriteData, static_cast<int>(at) + 1, sent);
                     expectOutcome(transaction, retries == 0 ? "channel error" : "");
                     EXPECT_EQ(link.channel.count(ScriptedChannel::Close), 1);
@@ -287,7 +287,7 @@ TEST_F(FaultMatrix, OpenFailsOnAnyAttempt)
     for (const Transaction &transaction : transactions)
         for (int nth = 1; nth <= 4; ++nth) {
             SCOPED_TRACE(transaction.name + (", open " + std::to_string(nth)));
-            begin(3);
+            start(3);
             link.channel.connected = false;
             link.channel.errorTextAfterClose = QLatin1String("closed");
             link.channel.errorText = QLatin1String("no route");
@@ -307,11 +307,11 @@ TEST_F(FaultMatrix, OpenFailsOnAnyAttempt)
         }
 }
 
-// A channel that says it is closed is opened, and what follows is as usual.
+// A channel that says it is closed is opened, and the rest is as without that.
 TEST_F(FaultMatrix, ChannelThatSaysItIsClosed)
 {
     for (const Transaction &transaction : transactions) {
-        beginWithGoodReplies(transaction, transaction.exchanges.size(), 0);
+        startWithGoodReplies(transaction, transaction.exchanges.size(), 0);
         link.channel.fail(ScriptedChannel::IsConnected, 1, 0);
         expectOutcome(transaction, "");
         EXPECT_EQ(link.channel.count(ScriptedChannel::Open), 1);

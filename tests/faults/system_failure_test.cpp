@@ -58,7 +58,7 @@ TEST(HRSleep, EndsWhenTheSystemRefusesToSleep)
     EXPECT_EQ(sleepCalls, 1);
 }
 
-// The file begins like a database, but nothing in this process can read one.
+// The file starts like a database, but nothing in this process can read one.
 TEST(ProjectDatabaseOpen, FailsWithoutTheSQLitePlugin)
 {
     QCoreApplication::setLibraryPaths(QStringList());

@@ -15,10 +15,10 @@ namespace
 
 const int AreaSize = 65000; // beyond it the slave answers with exceptions
 
-int numberFrom(const char *variable, int usual)
+int numberFrom(const char *variable, int byDefault)
 {
     const char *const value = std::getenv(variable);
-    return value != nullptr ? std::atoi(value) : usual;
+    return value != nullptr ? std::atoi(value) : byDefault;
 }
 
 struct Command {

@@ -15,7 +15,7 @@ std::string upper(std::string text)
     return text;
 }
 
-bool begins(const std::string &text, const char *prefix)
+bool startsWith(const std::string &text, const char *prefix)
 {
     return upper(text).find(prefix) == 0;
 }
@@ -42,7 +42,7 @@ bool isHighWordFirst(const DriverModel::Address &address)
 
 bool isHolding(const std::string &area)
 {
-    return begins(area, "HR") || begins(area, "FN6HR");
+    return startsWith(area, "HR") || startsWith(area, "FN6HR");
 }
 
 const char *itemName(int dataType)
@@ -59,12 +59,12 @@ long long registersFor(int dataType, long long count)
     return count < 0 ? -1 : registers;
 }
 
-std::string details(const char *begin, const char *const names[], const char *middle, int dataType,
+std::string details(const char *verb, const char *const names[], const char *middle, int dataType,
                     const DriverModel::Address &address, int count, int station)
 {
     if (dataType > DoubleWordItem)
         return std::string();
-    return std::string(" (") + begin + " " + std::to_string(count) + " " + names[dataType] + " " + middle +
+    return std::string(" (") + verb + " " + std::to_string(count) + " " + names[dataType] + " " + middle +
            " " + std::to_string(station % 256) + "-" + address.text + ")";
 }
 
@@ -124,10 +124,11 @@ DriverModel::Outcome DriverModel::read(int dataType, const Address &address, int
     const std::string area = upper(address.area);
     if (!isSupported(dataType))
         return {QByteArray(), false, "unsupported data type: " + address.text};
-    const bool isCoil = begins(area, "DO") || begins(area, "FN5DO");
+    const bool isCoil = startsWith(area, "DO") || startsWith(area, "FN5DO");
     if (isBits(dataType))
-        outcome.data = isCoil || begins(area, "DI") ? readBits(address.area, isCoil, address.offset, count)
-                                                    : readRegisterBits(address, count);
+        outcome.data = isCoil || startsWith(area, "DI")
+                           ? readBits(address.area, isCoil, address.offset, count)
+                           : readRegisterBits(address, count);
     else if (isBytes(dataType) && area != "HR" && area != "FN6HR" && area != "IR")
         outcome.data = readUsedBits(area != "DI", address, count);
     else
@@ -146,11 +147,11 @@ DriverModel::Outcome DriverModel::write(int dataType, const Address &address, in
         return {QByteArray(), false, "unsupported data type: " + address.text};
     Outcome outcome = {QByteArray(), false, std::string()};
     error.clear();
-    const bool isOneByOne = begins(address.area, "FN");
+    const bool isOneByOne = startsWith(address.area, "FN");
     if (isHolding(address.area))
         outcome.isWritten = isBits(dataType) ? writeRegisterBits(address, count, data, isOneByOne)
                                              : writeRegisters(dataType, address, count, data, isOneByOne);
-    else if (isBits(dataType) && (begins(address.area, "DO") || begins(address.area, "FN5DO")))
+    else if (isBits(dataType) && (startsWith(address.area, "DO") || startsWith(address.area, "FN5DO")))
         outcome.isWritten = writeCoils(address, count, data, isOneByOne);
     else
         fail(std::string("can't write any ") + items[dataType] + " to " + address.text);

@@ -56,7 +56,7 @@ const TagCase ofTheDefaultStation[] = {
 };
 INSTANTIATE_TEST_SUITE_P(OfTheDefaultStation, TagClass, testing::ValuesIn(ofTheDefaultStation));
 
-// A prefix that is known counts even when no number can be read behind it.
+// A prefix that is known counts even when no number can be read after it.
 const TagCase withoutNumber[] = {
     {"DI", 1, "DI 99 65535"},   {"do", 1, "DI 99, DO 65535"},        {"FN5DO", 1, "DI 99, DO 65535"},
     {"DI0", 1, "DI 99 65535"},  {"DO5.3", 1, "DI 99, DO 65535"},     {"FN5DO5.3", 1, "DI 99, DO 65535"},
@@ -192,7 +192,7 @@ TEST_F(TagTable, ValuesThatAreNoText)
     EXPECT_EQ(usedBits(driver, channel, 1), "DO 1 3");
 }
 
-// A table that cannot be read to its end is no table: the addresses behind would count as unused.
+// A table that cannot be read to its end is no table: the addresses after that would count as unused.
 TEST_F(TagTable, FailureAfterTheFirstRowStartsAnewLater)
 {
     ProjectDatabase project(QStringList(), 1);

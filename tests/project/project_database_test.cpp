@@ -144,7 +144,7 @@ TEST_F(FirstUse, FilesThatAreNoDatabase)
     EXPECT_EQ(channel.trace(), "");
 }
 
-TEST_F(FirstUse, HeaderWithNothingBehindIt)
+TEST_F(FirstUse, HeaderWithNothingAfterIt)
 {
     makeFile(QByteArray("SQLite format 3", 16));
     EXPECT_EQ(load(), NoStation);

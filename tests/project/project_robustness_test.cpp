@@ -272,7 +272,7 @@ TEST(ProjectRobustness, ManyRows)
              "|| (a.d * 10000 + b.d * 1000 + c.d * 100 + d.d * 10 + e.d + 1), 1 "
              "FROM digit a, digit b, digit c, digit d, digit e"));
     std::string right = "DO";
-    // Numbers above 65536 begin again with the first address: 65601 is address 64.
+    // Numbers above 65536 start again with the first address: 65601 is address 64.
     std::vector<bool> used(65536);
     for (int number = 1; number <= 100000; number += 100)
         used[static_cast<size_t>((number - 1) % 65536)] = true;

@@ -173,15 +173,15 @@ TEST(DeviceSettingStream, RecordsFollowEachOther)
 TEST(DeviceSettingStream, ShortStreamShowsInTheStatus)
 {
     const QByteArray golden = fromHex(Golden);
-    // A stream that ends right behind a socket is a shorter list for Qt 4.
+    // A stream that ends right after a socket is a shorter list for Qt 4.
     const int endOfFirstSocket = 60;
-    const QDataStream::Status behindSocket =
+    const QDataStream::Status afterSocket =
         QT_VERSION < 0x050000 ? QDataStream::Ok : QDataStream::ReadPastEnd;
     for (const int version : streamVersions()) {
         for (int size = 0; size < golden.size(); ++size) {
             DeviceSetting setting = goldenSetting();
             EXPECT_EQ(readInto(setting, golden.left(size), version),
-                      size == endOfFirstSocket ? behindSocket : QDataStream::ReadPastEnd)
+                      size == endOfFirstSocket ? afterSocket : QDataStream::ReadPastEnd)
                 << size;
             EXPECT_EQ(setting.type, size < 4 ? 0 : 16) << size;
             EXPECT_EQ(setting.baudrate, size < 20 ? 0 : 9600) << size;

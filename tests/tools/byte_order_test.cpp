@@ -74,9 +74,9 @@ TEST(ByteOrder, IntegersComeBack)
     for (int i = 0; i < 1000; ++i) {
         const auto number = static_cast<int>(random.number());
         EXPECT_EQ(QByteArrayToInt(intToByteArray(number)), number);
-        const auto half = static_cast<short>(number);
-        EXPECT_EQ(QByteArrayToShort(shortToByteArray(half)), half);
-        const auto word = static_cast<unsigned short>(half);
+        const auto shortNumber = static_cast<short>(number);
+        EXPECT_EQ(QByteArrayToShort(shortToByteArray(shortNumber)), shortNumber);
+        const auto word = static_cast<unsigned short>(number);
         EXPECT_EQ(QByteArrayToWord(wordToByteArray(word)), word);
     }
 }

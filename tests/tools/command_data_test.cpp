@@ -8,9 +8,9 @@
 namespace
 {
 
-const int LargestInt = std::numeric_limits<int>::max();
-const int SmallestInt = std::numeric_limits<int>::min();
-const unsigned int LargestUInt = std::numeric_limits<unsigned int>::max();
+const int MaxInt = std::numeric_limits<int>::max();
+const int MinInt = std::numeric_limits<int>::min();
+const unsigned int MaxUInt = std::numeric_limits<unsigned int>::max();
 
 CommunicatorCommand command(int dataType, int count)
 {
@@ -78,20 +78,20 @@ TEST(CommandData, SafeLengthOfEveryKind)
     EXPECT_EQ(safeLength(EightByteItem, 3), 24);
     EXPECT_EQ(safeLength(7, 3), 0);
     EXPECT_EQ(safeLength(-1, 3), 0);
-    EXPECT_EQ(safeLength(LargestInt, 3), 0);
+    EXPECT_EQ(safeLength(MaxInt, 3), 0);
 }
 
 TEST(CommandData, SafeLengthOfCountsAtTheLimits)
 {
-    EXPECT_EQ(safeLength(BitItem, LargestInt), 0x10000000);
+    EXPECT_EQ(safeLength(BitItem, MaxInt), 0x10000000);
     EXPECT_EQ(safeLength(BitItem, -1), 0x20000000);
-    EXPECT_EQ(safeLength(SecondBitItem, SmallestInt), 0x10000000);
+    EXPECT_EQ(safeLength(SecondBitItem, MinInt), 0x10000000);
     EXPECT_EQ(safeLength(ByteItem, -1), -1);
     EXPECT_EQ(safeLength(WordItem, -3), -6);
-    EXPECT_EQ(safeLength(WordItem, LargestInt), LargestInt);
-    EXPECT_EQ(safeLength(DoubleWordItem, LargestInt / 4 + 1), LargestInt);
-    EXPECT_EQ(safeLength(DoubleWordItem, LargestInt / 4), LargestInt / 4 * 4);
-    EXPECT_EQ(safeLength(EightByteItem, SmallestInt), SmallestInt);
+    EXPECT_EQ(safeLength(WordItem, MaxInt), MaxInt);
+    EXPECT_EQ(safeLength(DoubleWordItem, MaxInt / 4 + 1), MaxInt);
+    EXPECT_EQ(safeLength(DoubleWordItem, MaxInt / 4), MaxInt / 4 * 4);
+    EXPECT_EQ(safeLength(EightByteItem, MinInt), MinInt);
 }
 
 TEST(CommandData, SafeDataIsPaddedOrCut)
@@ -133,13 +133,13 @@ TEST(CommandData, BytesToItems)
 
 TEST(CommandData, RoundingUpDoesNotWrapOnTopOfTheSum)
 {
-    EXPECT_EQ(NumOfBitsToNumOfWords(LargestUInt, 0), 0x10000000u);
-    EXPECT_EQ(NumOfBitsToNumOfWords(LargestUInt, 1), 0u);
-    EXPECT_EQ(NumOfBitsToNumOfDWords(0, LargestUInt), 0x08000000u);
-    EXPECT_EQ(NumOfBitsToNumOfBytes(1, LargestUInt - 1), 0x20000000u);
-    EXPECT_EQ(NumOfBytesToNumOfWords(LargestUInt), 0x80000000u);
-    EXPECT_EQ(NumOfBytesToNumOfDWords(LargestUInt), 0x40000000u);
-    EXPECT_EQ(NumOfBytesToNumOfQuadWords(LargestUInt), 0x20000000u);
+    EXPECT_EQ(NumOfBitsToNumOfWords(MaxUInt, 0), 0x10000000u);
+    EXPECT_EQ(NumOfBitsToNumOfWords(MaxUInt, 1), 0u);
+    EXPECT_EQ(NumOfBitsToNumOfDWords(0, MaxUInt), 0x08000000u);
+    EXPECT_EQ(NumOfBitsToNumOfBytes(1, MaxUInt - 1), 0x20000000u);
+    EXPECT_EQ(NumOfBytesToNumOfWords(MaxUInt), 0x80000000u);
+    EXPECT_EQ(NumOfBytesToNumOfDWords(MaxUInt), 0x40000000u);
+    EXPECT_EQ(NumOfBytesToNumOfQuadWords(MaxUInt), 0x20000000u);
 }
 
 TEST(CommandData, CountsAgreeWithWiderArithmetic)

@@ -12,7 +12,7 @@
 namespace
 {
 
-const int MostItems = 6;
+const int MaxItems = 6;
 const std::string SingleLetters("cCsSvniIlLVNxX");
 const std::string CountedLetters("cCvnVNxX");
 
@@ -70,7 +70,7 @@ protected:
     Layout singleItems()
     {
         Layout layout;
-        for (int i = random.between(0, MostItems); i > 0; --i) {
+        for (int i = random.between(0, MaxItems); i > 0; --i) {
             const char letter = anyOf(SingleLetters);
             const auto value = static_cast<int>(random.number());
             layout.format += letter;
@@ -79,7 +79,7 @@ protected:
             if (!isGap(letter))
                 layout.values.push_back(value);
         }
-        layout.values.resize(MostItems);
+        layout.values.resize(MaxItems);
         return layout;
     }
 
@@ -96,9 +96,9 @@ protected:
     Layout countedItems(const std::string &letters)
     {
         Layout layout;
-        for (int i = random.between(1, MostItems); i > 0; --i)
+        for (int i = random.between(1, MaxItems); i > 0; --i)
             addCounted(layout, anyOf(letters), random.between(1, 40));
-        layout.arrays.resize(MostItems);
+        layout.arrays.resize(MaxItems);
         return layout;
     }
 
@@ -132,10 +132,10 @@ QByteArray packedAsArray(const Layout &layout)
                                      a[3].constData(), a[4].constData(), a[5].constData());
 }
 
-// What comes out of the wire of a layout, each item in memory of its own with one byte behind it.
+// What comes out of the wire of a layout, each item in memory of its own with one byte after it.
 std::vector<QByteArray> unpacked(const Layout &layout)
 {
-    std::vector<QByteArray> out(MostItems, QByteArray(layout.wire.size() + 1, '\x77'));
+    std::vector<QByteArray> out(MaxItems, QByteArray(layout.wire.size() + 1, '\x77'));
     const auto *in = reinterpret_cast<const unsigned char *>(layout.wire.constData());
     EXPECT_EQ(DataUnpack(in, layout.format.c_str(), out[0].data(), out[1].data(), out[2].data(),
                          out[3].data(), out[4].data(), out[5].data()),
@@ -196,7 +196,7 @@ TEST_F(FormatPackProperty, EveryLetterWithEveryCount)
         for (int count = 1; count <= 300 && !HasFailure(); ++count) {
             Layout layout;
             addCounted(layout, letter, count);
-            layout.arrays.resize(MostItems);
+            layout.arrays.resize(MaxItems);
             SCOPED_TRACE(layout.format);
             EXPECT_EQ(packed(layout), layout.wire);
             EXPECT_EQ(packedAsArray(layout), isGap(letter) ? QByteArray() : layout.wire);

@@ -136,7 +136,7 @@ TEST(HexToUInt, OnlyHexadecimalDigitsCount)
     }
 }
 
-TEST(HexToUInt, ReadsNothingBehindItsLength)
+TEST(HexToUInt, ReadsNothingBeyondItsLength)
 {
     // Of the exact size, for a memory checker to see a byte too many.
     for (const char *text : std::vector<const char *>{"0", "0x", "0x1", "12"}) {

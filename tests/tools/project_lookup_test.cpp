@@ -66,7 +66,7 @@ protected:
         return "none";
     }
 
-    // "5/11 6/44": the list after the lookup, and that the result tells whether it is empty.
+    // "5/11 6/44": the list after the lookup, and that the result says whether it is empty.
     std::string listOf(int hmiPort, const char *ip, unsigned short port,
                        QList<LinkIdStationId> list = QList<LinkIdStationId>()) const
     {

@@ -129,7 +129,7 @@ TEST(HRSleep, OutlastsSignals)
     const qint64 taken = millisecondsTaken(1500);
     EXPECT_GE(alarmsSeen, 5);
     EXPECT_GE(taken, 1499);
-    // One that began anew after the last signal would take 2900 ms.
+    // One that started again after the last signal would take 2900 ms.
     EXPECT_LT(taken, 2500);
 }
 

@@ -9,8 +9,8 @@
 namespace
 {
 
-const int LargestInt = std::numeric_limits<int>::max();
-const int SmallestInt = std::numeric_limits<int>::min();
+const int MaxInt = std::numeric_limits<int>::max();
+const int MinInt = std::numeric_limits<int>::min();
 
 QList<int> sizes(std::initializer_list<int> entries)
 {
@@ -37,7 +37,7 @@ TxPackage packageOf(const char *hexText)
 
 } // namespace
 
-TEST(TxPackage, BeginsEmpty)
+TEST(TxPackage, StartsEmpty)
 {
     TxPackage frame;
     EXPECT_EQ(frame.byteArrayData(), QByteArray());
@@ -132,9 +132,9 @@ TEST(TxPackage, FcsWithoutATail)
     EXPECT_EQ(TxPackage::calculateFCS(&frame, 2), 0x01);
     EXPECT_EQ(TxPackage::calculateFCS(&frame, 3), 0);
     EXPECT_EQ(TxPackage::calculateFCS(&frame, 4), 0);
-    EXPECT_EQ(TxPackage::calculateFCS(&frame, LargestInt), 0);
+    EXPECT_EQ(TxPackage::calculateFCS(&frame, MaxInt), 0);
     EXPECT_EQ(TxPackage::calculateFCS(&frame, -1), 0xF2);
-    EXPECT_EQ(TxPackage::calculateFCS(&frame, SmallestInt), 0xF2);
+    EXPECT_EQ(TxPackage::calculateFCS(&frame, MinInt), 0xF2);
 }
 
 TEST(TxPackage, SetDataLeavesTheSections)
@@ -186,7 +186,7 @@ TEST(TxPackage, NumbersOutsideTheSections)
     TxPackage frame = package("01 02", {1, 1});
     EXPECT_TRUE(frame.validSectionNumber(0));
     EXPECT_TRUE(frame.validSectionNumber(1));
-    for (const int i : {-1, 2, 5, LargestInt, SmallestInt}) {
+    for (const int i : {-1, 2, 5, MaxInt, MinInt}) {
         EXPECT_FALSE(frame.validSectionNumber(i)) << i;
         EXPECT_EQ(frame.sectionStartIndex(i), -1) << i;
         EXPECT_EQ(frame.sectionSize(i), 0) << i;
@@ -225,12 +225,12 @@ TEST(TxPackageSizes, SumThatIsNoSize)
     TxPackage frame = packageOf("01 02 03");
     frame.setSectionSize(sizes({1, -5}));
     EXPECT_EQ(frame.totalSize(), 0);
-    frame.setSectionSize(sizes({LargestInt, LargestInt, 5}));
+    frame.setSectionSize(sizes({MaxInt, MaxInt, 5}));
     EXPECT_EQ(frame.totalSize(), 0);
-    EXPECT_EQ(frame.sectionStartIndex(2), LargestInt);
-    frame.setSectionSize(sizes({SmallestInt, SmallestInt, 5}));
+    EXPECT_EQ(frame.sectionStartIndex(2), MaxInt);
+    frame.setSectionSize(sizes({MinInt, MinInt, 5}));
     EXPECT_EQ(frame.totalSize(), 0);
-    EXPECT_EQ(frame.sectionStartIndex(2), SmallestInt);
+    EXPECT_EQ(frame.sectionStartIndex(2), MinInt);
 }
 
 TEST(TxPackageSizes, SizeFromAnotherSection)
@@ -280,8 +280,8 @@ TEST(TxPackageSizes, SourceThatIsEmptyOrNotThere)
     EXPECT_EQ(package("07", {1, 1, -1}).sectionSize(2), 0);
     EXPECT_EQ(package("07 07", {1, 1, -3}).sectionSize(2), 0);
     EXPECT_EQ(package("07 07", {1, 1, -100}).sectionSize(2), 0);
-    EXPECT_EQ(package("07 07", {1, 1, SmallestInt}).sectionSize(2), 0);
-    EXPECT_EQ(package("07 07", {1, 1, SmallestInt}).dataAt(2), QByteArray());
+    EXPECT_EQ(package("07 07", {1, 1, MinInt}).sectionSize(2), 0);
+    EXPECT_EQ(package("07 07", {1, 1, MinInt}).dataAt(2), QByteArray());
 }
 
 TEST(TxPackageSizes, CirclesAreCut)
@@ -316,7 +316,7 @@ TEST(TxPackageSizes, LongChainBackwards)
 
 TEST(TxPackageSizes, SectionsThatReachOutOfTheData)
 {
-    const TxPackage frame = package("01 02 03", {2, 5, LargestInt, 1, 1});
+    const TxPackage frame = package("01 02 03", {2, 5, MaxInt, 1, 1});
     EXPECT_EQ(frame.dataAt(1), fromHex("03"));
     EXPECT_EQ(frame.dataAt(2), QByteArray());
     EXPECT_EQ(frame.dataAt(4), QByteArray());
