@@ -146,8 +146,9 @@ protected:
     // The driver objects are gone when this runs; their connections are not.
     ~SideBySide() override
     {
-        foreach (const QString &name, connections())
-            QSqlDatabase::removeDatabase(name);
+        const QStringList names = connections();
+        for (int i = 0; i < names.size(); ++i)
+            QSqlDatabase::removeDatabase(names.at(i));
     }
 
     static QStringList connections() { return QSqlDatabase::connectionNames(); }
