@@ -62,7 +62,7 @@ TEST(PluginLoad, QtLoadsItAsADriver)
 TEST(PluginLoad, OneInstanceUntilItIsDeleted)
 {
     typedef QObject *(*Instance)();
-    const Instance instance = entryPoint<Instance>("qt_plugin_instance");
+    const auto instance = entryPoint<Instance>("qt_plugin_instance");
     ASSERT_NE(instance, nullptr);
     QPointer<QObject> first = instance();
     ASSERT_FALSE(first.isNull());
@@ -76,7 +76,7 @@ TEST(PluginLoad, OneInstanceUntilItIsDeleted)
 TEST(PluginLoad, CreateDriverMakesANewDriverEachTime)
 {
     typedef DriverInterface *(*Create)();
-    const Create create = entryPoint<Create>("CreateDriver");
+    const auto create = entryPoint<Create>("CreateDriver");
     ASSERT_NE(create, nullptr);
     const std::unique_ptr<DriverInterface> first(create());
     const std::unique_ptr<DriverInterface> second(create());
@@ -89,7 +89,7 @@ TEST(PluginLoad, CreateDriverMakesANewDriverEachTime)
 TEST(PluginLoad, VerificationText)
 {
     typedef const char *(*Query)();
-    const Query query = entryPoint<Query>("qt_plugin_query_verification_data");
+    const auto query = entryPoint<Query>("qt_plugin_query_verification_data");
     ASSERT_NE(query, nullptr);
     EXPECT_EQ(QByteArray(query()), expectedVerificationText());
 }
@@ -97,7 +97,7 @@ TEST(PluginLoad, VerificationText)
 TEST(PluginLoad, ReadsThroughAChannelOfTheHost)
 {
     typedef DriverInterface *(*Create)();
-    const Create create = entryPoint<Create>("CreateDriver");
+    const auto create = entryPoint<Create>("CreateDriver");
     ASSERT_NE(create, nullptr);
     const std::unique_ptr<DriverInterface> driver(create());
     const ProjectDatabase database(QStringList(), 1);
