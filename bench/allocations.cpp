@@ -1,14 +1,14 @@
 // Prints how often a transaction takes memory from the heap, and that a channel without a delay is not waited
 // for.
 
+#include "bench/support/bit_reads.h"
+#include "bench/support/canned_channel.h"
+#include "bench/support/heap_watch.h"
+#include "bench/support/program.h"
+#include "bench/support/projects.h"
+#include "bench/support/transactions.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 #include "drivers/tools/timing.h"
-#include "support/bit_reads.h"
-#include "support/canned_channel.h"
-#include "support/heap_watch.h"
-#include "support/program.h"
-#include "support/projects.h"
-#include "support/transactions.h"
 
 #include <iostream>
 #include <stdexcept>

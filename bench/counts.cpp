@@ -1,13 +1,12 @@
 // Runs what is counted under callgrind, which writes one file of costs for each figure, named by its text. It
 // counts within counted(), but not within the channel: --toggle-collect names both.
 
+#include "bench/support/bit_reads.h"
+#include "bench/support/canned_channel.h"
+#include "bench/support/program.h"
+#include "bench/support/projects.h"
+#include "bench/support/transactions.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "drivers/tools/command_data.h"
-#include "support/bit_reads.h"
-#include "support/canned_channel.h"
-#include "support/program.h"
-#include "support/projects.h"
-#include "support/transactions.h"
 
 #include <valgrind/callgrind.h>
 

@@ -1,11 +1,11 @@
 // Prints what the load of a project costs in memory. A process for each load: its peak is that of the whole
 // process.
 
+#include "bench/support/canned_channel.h"
+#include "bench/support/heap_watch.h"
+#include "bench/support/program.h"
+#include "bench/support/projects.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/canned_channel.h"
-#include "support/heap_watch.h"
-#include "support/program.h"
-#include "support/projects.h"
 
 #include <fstream>
 #include <iostream>

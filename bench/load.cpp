@@ -1,10 +1,10 @@
 // The load of project databases beside the bare SELECT and beside a query of Qt that touches every text.
 
+#include "bench/support/bare_select.h"
+#include "bench/support/canned_channel.h"
+#include "bench/support/program.h"
+#include "bench/support/projects.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/bare_select.h"
-#include "support/canned_channel.h"
-#include "support/program.h"
-#include "support/projects.h"
 
 #include <benchmark/benchmark.h>
 

@@ -1,11 +1,11 @@
 // The driver on a channel in memory: what a transaction costs without the wire.
 
+#include "bench/support/bit_reads.h"
+#include "bench/support/canned_channel.h"
+#include "bench/support/program.h"
+#include "bench/support/projects.h"
+#include "bench/support/transactions.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/bit_reads.h"
-#include "support/canned_channel.h"
-#include "support/program.h"
-#include "support/projects.h"
-#include "support/transactions.h"
 
 #include <benchmark/benchmark.h>
 

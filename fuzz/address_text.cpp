@@ -3,10 +3,11 @@
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/check.h"
-#include "support/frames.h"
-#include "support/project_file.h"
-#include "support/slave_channel.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/project_file.h"
+#include "fuzz/support/slave_channel.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
 
 #include <algorithm>
 #include <cctype>
@@ -56,7 +57,7 @@ Parsed parse(const QByteArray &text)
 // Bytes of bit areas are asked for by what the project uses, not by the address alone.
 bool goesOutAsItStands(const CommunicatorCommand &command, const Parsed &parsed)
 {
-    if (command.dataType != 1 && command.dataType != 5)
+    if (!isByteCommand(command) && !isBlockCommand(command))
         return true;
     const auto areas = {"HR", "FN6HR", "IR"};
     return std::any_of(areas.begin(), areas.end(),
@@ -78,10 +79,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     static DriverModbusRtuSlaveOverTcp driver;
 
     Input input(data, size);
-    CommunicatorCommand command;
-    command.dataType = input.byte() % 8;
-    command.count = input.byte();
-    command.address = QString::fromUtf8(input.rest());
+    const int dataType = input.byte() % 8;
+    const int count = input.byte();
+    const CommunicatorCommand command = makeCommand(dataType, QString::fromUtf8(input.rest()), count);
     const Parsed expected = parse(command.address.toLatin1());
 
     Parsed parsed;
@@ -95,7 +95,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QByteArray read = driver.read(&reading, command);
     FUZZ_CHECK(!driver.hasError() || read.isEmpty());
     // The kinds whose failures get the command's details.
-    if (driver.hasError() && command.dataType <= 3)
+    if (driver.hasError() && command.dataType <= DoubleWordItem)
         FUZZ_CHECK(driver.getLastError().endsWith(QLatin1String("1-") + command.address + QLatin1Char(')')));
     if (goesOutAsItStands(command, expected))
         checkFirstRequest(reading, expected);

@@ -2,8 +2,8 @@
 // back.
 
 #include "drivers/device_setting.h"
-#include "support/check.h"
-#include "support/input.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/input.h"
 
 #include <QDataStream>
 

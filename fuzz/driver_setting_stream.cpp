@@ -1,8 +1,8 @@
 // Streams of DriverSetting: read as four numbers, and written back to the same bytes.
 
 #include "drivers/driver_setting.h"
-#include "support/check.h"
-#include "support/input.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/input.h"
 
 #include <QDataStream>
 

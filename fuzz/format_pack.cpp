@@ -2,9 +2,9 @@
 // takes.
 
 #include "drivers/tools/format_pack.h"
-#include "support/check.h"
-#include "support/format_text.h"
-#include "support/input.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/format_text.h"
+#include "fuzz/support/input.h"
 
 #include <QVector>
 
@@ -53,7 +53,7 @@ Memory exactly(int size, unsigned char filler)
 void convert(const Item &item, const Memory &host, Memory &wire)
 {
     const bool isReversed = item.letter == 'n' || item.letter == 'N';
-    auto to = wire.begin() + item.begin;
+    auto to = wire.begin() + item.start;
     for (auto from = host.begin(); from != host.end(); from += item.width, to += item.width) {
         std::copy_n(from, item.width, to);
         if (isReversed)
@@ -74,7 +74,7 @@ Case makeCase(const Format &format, Input &input)
     Case made{format, {}, exactly(format.size, Untouched), {}};
     for (const Item &item : format.items) {
         if (item.isGap()) {
-            std::fill_n(made.wire.begin() + item.begin, item.size, item.letter == 'x' ? 0 : Untouched);
+            std::fill_n(made.wire.begin() + item.start, item.size, item.letter == 'x' ? 0 : Untouched);
             continue;
         }
         Memory host = exactly(item.size, 0);
@@ -108,7 +108,7 @@ void checkByteArrayPack(const Case &made, const char *text)
         if (item.isGap() && item.counted)
             expected.clear();
         if (item.letter == 'X' && !expected.isEmpty())
-            expected[item.begin] = '\0';
+            expected[item.start] = '\0';
     }
     const QByteArray result = callWith<MaxArguments>(
         made.packArguments, [&](auto... given) { return ByteArrayPack(text, given...); });

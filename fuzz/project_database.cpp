@@ -2,9 +2,10 @@
 // three texts, and leaves the file as it is.
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/check.h"
-#include "support/project_file.h"
-#include "support/slave_channel.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/project_file.h"
+#include "fuzz/support/slave_channel.h"
+#include "tests/doubles/command.h"
 
 #include <QFile>
 
@@ -51,11 +52,7 @@ void readTwice()
     DriverModbusRtuSlaveOverTcp driver;
     for (int i = 0; i < 2; ++i) {
         SlaveChannel channel;
-        CommunicatorCommand command;
-        command.dataType = 2;
-        command.count = 1;
-        command.address = QStringLiteral("HR1");
-        const QByteArray data = driver.read(&channel, command);
+        const QByteArray data = driver.read(&channel, makeCommand(WordItem, QStringLiteral("HR1"), 1));
         if (driver.hasError()) {
             FUZZ_CHECK(isKnownFailure(driver.getLastError()));
             FUZZ_CHECK(data.isEmpty() && channel.exchanges.isEmpty());

@@ -2,10 +2,10 @@
 // those that the bytes on the channel call for, and no byte of a refused reply may come through.
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/check.h"
-#include "support/frames.h"
-#include "support/project_file.h"
-#include "support/read_plan.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/project_file.h"
+#include "fuzz/support/read_plan.h"
+#include "tests/doubles/frames.h"
 
 namespace
 {
@@ -64,7 +64,7 @@ QByteArray expectedData(const Command &command, const ReadPlan &plan, const QLis
 {
     if (!command.isBitKind() && !command.isByteKind())
         return withItemsReversed(registersOf(exchanges.first()),
-                                 command.dataType == 3 && command.highWordFirst ? 4 : 2);
+                                 command.dataType == DoubleWordItem && command.highWordFirst ? 4 : 2);
     const bool isBytesOfRegisters = command.isByteKind() && plan.positions.isEmpty() && !exchanges.isEmpty();
     if (isBytesOfRegisters)
         return withItemsReversed(registersOf(exchanges.first()), 2).left(command.count);

@@ -2,9 +2,10 @@
 // that a read of the whole area shows exactly the used ones.
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/check.h"
-#include "support/project_file.h"
-#include "support/slave_channel.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/project_file.h"
+#include "fuzz/support/slave_channel.h"
+#include "tests/doubles/command.h"
 
 #include <QMap>
 
@@ -46,13 +47,13 @@ quint32 numberIn(const QString &text)
 // Digits of any script, of which only the ten of ASCII make a number.
 QString takeDigits(const QString &text, int &i)
 {
-    const int begin = i;
+    const int start = i;
     while (i < text.size() && text.at(i).isDigit())
         ++i;
-    return text.mid(begin, i - begin);
+    return text.mid(start, i - start);
 }
 
-// "2-DO5" and its kin.
+// "2-DO5" and the like.
 void useWithStation(const QString &tag, Project &project)
 {
     int i = 0;
@@ -92,11 +93,7 @@ QByteArray readArea(DriverModbusRtuSlaveOverTcp &driver, const char *address, in
     SlaveChannel channel;
     channel.station = station;
     channel.data = [](const QByteArray &) { return QByteArray(256, '\xFF'); };
-    CommunicatorCommand command;
-    command.dataType = 1;
-    command.count = AreaBytes;
-    command.address = QLatin1String(address);
-    return driver.read(&channel, command);
+    return driver.read(&channel, makeCommand(ByteItem, QLatin1String(address), AreaBytes));
 }
 
 } // namespace

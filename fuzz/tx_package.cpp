@@ -2,9 +2,9 @@
 // ones among them, against a model.
 
 #include "drivers/tools/tx_package.h"
-#include "support/check.h"
-#include "support/input.h"
-#include "support/section_model.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/input.h"
+#include "fuzz/support/section_model.h"
 
 #include <limits>
 

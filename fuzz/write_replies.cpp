@@ -2,9 +2,9 @@
 // must be those that the bytes on the channel call for.
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/check.h"
-#include "support/project_file.h"
-#include "support/write_plan.h"
+#include "fuzz/support/check.h"
+#include "fuzz/support/project_file.h"
+#include "fuzz/support/write_plan.h"
 
 using namespace fuzz;
 

@@ -17,7 +17,7 @@ Segment = collections.namedtuple("Segment", "line column count has_count is_entr
 
 
 def count_of_line(before, here):
-    """llvm-cov's own rule takes the gap behind a call that never returns for the line that follows; this one does
+    """llvm-cov's own rule takes the gap after a call that never returns for the line that follows; this one does
     not."""
     counted = [segment for segment in here if segment.has_count and not segment.is_gap]
     counts = [segment.count for segment in counted if segment.is_entry]

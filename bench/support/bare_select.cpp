@@ -1,4 +1,4 @@
-#include "support/bare_select.h"
+#include "bench/support/bare_select.h"
 
 #include <sqlite3.h>
 

@@ -1,7 +1,7 @@
-#include "support/bit_reads.h"
+#include "bench/support/bit_reads.h"
 
-#include "drivers/tools/command_data.h"
-#include "support/slave_model.h"
+#include "bench/support/filled_slave.h"
+#include "tests/doubles/command.h"
 
 #include <functional>
 
@@ -18,7 +18,7 @@ BitRead bitRead(const char *name, const char *port, int requests, const std::fun
         if (isUsed(i) && bitValue(i))
             expected[i / 8] = static_cast<char>(expected.at(i / 8) | 1 << i % 8);
     return {QLatin1String(port),
-            {name, command(ByteItem, ByteCount, "DI1"), {}, expected, 2, 0, 8 * ByteCount},
+            {name, makeCommand(ByteItem, QLatin1String("DI1"), ByteCount), {}, expected, 2, 0, 8 * ByteCount},
             requests};
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/transactions.h"
+#include "bench/support/transactions.h"
 
 /// A read of 250 bytes from a bit area, on the link of the bits project where just these bits are used.
 struct BitRead {

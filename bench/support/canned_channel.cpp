@@ -1,6 +1,7 @@
-#include "support/canned_channel.h"
+#include "bench/support/canned_channel.h"
 
-#include "support/slave_model.h"
+#include "bench/support/filled_slave.h"
+#include "tests/doubles/frames.h"
 
 #include <cstring>
 
@@ -11,7 +12,9 @@ const int HeaderSize = 6; // station, function, two words
 
 QByteArray answer(const QByteArray &request)
 {
-    return rtuFrame(request.at(0), replyPdu(request.mid(1)));
+    static ModelSlave slave = filledSlave();
+    slave.station = byteAt(request, 0);
+    return slave.answer(request);
 }
 
 } // namespace

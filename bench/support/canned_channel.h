@@ -8,7 +8,8 @@
 #include <unordered_map>
 
 /// A channel in memory: every request is answered at once with a frame that was made when such a request
-/// first came.
+/// first came. It records nothing and takes nothing from the heap, which would be counted with the driver;
+/// counts.py leaves its instructions out by the name of the class.
 class CannedChannel : public AbstractDeviceInterface
 {
 public:

@@ -1,4 +1,4 @@
-#include "support/heap_watch.h"
+#include "bench/support/heap_watch.h"
 
 #include <malloc.h>
 

@@ -1,4 +1,4 @@
-#include "support/program.h"
+#include "bench/support/program.h"
 
 #include <QCoreApplication>
 

@@ -1,10 +1,10 @@
-#include "support/projects.h"
+#include "bench/support/projects.h"
 
-#include "drivers/tools/command_data.h"
+#include "bench/support/canned_channel.h"
+#include "bench/support/transactions.h"
 #include "drivers/tools/project_lookup.h"
 #include "host/driver_interface.h"
-#include "support/canned_channel.h"
-#include "support/transactions.h"
+#include "tests/doubles/command.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -25,7 +25,7 @@ void useProject(const QString &project)
 
 void load(DriverInterface &driver, AbstractDeviceInterface &channel)
 {
-    driver.read(&channel, command(ByteItem, 0, "DI1"));
+    driver.read(&channel, makeCommand(ByteItem, QLatin1String("DI1"), 0));
     if (driver.hasError())
         throw std::runtime_error(driver.getLastError().toStdString());
 }
@@ -74,7 +74,7 @@ void checkLoad(DriverInterface &driver, const QString &project)
     for (const Expected &expected : expectedOf(project)) {
         CannedChannel channel;
         channel.setStation(expected.station);
-        driver.read(&channel, command(ByteItem, wholeArea, (expected.area.toStdString() + "1").c_str()));
+        driver.read(&channel, makeCommand(ByteItem, expected.area + QLatin1Char('1'), wholeArea));
         if (driver.hasError() || channel.requestedItems() != expected.addresses)
             throw std::runtime_error("wrong addresses of station " + std::to_string(expected.station));
     }

@@ -1,41 +1,50 @@
-#include "support/transactions.h"
+#include "bench/support/transactions.h"
 
-#include "drivers/tools/command_data.h"
+#include "bench/support/filled_slave.h"
 #include "host/driver_interface.h"
-#include "support/slave_model.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
 
 #include <stdexcept>
 
-CommunicatorCommand command(int dataType, int count, const char *address)
-{
-    CommunicatorCommand command;
-    command.dataType = dataType;
-    command.count = count;
-    command.address = QString::fromLatin1(address);
-    return command;
-}
-
 std::vector<Transaction> measuredTransactions()
 {
-    return {{"read 10 registers", command(WordItem, 10, "HR100"), {}, hostRegisters(99, 10), 3, 99, 10},
-            {"read 125 registers", command(WordItem, 125, "HR100"), {}, hostRegisters(99, 125), 3, 99, 125},
-            {"read 2000 coils", command(BitItem, 2000, "DO1"), {}, hostBits(0, 2000), 1, 0, 2000},
-            {"write 10 registers", command(WordItem, 10, "HR100"), hostRegisters(99, 10), {}, 16, 99, 10}};
+    return {{"read 10 registers",
+             makeCommand(WordItem, QLatin1String("HR100"), 10),
+             {},
+             hostRegisters(99, 10),
+             3,
+             99,
+             10},
+            {"read 125 registers",
+             makeCommand(WordItem, QLatin1String("HR100"), 125),
+             {},
+             hostRegisters(99, 125),
+             3,
+             99,
+             125},
+            {"read 2000 coils",
+             makeCommand(BitItem, QLatin1String("DO1"), 2000),
+             {},
+             hostBits(0, 2000),
+             1,
+             0,
+             2000},
+            {"write 10 registers",
+             makeCommand(WordItem, QLatin1String("HR100"), 10),
+             hostRegisters(99, 10),
+             {},
+             16,
+             99,
+             10}};
 }
 
-QByteArray requestPdu(const Transaction &transaction)
+QByteArray requestFrame(const Transaction &transaction)
 {
-    QByteArray pdu;
-    pdu.append(static_cast<char>(transaction.function));
-    for (const int field : {transaction.start, transaction.count}) {
-        pdu.append(static_cast<char>(field >> 8));
-        pdu.append(static_cast<char>(field & 0xFF));
-    }
-    if (transaction.function == 16) {
-        pdu.append(static_cast<char>(2 * transaction.count));
-        pdu.append(wireRegisters(transaction.start, transaction.count));
-    }
-    return pdu;
+    if (transaction.function != 16)
+        return fieldsFrame(1, transaction.function, transaction.start, transaction.count);
+    return writeMultipleFrame(1, transaction.function, transaction.start, transaction.count,
+                              wireRegisters(transaction.start, transaction.count));
 }
 
 void check(DriverInterface &driver, AbstractDeviceInterface &channel, const Transaction &transaction)

@@ -20,14 +20,12 @@ struct Transaction {
     int count;           ///< and for how many registers or bits
 };
 
-/// The request of a transaction without station and check sum.
-QByteArray requestPdu(const Transaction &transaction);
+/// The request of a transaction to station 1.
+QByteArray requestFrame(const Transaction &transaction);
 
 /// The transactions that are counted and timed: reads of 10 and 125 registers and of 2000 coils, a write of
 /// 10 registers.
 std::vector<Transaction> measuredTransactions();
-
-CommunicatorCommand command(int dataType, int count, const char *address);
 
 /// Runs the transaction through the driver and throws when the result is not the expected one.
 void check(DriverInterface &driver, AbstractDeviceInterface &channel, const Transaction &transaction);

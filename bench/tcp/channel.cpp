@@ -1,4 +1,4 @@
-#include "tcp/channel.h"
+#include "bench/tcp/channel.h"
 
 #include <cstring>
 
@@ -9,7 +9,7 @@ TcpChannel::TcpChannel(int port) : socket(Socket::connectedTo(port))
 
 int TcpChannel::writeData(const char *data, int length)
 {
-    begin = 0;
+    start = 0;
     end = 0;
     socket.send(data, length);
     return length;
@@ -17,14 +17,14 @@ int TcpChannel::writeData(const char *data, int length)
 
 int TcpChannel::readData(char *bytes, int maxLength)
 {
-    while (end - begin < maxLength) {
+    while (end - start < maxLength) {
         const int more = socket.receive(buffer + end, static_cast<int>(sizeof buffer) - end);
         if (more == 0)
             break;
         end += more;
     }
-    const int count = qMin(maxLength, end - begin);
-    std::memcpy(bytes, buffer + begin, static_cast<size_t>(count));
-    begin += count;
+    const int count = qMin(maxLength, end - start);
+    std::memcpy(bytes, buffer + start, static_cast<size_t>(count));
+    start += count;
     return count;
 }

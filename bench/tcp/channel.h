@@ -1,8 +1,8 @@
 #pragma once
 
+#include "bench/tcp/socket.h"
 #include "drivers/device_setting.h"
 #include "host/abstract_device_interface.h"
-#include "tcp/socket.h"
 
 /// A host's TCP channel: what has arrived is kept until the driver asks for it.
 class TcpChannel : public AbstractDeviceInterface
@@ -26,6 +26,6 @@ private:
     mutable DeviceSetting setting;
     bool connected = true;
     char buffer[512];
-    int begin = 0;
+    int start = 0;
     int end = 0;
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/transactions.h"
+#include "bench/support/transactions.h"
 
 #include <memory>
 #include <vector>
@@ -16,7 +16,7 @@ public:
 
     virtual const char *name() const = 0;
     /// Whether the client is able to do it at all.
-    virtual bool canDo(const Transaction &) const { return true; }
+    virtual bool canDo(const Transaction & /*transaction*/) const { return true; }
     virtual void prepare(const Transaction &transaction) = 0;
     /// Does the transaction that was prepared last.
     virtual void run() = 0;

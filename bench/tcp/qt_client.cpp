@@ -1,5 +1,5 @@
-#include "tcp/client.h"
-#include "tcp/slave.h"
+#include "bench/tcp/client.h"
+#include "bench/tcp/slave.h"
 
 #include <QCoreApplication>
 #include <QModbusDataUnit>

@@ -1,23 +1,13 @@
+#include "bench/support/filled_slave.h"
+#include "bench/tcp/channel.h"
+#include "bench/tcp/client.h"
+#include "bench/tcp/slave.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/slave_model.h"
-#include "tcp/channel.h"
-#include "tcp/client.h"
-#include "tcp/slave.h"
 
 #include <stdexcept>
 
 namespace
 {
-
-const char Station = 1;
-
-// What the driver would give for the reply to a transaction, which must be just the frame that is due.
-QByteArray resultIn(const QByteArray &reply, const Transaction &transaction)
-{
-    if (reply != rtuFrame(Station, replyPdu(requestPdu(transaction))))
-        throw std::runtime_error(std::string(transaction.name) + ": wrong reply");
-    return transaction.expected;
-}
 
 // Sends the request of a transaction as it stands, and keeps the reply.
 class RawClient : public Client
@@ -26,16 +16,24 @@ public:
     void prepare(const Transaction &next) override
     {
         transaction = next;
-        request = rtuFrame(Station, requestPdu(transaction));
-        reply = QByteArray(rtuFrame(Station, replyPdu(requestPdu(transaction))).size(), '\0');
+        request = requestFrame(transaction);
+        due = filledSlave().answer(request);
+        reply = QByteArray(due.size(), '\0');
     }
 
-    QByteArray result() override { return resultIn(reply, transaction); }
+    // What the driver would give for the reply, which must be just the frame that is due.
+    QByteArray result() override
+    {
+        if (reply != due)
+            throw std::runtime_error(std::string(transaction.name) + ": wrong reply");
+        return transaction.expected;
+    }
 
 protected:
     Slave slave{Framing::Rtu};
     Transaction transaction;
     QByteArray request;
+    QByteArray due;
     QByteArray reply;
 };
 

@@ -1,6 +1,6 @@
-#include "tcp/slave.h"
+#include "bench/tcp/slave.h"
 
-#include "support/slave_model.h"
+#include "bench/support/filled_slave.h"
 
 #include <cstring>
 #include <iostream>
@@ -10,7 +10,7 @@
 namespace
 {
 
-const int LongestFrame = 260;
+const int MaxFrame = 260;
 
 /// The answers to all requests so far, known by their PDU's first five bytes.
 class Answers
@@ -36,7 +36,7 @@ int byteAt(const char *frame, int i)
     return static_cast<unsigned char>(frame[i]);
 }
 
-// The bytes of the request that begins like this; one byte more than there are when that cannot be told yet.
+// The bytes of the request that starts like this; one byte more than there are while that is not known.
 int rtuSize(const char *frame, int received)
 {
     if (received < 8)
@@ -49,25 +49,27 @@ int mbapSize(const char *frame, int received)
     return received < 6 ? received + 1 : 6 + (byteAt(frame, 4) << 8 | byteAt(frame, 5));
 }
 
-// One request; false when the client has closed the connection.
-bool receiveRequest(Socket &socket, char *frame, int (*size)(const char *, int))
+// The bytes of one request; 0 when the client has closed the connection.
+int receiveRequest(Socket &socket, char *frame, int (*size)(const char *, int))
 {
-    for (int received = 0; received < size(frame, received);) {
-        const int more = socket.receive(frame + received, LongestFrame - received);
+    int received = 0;
+    while (received < size(frame, received)) {
+        const int more = socket.receive(frame + received, MaxFrame - received);
         if (more == 0)
-            return false;
+            return 0;
         received += more;
     }
-    return true;
+    return received;
 }
 
 void serveRtu(Socket &socket)
 {
+    ModelSlave slave = filledSlave();
     Answers answers;
-    char frame[LongestFrame];
-    while (receiveRequest(socket, frame, rtuSize)) {
+    char frame[MaxFrame];
+    while (const int size = receiveRequest(socket, frame, rtuSize)) {
         const QByteArray &answer =
-            answers.to(frame + 1, [&] { return rtuFrame(frame[0], replyPdu(QByteArray(frame + 1, 5))); });
+            answers.to(frame + 1, [&] { return slave.answer(QByteArray(frame, size)); });
         socket.send(answer.constData(), answer.size());
     }
 }
@@ -83,11 +85,12 @@ QByteArray mbapFrame(const char *header, const QByteArray &pdu)
 
 void serveMbap(Socket &socket)
 {
+    ModelSlave slave = filledSlave();
     Answers answers;
-    char frame[LongestFrame];
-    while (receiveRequest(socket, frame, mbapSize)) {
-        QByteArray &answer =
-            answers.to(frame + 7, [&] { return mbapFrame(frame, replyPdu(QByteArray(frame + 7, 5))); });
+    char frame[MaxFrame];
+    while (const int size = receiveRequest(socket, frame, mbapSize)) {
+        QByteArray &answer = answers.to(
+            frame + 7, [&] { return mbapFrame(frame, slave.replyPdu(QByteArray(frame + 7, size - 7))); });
         std::memcpy(answer.data(), frame, 2);
         socket.send(answer.constData(), answer.size());
     }

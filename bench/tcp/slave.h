@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tcp/socket.h"
+#include "bench/tcp/socket.h"
 
 #include <thread>
 

@@ -1,4 +1,4 @@
-#include "tcp/socket.h"
+#include "bench/tcp/socket.h"
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -68,7 +68,7 @@ bool LineDriver::accepts(const CommunicatorCommand &command)
     const int number = ExtractPLCDeviceAddress(command.address, 10);
     if (ExtractPrefixSymbol(command.address).toUpper() != "D" || number < 1 || number > LastRegister)
         return fail(QString::fromLatin1("invalid address: %1").arg(command.address));
-    if (command.count < 1 || command.count > LargestLineTransfer || number + command.count - 1 > LastRegister)
+    if (command.count < 1 || command.count > MaxLineTransfer || number + command.count - 1 > LastRegister)
         return fail(
             QString::fromLatin1("can't transfer %1 words at %2").arg(command.count).arg(command.address));
     return true;
@@ -98,7 +98,7 @@ bool LineDriver::exchange(AbstractDeviceInterface *device, const QByteArray &req
         device->close();
         return false;
     }
-    // How long the rest is, the kind tells: a refusal has other digits than what was asked for.
+    // The kind says how long the rest is: a refusal has other digits than what was asked for.
     QByteArray bytes = received(device, LineHeadSize);
     if (bytes.size() == LineHeadSize)
         bytes += received(device, LineTailSize + (bytes.endsWith(LineRefusal) ? LineCodeDigits : digits));
@@ -159,7 +159,7 @@ DriverSetting *LineDriver::getDefaultDriverSetting()
 
 int LineDriver::getBlockAccessSize()
 {
-    return LargestLineTransfer;
+    return MaxLineTransfer;
 }
 
 int LineDriver::getBitBlockAccessSize()

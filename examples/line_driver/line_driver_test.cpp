@@ -103,7 +103,7 @@ protected:
 
 } // namespace
 
-TEST_F(LineDriver, TellsWhatItIs)
+TEST_F(LineDriver, SaysWhatItIs)
 {
     EXPECT_EQ(driver->name(), QLatin1String("Line protocol"));
     EXPECT_EQ(driver->getBlockAccessSize(), 64);
@@ -130,7 +130,7 @@ TEST_F(LineDriver, Writes)
     EXPECT_EQ(error(), "");
 }
 
-TEST_F(LineDriver, TellsOfRefusals)
+TEST_F(LineDriver, ReportsRefusals)
 {
     device.answer = framed(":1AE07");
     EXPECT_EQ(readWords("D1", 1), QByteArray());

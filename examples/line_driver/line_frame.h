@@ -15,7 +15,7 @@ const char LineRead = 'R';
 const char LineWrite = 'W';
 const char LineRefusal = 'E';
 
-/// Size of the parts of every frame: before the digits, and behind them.
+/// Size of the parts of every frame: before the digits, and after them.
 const int LineHeadSize = 4;
 const int LineTailSize = 3;
 
@@ -23,14 +23,14 @@ const int LineTailSize = 3;
 const int LineValueDigits = 4;
 const int LineCodeDigits = 2;
 
-/// Largest number of registers in one frame.
-const int LargestLineTransfer = 64;
+/// Maximum number of registers in one frame.
+const int MaxLineTransfer = 64;
 
 QByteArray lineReadRequest(unsigned char station, unsigned short first, unsigned char count);
 /// \a values are registers with their low byte first.
 QByteArray lineWriteRequest(unsigned char station, unsigned short first, const QByteArray &values);
 
-/// What a device answered. Only an intact reply has more than zeros to tell.
+/// What a device answered. Unless it is intact, the other fields are zero.
 struct LineReply {
     bool isIntact;
     unsigned char station;

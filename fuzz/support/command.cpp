@@ -1,7 +1,7 @@
-#include "support/command.h"
+#include "fuzz/support/command.h"
 
-#include "support/check.h"
-#include "support/frames.h"
+#include "fuzz/support/check.h"
+#include "tests/doubles/frames.h"
 
 #include <limits>
 
@@ -34,7 +34,7 @@ int takeCount(Input &input)
 QString details(const SlaveChannel &channel, const CommunicatorCommand &command, const char *format)
 {
     static const char *const items[] = {"bit", "byte", "word", "dword"};
-    if (command.dataType > 3)
+    if (command.dataType > DoubleWordItem)
         return QString();
     return QString::asprintf(format, command.count, items[command.dataType], channel.station & 0xFF) +
            command.address + QLatin1Char(')');
@@ -68,16 +68,6 @@ void takeLink(Input &input, SlaveChannel &channel)
     const int flags = input.byte();
     channel.retries = flags % 5 - 1;
     channel.connected = (flags & 0x80) == 0;
-}
-
-QByteArray request(int station, int function, int address, int quantity)
-{
-    QByteArray frame;
-    frame.append(static_cast<char>(station & 0xFF));
-    frame.append(static_cast<char>(function));
-    appendWord(frame, static_cast<unsigned int>(address));
-    appendWord(frame, static_cast<unsigned int>(quantity));
-    return withCrc(frame);
 }
 
 QString refusal(const char *what, const QString &area, int offset)

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "drivers/tools/command_data.h"
+#include "fuzz/support/input.h"
+#include "fuzz/support/slave_channel.h"
 #include "host/communicator_command.h"
 #include "host/driver_interface.h"
-#include "support/input.h"
-#include "support/slave_channel.h"
 
 #include <QByteArray>
 #include <QList>
@@ -28,9 +29,9 @@ struct Command : CommunicatorCommand {
     int bit;
     bool highWordFirst;
 
-    bool isBitKind() const { return dataType == 0 || dataType == 6; }
-    bool isByteKind() const { return dataType == 1 || dataType == 5; }
-    bool isSupported() const { return dataType <= 6 && dataType != 4; }
+    bool isBitKind() const { return dataType == BitItem || dataType == SecondBitItem; }
+    bool isByteKind() const { return dataType == ByteItem || dataType == BlockItem; }
+    bool isSupported() const { return dataType <= SecondBitItem && dataType != EightByteItem; }
     bool areaIs(const char *name) const { return qstricmp(area->text, name) == 0; }
 };
 
@@ -45,8 +46,7 @@ struct Plan {
     QString refusal;
 };
 
-QByteArray request(int station, int function, int address, int quantity);
-/// "can't read any word from HR5" and its kin.
+/// "can't read any word from HR5" and the like.
 QString refusal(const char *what, const QString &area, int offset);
 
 /// Checks what the driver sent, every close of the channel and the error text against the plan. Returns

@@ -1,4 +1,4 @@
-#include "support/format_text.h"
+#include "fuzz/support/format_text.h"
 
 #include <cstring>
 #include <limits>

@@ -6,11 +6,11 @@
 namespace fuzz
 {
 
-/// Formats of the packers, taken apart anew.
+/// Formats of the packers, read without any of their code.
 struct Item {
     char letter;
     bool counted;
-    int begin;
+    int start;
     int size;
     int width;
 

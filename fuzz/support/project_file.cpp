@@ -1,6 +1,6 @@
-#include "support/project_file.h"
+#include "fuzz/support/project_file.h"
 
-#include "support/check.h"
+#include "fuzz/support/check.h"
 
 #include "drivers/tools/project_lookup.h"
 

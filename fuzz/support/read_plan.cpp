@@ -1,6 +1,6 @@
-#include "support/read_plan.h"
+#include "fuzz/support/read_plan.h"
 
-#include "support/frames.h"
+#include "tests/doubles/frames.h"
 
 #include <limits>
 
@@ -25,7 +25,7 @@ ReadPlan planRegisters(const Command &command, int station)
         registers = (count + 1) / 2;
         text = "can't read any byte from ";
     }
-    if (command.dataType == 3) {
+    if (command.dataType == DoubleWordItem) {
         registers = 2 * count;
         text = "can't read any double word from ";
     }
@@ -33,8 +33,8 @@ ReadPlan planRegisters(const Command &command, int station)
     if (count < 0 || registers > MaxRegisters || command.offset + registers > AreaSize)
         plan.refusal = refusal(text, QLatin1String(command.area->text), command.offset);
     else
-        plan.requests +=
-            request(station, command.area->isHolding ? 3 : 4, command.offset, static_cast<int>(registers));
+        plan.requests += fieldsFrame(station, command.area->isHolding ? 3 : 4, command.offset,
+                                     static_cast<int>(registers));
     return plan;
 }
 
@@ -45,7 +45,7 @@ bool addBits(ReadPlan &plan, int station, const QString &area, bool isCoils, int
             refusal(qPrintable(QStringLiteral("can't read %1 bits from ").arg(count)), area, offset);
         return false;
     }
-    plan.requests += request(station, isCoils ? 1 : 2, offset, static_cast<int>(count));
+    plan.requests += fieldsFrame(station, isCoils ? 1 : 2, offset, static_cast<int>(count));
     return true;
 }
 

@@ -1,6 +1,6 @@
-#include "support/slave_channel.h"
+#include "fuzz/support/slave_channel.h"
 
-#include "support/frames.h"
+#include "tests/doubles/frames.h"
 
 #include <cstring>
 
@@ -23,6 +23,12 @@ enum Fault : std::uint8_t {
     OddReadCount,
     FaultCount
 };
+
+// Bytes of a good reply after the first stage.
+int restSize(const QByteArray &request)
+{
+    return isWrite(request) ? 3 : readDataSize(request);
+}
 
 } // namespace
 
@@ -118,13 +124,8 @@ QByteArray FaultyChannel::answer(const QByteArray &request)
     }
     case CutShort: return reply.left(input.byte() % reply.size());
     case ForeignBytes: return input.bytes(input.byte());
-    case ForeignBytesWithCrc: return withCrc(input.bytes(input.byte()));
-    case ExceptionReply: {
-        QByteArray exception = request.left(2);
-        exception[1] = static_cast<char>(exception.at(1) | 0x80);
-        exception.append(static_cast<char>(input.byte()));
-        return withCrc(exception);
-    }
+    case ForeignBytesWithCrc: return framed(input.bytes(input.byte()));
+    case ExceptionReply: return exceptionReply(byteAt(request, 0), byteAt(request, 1), input.byte());
     default: return reply;
     }
 }

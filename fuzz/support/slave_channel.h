@@ -1,8 +1,8 @@
 #pragma once
 
 #include "drivers/device_setting.h"
+#include "fuzz/support/input.h"
 #include "host/abstract_device_interface.h"
-#include "support/input.h"
 
 #include <QByteArray>
 #include <QList>

@@ -1,6 +1,6 @@
-#include "support/write_plan.h"
+#include "fuzz/support/write_plan.h"
 
-#include "support/frames.h"
+#include "tests/doubles/frames.h"
 
 namespace fuzz
 {
@@ -13,19 +13,11 @@ const int MaxCoils = 1976;
 const int MaxReadRegisters = 125;
 const int AreaSize = 65536;
 
-QByteArray multipleRequest(int station, int function, int address, int quantity, const QByteArray &data)
+// The value may be missing.
+QByteArray writeSingleFrame(int station, int function, int address, const QByteArray &value)
 {
-    QByteArray frame = request(station, function, address, quantity);
-    frame.chop(2);
-    frame.append(static_cast<char>(data.size()));
-    return withCrc(frame + data);
-}
-
-QByteArray singleRequest(int station, int function, int address, const QByteArray &value)
-{
-    QByteArray frame = request(station, function, address, 0);
-    frame.chop(4);
-    return withCrc(frame + value);
+    return framed(QByteArray(1, static_cast<char>(station)) + static_cast<char>(function) +
+                  bigEndian(address) + value);
 }
 
 // The bytes of each item turned round, the last one filled up with zeros.
@@ -41,28 +33,34 @@ QByteArray onTheWire(const QByteArray &data, int itemSize)
 void addRegisters(Plan &plan, int station, bool oneByOne, int address, const QByteArray &wire)
 {
     if (!oneByOne) {
-        plan.requests += multipleRequest(station, 16, address, wire.size() / 2, wire);
+        plan.requests += writeMultipleFrame(station, 16, address, wire.size() / 2, wire);
         return;
     }
     // Writing no register sends one request without a value.
     for (int i = 0; i == 0 || i < wire.size(); i += 2)
-        plan.requests += singleRequest(station, 6, address + i / 2, wire.mid(i, 2));
+        plan.requests += writeSingleFrame(station, 6, address + i / 2, wire.mid(i, 2));
+}
+
+// Bytes of both kinds have the same words.
+int itemKind(const Command &command)
+{
+    return command.isByteKind() ? static_cast<int>(ByteItem) : command.dataType;
 }
 
 Plan planRegisters(const Command &command, const QByteArray &data, int station, bool oneByOne)
 {
     static const char *const texts[] = {nullptr, "can't write any byte to HR", "can't write any word to HR",
                                         "can't write any double word to HR"};
-    const qint64 itemSize = command.isByteKind() ? 1 : command.dataType == 2 ? 2 : 4;
+    const qint64 itemSize = command.isByteKind() ? 1 : command.dataType == WordItem ? 2 : 4;
     const qint64 size = itemSize * command.count;
     const qint64 registers = (size + 1) / 2;
     Plan plan;
     if (size < 0 || registers > MaxRegisters || command.offset + registers > AreaSize)
-        plan.refusal = refusal(texts[command.isByteKind() ? 1 : command.dataType], QString(), command.offset);
+        plan.refusal = refusal(texts[itemKind(command)], QString(), command.offset);
     else
         addRegisters(plan, station, oneByOne, command.offset,
                      onTheWire(data.leftJustified(static_cast<int>(size), '\0', true),
-                               command.dataType == 3 && command.highWordFirst ? 4 : 2));
+                               command.dataType == DoubleWordItem && command.highWordFirst ? 4 : 2));
     return plan;
 }
 
@@ -73,12 +71,12 @@ Plan planCoils(const Command &command, const QByteArray &bits, int station)
         plan.refusal = refusal(qPrintable(QStringLiteral("can't write %1 bits to DO").arg(command.count)),
                                QString(), command.offset);
     else if (command.areaIs("DO"))
-        plan.requests += multipleRequest(station, 15, command.offset, command.count, bits);
+        plan.requests += writeMultipleFrame(station, 15, command.offset, command.count, bits);
     else
         for (int i = 0; i < command.count; ++i)
-            plan.requests +=
-                singleRequest(station, 5, command.offset + i,
-                              QByteArray((byteAt(bits, i / 8) >> i % 8 & 1) != 0 ? "\xFF" : "\0", 1) + '\0');
+            plan.requests += writeSingleFrame(
+                station, 5, command.offset + i,
+                QByteArray((byteAt(bits, i / 8) >> i % 8 & 1) != 0 ? "\xFF" : "\0", 1) + '\0');
     return plan;
 }
 
@@ -91,7 +89,7 @@ Plan planRegisterBits(const Command &command, const QByteArray &bits, int statio
         plan.refusal = refusal("can't read any word from HR", QString(), command.offset);
         return plan;
     }
-    plan.requests += request(station, 3, command.offset, static_cast<int>(registers));
+    plan.requests += fieldsFrame(station, 3, command.offset, static_cast<int>(registers));
     if (registers == 0 || exchanges.isEmpty())
         return plan;
 
@@ -124,7 +122,7 @@ Plan planWrite(const Command &command, const QByteArray &data, int station, cons
     if (!command.isBitKind()) {
         if (command.area->isHolding)
             return planRegisters(command, data, station, command.areaIs("FN6HR"));
-        return refused(items[command.isByteKind() ? 1 : command.dataType], command);
+        return refused(items[itemKind(command)], command);
     }
     // Longer ones are refused whatever they are.
     const int bitBytes = (qBound(0, command.count, 0xFFFF) + 7) / 8;
@@ -133,7 +131,7 @@ Plan planWrite(const Command &command, const QByteArray &data, int station, cons
         return planCoils(command, bits, station);
     if (command.area->isHolding)
         return planRegisterBits(command, bits, station, exchanges);
-    return refused(items[0], command);
+    return refused(items[BitItem], command);
 }
 
 } // namespace fuzz

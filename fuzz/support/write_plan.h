@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/command.h"
+#include "fuzz/support/command.h"
 
 namespace fuzz
 {

@@ -108,7 +108,7 @@ check_tools() {
     echo "$(wc -l <"$list") operations"
 }
 
-# Functions with their kind, names as people read them; the type behind va_list depends on the processor.
+# Functions with their kind, names as people read them; the type of a va_list depends on the processor.
 symbols() {
     "$nm" -C --defined-only "$1" | sed -n 's/^[0-9a-f]* \([TtWw]\) /\1 /p' |
         sed 's/__va_list_tag\*\|std::__va_list/va_list/g; s/ \[clone .*//'

@@ -1,9 +1,9 @@
 #include "host/driver_interface.h"
-#include "support/frames.h"
-#include "support/project_database.h"
-#include "support/scripted_channel.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
+#include "tests/doubles/scripted_channel.h"
+#include "tests/support/gtest_qt.h"
+#include "tests/support/project_database.h"
 
 #include <QCoreApplication>
 #include <QLibrary>
@@ -45,15 +45,6 @@ QByteArray expectedVerificationText()
 #endif
 }
 
-CommunicatorCommand readWordsAtHR1(int count)
-{
-    CommunicatorCommand command;
-    command.dataType = 2;
-    command.count = count;
-    command.address = QLatin1String("HR1");
-    return command;
-}
-
 } // namespace
 
 TEST(PluginLoad, QtLoadsItAsADriver)
@@ -71,7 +62,7 @@ TEST(PluginLoad, QtLoadsItAsADriver)
 TEST(PluginLoad, OneInstanceUntilItIsDeleted)
 {
     typedef QObject *(*Instance)();
-    const Instance instance = entryPoint<Instance>("qt_plugin_instance");
+    const auto instance = entryPoint<Instance>("qt_plugin_instance");
     ASSERT_NE(instance, nullptr);
     QPointer<QObject> first = instance();
     ASSERT_FALSE(first.isNull());
@@ -85,7 +76,7 @@ TEST(PluginLoad, OneInstanceUntilItIsDeleted)
 TEST(PluginLoad, CreateDriverMakesANewDriverEachTime)
 {
     typedef DriverInterface *(*Create)();
-    const Create create = entryPoint<Create>("CreateDriver");
+    const auto create = entryPoint<Create>("CreateDriver");
     ASSERT_NE(create, nullptr);
     const std::unique_ptr<DriverInterface> first(create());
     const std::unique_ptr<DriverInterface> second(create());
@@ -98,7 +89,7 @@ TEST(PluginLoad, CreateDriverMakesANewDriverEachTime)
 TEST(PluginLoad, VerificationText)
 {
     typedef const char *(*Query)();
-    const Query query = entryPoint<Query>("qt_plugin_query_verification_data");
+    const auto query = entryPoint<Query>("qt_plugin_query_verification_data");
     ASSERT_NE(query, nullptr);
     EXPECT_EQ(QByteArray(query()), expectedVerificationText());
 }
@@ -106,12 +97,12 @@ TEST(PluginLoad, VerificationText)
 TEST(PluginLoad, ReadsThroughAChannelOfTheHost)
 {
     typedef DriverInterface *(*Create)();
-    const Create create = entryPoint<Create>("CreateDriver");
+    const auto create = entryPoint<Create>("CreateDriver");
     ASSERT_NE(create, nullptr);
     const std::unique_ptr<DriverInterface> driver(create());
     const ProjectDatabase database(QStringList(), 1);
     ScriptedChannel channel;
     channel.addReply(framed("01 03 04 12 34 56 78"));
-    EXPECT_EQ(driver->read(&channel, readWordsAtHR1(2)), fromHex("34 12 78 56"));
+    EXPECT_EQ(driver->read(&channel, makeCommand(WordItem, QLatin1String("HR1"), 2)), fromHex("34 12 78 56"));
     EXPECT_FALSE(driver->hasError()) << driver->getLastError().toStdString();
 }

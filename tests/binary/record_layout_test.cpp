@@ -48,7 +48,7 @@ PIN_ON_PANEL(sizeof(QObject), 8);
 PIN_ON_PANEL(sizeof(DriverInterface), 4);
 PIN_ON_PANEL(sizeof(DriverModbusRtuSlaveOverTcp), 32);
 
-TEST(RecordLayout, InterfaceComesBehindQObject)
+TEST(RecordLayout, InterfaceComesAfterQObject)
 {
     const DriverModbusRtuSlaveOverTcp driver;
     const QObject *object = &driver;

@@ -1,13 +1,4 @@
-#include "support/driver_test.h"
-
-CommunicatorCommand makeCommand(int dataType, const QString &address, int count)
-{
-    CommunicatorCommand command;
-    command.dataType = dataType;
-    command.count = count;
-    command.address = address;
-    return command;
-}
+#include "tests/support/driver_test.h"
 
 QStringList stringList(std::initializer_list<const char *> texts)
 {
@@ -17,10 +8,31 @@ QStringList stringList(std::initializer_list<const char *> texts)
     return list;
 }
 
+std::string repeated(const std::string &attempt, int times)
+{
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += (i > 0 ? " " : "") + attempt;
+    return all;
+}
+
+QList<QByteArray> frames(std::initializer_list<const char *> hexTexts)
+{
+    QList<QByteArray> list;
+    for (const char *text : hexTexts)
+        list << framed(text);
+    return list;
+}
+
+std::string errorOf(DriverInterface &driver)
+{
+    return driver.hasError() ? std::string(driver.getLastError().toUtf8().constData()) : NoError;
+}
+
 LoadedDriver::LoadedDriver(const QStringList &tags)
 {
     const ProjectDatabase project(tags, 1);
-    const CommunicatorCommand unsupported = makeCommand(4, QString(), 0);
+    const CommunicatorCommand unsupported = makeCommand(EightByteItem, QString(), 0);
     driver.read(&channel, unsupported);
     channel.forgetCalls();
 }
@@ -33,11 +45,6 @@ QByteArray LoadedDriver::read(int dataType, const char *address, int count)
 bool LoadedDriver::write(int dataType, const char *address, int count, const QByteArray &data)
 {
     return driver.write(&channel, makeCommand(dataType, QString::fromUtf8(address), count), data);
-}
-
-std::string LoadedDriver::error()
-{
-    return driver.hasError() ? std::string(driver.getLastError().toUtf8().constData()) : NoError;
 }
 
 QByteArray patternBytes(int size)

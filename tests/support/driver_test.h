@@ -1,22 +1,39 @@
 #pragma once
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
-#include "support/frames.h"
-#include "support/project_database.h"
-#include "support/scripted_channel.h"
-#include "support/sleep_recorder.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
+#include "tests/doubles/scripted_channel.h"
+#include "tests/support/gtest_qt.h"
+#include "tests/support/project_database.h"
+#include "tests/support/sleep_recorder.h"
 
-#include <gtest/gtest.h>
-
+#include <limits>
 #include <string>
 
 const char NoError[] = "no error";
 
-CommunicatorCommand makeCommand(int dataType, const QString &address, int count);
+/// The one kind of item that the driver does not serve, and numbers that are no kind.
+const int UnsupportedKinds[] = {EightByteItem,
+                                SecondBitItem + 1,
+                                SecondBitItem + 2,
+                                100,
+                                -1,
+                                -4,
+                                std::numeric_limits<int>::max(),
+                                std::numeric_limits<int>::min()};
+
 /// The strings as a list, for tags.
 QStringList stringList(std::initializer_list<const char *> texts);
+/// The trace of a channel after \a times attempts, each of which has this trace.
+std::string repeated(const std::string &attempt, int times);
+/// The frame of each text, as framed() makes it.
+QList<QByteArray> frames(std::initializer_list<const char *> hexTexts);
 /// \a size bytes, each different from its neighbours, over the whole range of values.
 QByteArray patternBytes(int size);
+
+/// The error text of the last command, NoError when there is none.
+std::string errorOf(DriverInterface &driver);
 
 /// A driver on a scripted channel of station 1. Pauses take no time.
 ///
@@ -28,8 +45,7 @@ struct LoadedDriver {
     QByteArray read(int dataType, const char *address, int count);
     bool write(int dataType, const char *address, int count, const QByteArray &data);
 
-    /// The error text, NoError when there is none.
-    std::string error();
+    std::string error() { return errorOf(driver); }
     /// Whether nothing was sent since the calls were last forgotten.
     bool isSilent() const { return channel.count(ScriptedChannel::WriteData) == 0; }
 

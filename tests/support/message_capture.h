@@ -14,7 +14,7 @@ public:
     MessageCapture(const MessageCapture &) = delete;
     MessageCapture &operator=(const MessageCapture &) = delete;
 
-    /// The messages so far. Qt 4 puts a blank behind the last item of a line, which is taken off here.
+    /// The messages so far. Qt 4 puts a blank after the last item of a line, which is taken off here.
     static QList<QString> lines() { return kept(); }
 
 private:

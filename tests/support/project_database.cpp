@@ -1,4 +1,4 @@
-#include "support/project_database.h"
+#include "tests/support/project_database.h"
 
 #include <gtest/gtest.h>
 

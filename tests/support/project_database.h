@@ -4,6 +4,13 @@
 #include <QString>
 #include <QStringList>
 
+/// What the driver reports when it cannot load a project.
+/// @{
+const char CanNotOpen[] = "can not open database";
+const char NoStation[] = "failed to get default station id";
+const char NoAddresses[] = "failed to initialize valid bit addresses table";
+/// @}
+
 /// The project database of the test program: a real SQLite file at the place where a driver looks for it.
 /// Made with its tables, and removed, by the object.
 class ProjectDatabase

@@ -1,4 +1,4 @@
-#include "support/random_data.h"
+#include "tests/support/random_data.h"
 
 namespace
 {
@@ -10,6 +10,14 @@ unsigned int chosenSeed()
 }
 
 } // namespace
+
+void seedRandomNumbers(unsigned int seed)
+{
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    qsrand(seed);
+#pragma GCC diagnostic pop
+}
 
 RandomData::RandomData() : seed(chosenSeed()), engine(seed) {}
 

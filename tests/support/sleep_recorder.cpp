@@ -1,4 +1,4 @@
-#include "support/sleep_recorder.h"
+#include "tests/support/sleep_recorder.h"
 
 #include <cerrno>
 #include <ctime>

@@ -1,6 +1,6 @@
-#include "support/transactions.h"
+#include "tests/support/transactions.h"
 
-#include "support/model_slave.h"
+#include "tests/doubles/model_slave.h"
 
 namespace
 {
@@ -19,27 +19,27 @@ struct Row {
 };
 
 const Row rows[] = {
-    {"readWords", Read, 2, "HR7", 3, "", " (read 3 word(s) from 1-HR7)"},
-    {"readWords of inputs", Read, 2, "IR7", 1, "", " (read 1 word(s) from 1-IR7)"},
-    {"readIRHRbits", Read, 0, "HR7.14", 11, "", " (read 11 bit(s) from 1-HR7.14)"},
-    {"readIRHRbits of inputs", Read, 6, "IR7.3", 2, "", ""},
-    {"readDWords", Read, 3, "HR7", 2, "", " (read 2 dword(s) from 1-HR7)"},
-    {"readDWords, high word first", Read, 3, "IRSW7", 1, "", " (read 1 dword(s) from 1-IRSW7)"},
-    {"readBytes", Read, 1, "FN6HR7", 3, "", " (read 3 byte(s) from 1-FN6HR7)"},
-    {"readDIDOs of coils", Read, 0, "FN5DO7", 21, "", " (read 21 bit(s) from 1-FN5DO7)"},
-    {"readDIDOs of inputs", Read, 0, "DI7", 5, "", " (read 5 bit(s) from 1-DI7)"},
-    {"readBytesFromDI", Read, 1, "DI1", 2, "", " (read 2 byte(s) from 1-DI1)"},
-    {"readBytesFromDO", Read, 5, "DO1", 2, "", ""},
-    {"writeWords", Write, 2, "HR7", 2, "11 22 33 44", " (write 2 word to 1-HR7)"},
-    {"writeDWords", Write, 3, "HRSW7", 1, "11 22 33 44", " (write 1 dword to 1-HRSW7)"},
-    {"writeBytes", Write, 1, "HR7", 3, "11 22 33", " (write 3 byte to 1-HR7)"},
-    {"writeWordsWithFN6", Write, 2, "FN6HR7", 3, "11 22 33 44 55 66", " (write 3 word to 1-FN6HR7)"},
-    {"writeDWordsWithFN6", Write, 3, "FN6HR7", 1, "11 22 33 44", " (write 1 dword to 1-FN6HR7)"},
-    {"writeBytesWithFN6", Write, 5, "FN6HR7", 3, "11 22 33", ""},
-    {"writeCoils", Write, 0, "DO7", 10, "FF 01", " (write 10 bit to 1-DO7)"},
-    {"writeCoilsWithFN5", Write, 6, "FN5DO7", 3, "05", ""},
-    {"writeHRbit", Write, 0, "HR7.14", 3, "05", " (write 3 bit to 1-HR7.14)"},
-    {"writeHRbitWithFN6", Write, 0, "FN6HR7.14", 3, "05", " (write 3 bit to 1-FN6HR7.14)"},
+    {"readWords", Read, WordItem, "HR7", 3, "", " (read 3 word(s) from 1-HR7)"},
+    {"readWords of inputs", Read, WordItem, "IR7", 1, "", " (read 1 word(s) from 1-IR7)"},
+    {"readIRHRbits", Read, BitItem, "HR7.14", 11, "", " (read 11 bit(s) from 1-HR7.14)"},
+    {"readIRHRbits of inputs", Read, SecondBitItem, "IR7.3", 2, "", ""},
+    {"readDWords", Read, DoubleWordItem, "HR7", 2, "", " (read 2 dword(s) from 1-HR7)"},
+    {"readDWords, high word first", Read, DoubleWordItem, "IRSW7", 1, "", " (read 1 dword(s) from 1-IRSW7)"},
+    {"readBytes", Read, ByteItem, "FN6HR7", 3, "", " (read 3 byte(s) from 1-FN6HR7)"},
+    {"readDIDOs of coils", Read, BitItem, "FN5DO7", 21, "", " (read 21 bit(s) from 1-FN5DO7)"},
+    {"readDIDOs of inputs", Read, BitItem, "DI7", 5, "", " (read 5 bit(s) from 1-DI7)"},
+    {"readBytesFromDI", Read, ByteItem, "DI1", 2, "", " (read 2 byte(s) from 1-DI1)"},
+    {"readBytesFromDO", Read, BlockItem, "DO1", 2, "", ""},
+    {"writeWords", Write, WordItem, "HR7", 2, "11 22 33 44", " (write 2 word to 1-HR7)"},
+    {"writeDWords", Write, DoubleWordItem, "HRSW7", 1, "11 22 33 44", " (write 1 dword to 1-HRSW7)"},
+    {"writeBytes", Write, ByteItem, "HR7", 3, "11 22 33", " (write 3 byte to 1-HR7)"},
+    {"writeWordsWithFN6", Write, WordItem, "FN6HR7", 3, "11 22 33 44 55 66", " (write 3 word to 1-FN6HR7)"},
+    {"writeDWordsWithFN6", Write, DoubleWordItem, "FN6HR7", 1, "11 22 33 44", " (write 1 dword to 1-FN6HR7)"},
+    {"writeBytesWithFN6", Write, BlockItem, "FN6HR7", 3, "11 22 33", ""},
+    {"writeCoils", Write, BitItem, "DO7", 10, "FF 01", " (write 10 bit to 1-DO7)"},
+    {"writeCoilsWithFN5", Write, SecondBitItem, "FN5DO7", 3, "05", ""},
+    {"writeHRbit", Write, BitItem, "HR7.14", 3, "05", " (write 3 bit to 1-HR7.14)"},
+    {"writeHRbitWithFN6", Write, BitItem, "FN6HR7.14", 3, "05", " (write 3 bit to 1-FN6HR7.14)"},
 };
 
 ModelSlave filledSlave()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/driver_test.h"
+#include "tests/support/driver_test.h"
 
 #include <string>
 #include <vector>

@@ -1,21 +1,16 @@
-#include "support/used_bits.h"
+#include "tests/support/used_bits.h"
 
-#include "support/frames.h"
+#include "tests/doubles/command.h"
+#include "tests/doubles/frames.h"
 
 namespace
 {
 
 const int BytesOfAnArea = 65536 / 8;
 
-int wordAt(const QByteArray &bytes, int i)
-{
-    return static_cast<unsigned char>(bytes.at(i)) * 256 + static_cast<unsigned char>(bytes.at(i + 1));
-}
-
 QByteArray allOff(const QByteArray &readRequest)
 {
-    return readReply(readRequest.at(0), readRequest.at(1),
-                     QByteArray((wordAt(readRequest, 4) + 7) / 8, '\0'));
+    return goodReply(readRequest, QByteArray());
 }
 
 std::string addressesIn(const QList<QByteArray> &readRequests)
@@ -34,13 +29,9 @@ std::string usedBits(DriverInterface &driver, ScriptedChannel &channel, int stat
     std::string used;
     channel.station = station;
     channel.setResponder(allOff);
-    CommunicatorCommand command;
-    command.dataType = 5;
-    command.count = BytesOfAnArea;
     for (const char *area : {"DI", "DO"}) {
-        command.address = QLatin1String(area) + QLatin1Char('1');
         channel.forgetCalls();
-        driver.read(&channel, command);
+        driver.read(&channel, makeCommand(BlockItem, QLatin1String(area) + QLatin1Char('1'), BytesOfAnArea));
         if (driver.hasError())
             return driver.getLastError().toUtf8().constData();
         const std::string addresses = addressesIn(channel.requests());

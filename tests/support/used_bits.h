@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/driver_interface.h"
-#include "support/scripted_channel.h"
+#include "tests/doubles/scripted_channel.h"
 
 #include <string>
 
