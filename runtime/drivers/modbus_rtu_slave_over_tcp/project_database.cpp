@@ -87,11 +87,11 @@ bool DriverModbusRtuSlaveOverTcp::initValidBitAddressesMap(int connectorId, unsi
 
     UsedBits used(defaultStation, bitAddressPattern);
     while (query.next())
-        used.add(query.value(0));
+        used.add(query.value(0).toString());
     // A file that ends in the middle of the table: half of the addresses would read as if the others were
     // unused.
     if (query.lastError().isValid())
         return false;
-    validBitAddressesMap = used.sorted();
+    validBitAddressesMap = used.sortedByStation();
     return true;
 }
