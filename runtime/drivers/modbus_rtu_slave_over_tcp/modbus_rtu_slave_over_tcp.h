@@ -88,9 +88,9 @@ private:
                          int count);
     QByteArray readBytesFromDI(AbstractDeviceInterface *device, unsigned short offset, int count);
     QByteArray readBytesFromDO(AbstractDeviceInterface *device, unsigned short offset, int count);
-    QByteArray readUsedBits(AbstractDeviceInterface *device, const QByteArray &area,
-                            const UShortVector &(ModbusBitSet::*usedAddresses)() const, unsigned short offset,
-                            int count);
+    const ModbusBitSet *usedBitsOf(AbstractDeviceInterface *device, const char *area);
+    QByteArray readUsedBits(AbstractDeviceInterface *device, const QByteArray &area, const UShortVector &used,
+                            unsigned short offset, int count);
     QByteArray refuseBitRead(qint64 count, const QByteArray &area, unsigned short offset);
 
     // Writers return whether the slave confirmed everything, false after storing the reason:
