@@ -9,7 +9,7 @@
 /// Sleeping, time and processes.
 
 /// Sleeps for \a milliseconds, signals notwithstanding; 0 returns without entering the kernel. The
-/// nanoseconds are counted modulo 2^32, so 4294 is the longest exact sleep (5000 sleeps 0.705 s).
+/// nanoseconds are counted modulo 2^32, so 4294 is the maximum of an exact sleep (5000 sleeps 0.705 s).
 void HRSleep(unsigned long milliseconds);
 
 /// Milliseconds of the monotonic clock, which begins with the start of the system and does not jump.
