@@ -11,7 +11,8 @@ struct BitRun {
     int position;           ///< Which bit of what is read the first one is.
 };
 
-/// The runs that a walk over \a count addresses from \a offset upwards passes, in its order. \a used is ascending
-/// and without duplicates. The walk goes on at 0 after 65535, but never back: used addresses below one that it
-/// has passed count as unused. The last run is cut where the walk ends; a \a count below 1 gives none.
+/// The runs that a walk over \a count addresses from \a offset upwards passes, in its order. \a used is
+/// ascending and without duplicates. The walk goes on at 0 after 65535, but never back: used addresses below
+/// one that it has passed count as unused. The last run is cut where the walk ends; a \a count below 1 gives
+/// none.
 std::vector<BitRun> bitRuns(const UShortVector &used, unsigned short offset, int count);

@@ -88,12 +88,12 @@ void DriverModbusRtuSlaveOverTcp::setDebugMode(bool on)
 
 int DriverModbusRtuSlaveOverTcp::getBlockAccessSize()
 {
-    return LargestRegisterRead;
+    return MaxRegistersRead;
 }
 
 int DriverModbusRtuSlaveOverTcp::getBitBlockAccessSize()
 {
-    return LargestBitRead;
+    return MaxBitsRead;
 }
 
 bool DriverModbusRtuSlaveOverTcp::hasError()

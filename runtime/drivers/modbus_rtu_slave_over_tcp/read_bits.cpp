@@ -13,7 +13,7 @@
 QByteArray DriverModbusRtuSlaveOverTcp::readDIDOs(AbstractDeviceInterface *device, const QByteArray &area,
                                                   unsigned short offset, int count)
 {
-    if (!isInRange(offset, static_cast<unsigned int>(count), LargestBitRead))
+    if (!isInRange(offset, static_cast<unsigned int>(count), MaxBitsRead))
         return refuseBitRead(count, area, offset);
 
     const ModbusFunction function = isCoilArea(area) ? ReadCoils : ReadDiscreteInputs;

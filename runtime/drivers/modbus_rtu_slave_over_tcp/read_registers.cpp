@@ -56,7 +56,7 @@ bool DriverModbusRtuSlaveOverTcp::readRegisters(AbstractDeviceInterface *device,
                                                 const QByteArray &area, unsigned short offset,
                                                 quint64 registers, Reply &reply)
 {
-    if (!isInRange(offset, registers, LargestRegisterRead))
+    if (!isInRange(offset, registers, MaxRegistersRead))
         return refuseRegisterRead(item, area, offset);
     const ModbusFunction function = isHoldingRegisterArea(area) ? ReadHoldingRegisters : ReadInputRegisters;
     const auto quantity = static_cast<unsigned short>(registers);

@@ -4,15 +4,6 @@
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "drivers/tools/bit_array.h"
 
-namespace
-{
-
-// Above the 1968 coils of the protocol ("MODBUS Application Protocol V1.1b3", 6.11): 247 bytes of data, which
-// slaves without that limit take.
-const unsigned int LargestCoilWrite = 1976;
-
-} // namespace
-
 bool DriverModbusRtuSlaveOverTcp::writeCoils(AbstractDeviceInterface *device, unsigned short offset,
                                              const QByteArray &bits, int count)
 {
@@ -46,7 +37,7 @@ bool DriverModbusRtuSlaveOverTcp::writeCoilsWithFN5(AbstractDeviceInterface *dev
 
 bool DriverModbusRtuSlaveOverTcp::checkCoilRange(unsigned short offset, int count)
 {
-    if (isInRange(offset, static_cast<unsigned int>(count), LargestCoilWrite))
+    if (isInRange(offset, static_cast<unsigned int>(count), MaxCoilsWritten))
         return true;
     setCommError(
         QString::fromLatin1("can't write %1 bits to DO%2").arg(QString::number(count), oneBased(offset)));

@@ -9,8 +9,6 @@
 namespace
 {
 
-const unsigned int LargestRegisterWrite = 123;
-
 // Host data of double words as registers on the wire.
 QByteArray doubleWordRegisters(const QByteArray &data, bool swapWords)
 {
@@ -101,6 +99,6 @@ bool DriverModbusRtuSlaveOverTcp::writeRegistersWithFN6(AbstractDeviceInterface 
 bool DriverModbusRtuSlaveOverTcp::checkRegisterRange(const char *item, unsigned short offset, int size)
 {
     const unsigned int registers = NumOfBytesToNumOfWords(static_cast<unsigned int>(size));
-    return isInRange(offset, registers, LargestRegisterWrite) ||
+    return isInRange(offset, registers, MaxRegistersWritten) ||
            refuseWrite(item, QLatin1String("HR") + oneBased(offset));
 }
