@@ -27,14 +27,10 @@ bool DriverModbusRtuSlaveOverTcp::beginAttempt(AbstractDeviceInterface *device,
 {
     HRSleep(device->delayTime());
     clearError();
-    if (!isConnected(device) && !device->open()) {
-        setCommError(device->errorString());
-        return false;
-    }
-    if (!isSupported(command.dataType)) {
-        setCommError(QLatin1String("unsupported data type: ") + command.address);
-        return false;
-    }
+    if (!isConnected(device) && !device->open())
+        return fail(device->errorString());
+    if (!isSupported(command.dataType))
+        return fail(QLatin1String("unsupported data type: ") + command.address);
     return true;
 }
 

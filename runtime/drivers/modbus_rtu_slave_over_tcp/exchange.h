@@ -20,8 +20,6 @@ const unsigned int AddressSpace = 65536;
 
 /// Where the data of a read's reply begins: after station, function and byte count.
 const int ReadDataStart = 3;
-/// What is left of the eight bytes that confirm a write when the first five are there.
-const int EchoRest = 3;
 
 /// The station of a request: the low 8 bits of the channel's, asked for anew each time.
 inline unsigned char stationOf(AbstractDeviceInterface *device)

@@ -82,9 +82,3 @@ bool DriverModbusRtuSlaveOverTcp::writeItems(AbstractDeviceInterface *device,
         return refuseWrite("double word", command.address);
     }
 }
-
-bool DriverModbusRtuSlaveOverTcp::refuseWrite(const char *item, const QString &target)
-{
-    setCommError(QString::fromLatin1("can't write any %1 to %2").arg(QLatin1String(item), target));
-    return false;
-}

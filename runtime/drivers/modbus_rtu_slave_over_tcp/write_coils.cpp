@@ -9,11 +9,8 @@ bool DriverModbusRtuSlaveOverTcp::writeCoils(AbstractDeviceInterface *device, un
 {
     if (!checkCoilRange(offset, count))
         return false;
-    Reply reply;
-    return exchange(
-        device,
-        ModbusRTUSlaveBuildFn15Request(stationOf(device), offset, static_cast<unsigned short>(count), bits),
-        EchoRest, reply);
+    const auto quantity = static_cast<unsigned short>(count);
+    return confirmed(device, ModbusRTUSlaveBuildFn15Request(stationOf(device), offset, quantity, bits));
 }
 
 // One request a coil, back to back.
@@ -28,8 +25,7 @@ bool DriverModbusRtuSlaveOverTcp::writeCoilsWithFN5(AbstractDeviceInterface *dev
         const QByteArray request = ModbusRTUSlaveBuildWriteSingleRequest(
             stationOf(device), WriteSingleCoil, static_cast<unsigned short>(offset + i),
             getBit(bits, i) ? on : off);
-        Reply reply;
-        if (!exchange(device, request, EchoRest, reply))
+        if (!confirmed(device, request))
             return false;
     }
     return true;
@@ -37,9 +33,8 @@ bool DriverModbusRtuSlaveOverTcp::writeCoilsWithFN5(AbstractDeviceInterface *dev
 
 bool DriverModbusRtuSlaveOverTcp::checkCoilRange(unsigned short offset, int count)
 {
-    if (isInRange(offset, static_cast<unsigned int>(count), MaxCoilsWritten))
-        return true;
-    setCommError(
-        QString::fromLatin1("can't write %1 bits to DO%2").arg(QString::number(count), oneBased(offset)));
-    return false;
+    if (!isInRange(offset, static_cast<unsigned int>(count), MaxCoilsWritten))
+        return fail(
+            QString::fromLatin1("can't write %1 bits to DO%2").arg(QString::number(count), oneBased(offset)));
+    return true;
 }
