@@ -66,10 +66,11 @@ private:
     bool failAndClose(AbstractDeviceInterface *device, const QString &text);
     bool failAndClose(AbstractDeviceInterface *device, const char *text);
 
-    // Attempts and dispatch: attempt.cpp, read.cpp, write.cpp
+    // Attempts and dispatch: attempt.cpp, attempt.h, read.cpp, write.cpp
     bool loadProjectOnce(AbstractDeviceInterface *device);
-    bool beginAttempt(AbstractDeviceInterface *device, const CommunicatorCommand &command);
-    bool mayRetry(AbstractDeviceInterface *device, int attempt);
+    template <typename Transfer>
+    bool attempt(AbstractDeviceInterface *device, const CommunicatorCommand &command, Transfer transfer);
+    bool canTransfer(AbstractDeviceInterface *device, const CommunicatorCommand &command);
     QByteArray readItems(AbstractDeviceInterface *device, const CommunicatorCommand &command,
                          const QByteArray &area, unsigned short offset, unsigned char bit);
     bool writeItems(AbstractDeviceInterface *device, const CommunicatorCommand &command,

@@ -1,6 +1,7 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
+#include "drivers/modbus_rtu_slave_over_tcp/attempt.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
 #include "drivers/tools/command_data.h"
 
@@ -33,15 +34,14 @@ bool DriverModbusRtuSlaveOverTcp::write(AbstractDeviceInterface *device, const C
     unsigned char bit = 0;
     ModbusRTUSlaveParseAddress(command.address, area, offset, bit);
 
-    for (int attempt = 0; beginAttempt(device, command); ++attempt) {
-        const bool written = writeItems(device, command, sizedData(command, data), area, offset, bit);
-        if (mayRetry(device, attempt))
-            continue;
-        if (errorFlag)
-            appendCmdToWriteCommError(stationOf(device), command);
-        return written;
-    }
-    return false;
+    bool isWritten = false;
+    if (!attempt(device, command, [&] {
+            isWritten = writeItems(device, command, sizedData(command, data), area, offset, bit);
+        }))
+        return false;
+    if (errorFlag)
+        appendCmdToWriteCommError(stationOf(device), command);
+    return isWritten;
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeItems(AbstractDeviceInterface *device,
