@@ -8,17 +8,16 @@
 namespace
 {
 
-// No writer accepts data as long as this: 123 registers and 1976 coils end below it, 2000 bits in registers
-// as well.
-const int RefusedSize = 256;
+// The most bytes that any writer accepts: bits for all the registers of one read. Writers of whole registers
+// refuse that many, and writers of bits look at the count.
+const int MaxDataSize = 2 * MaxRegistersRead;
 
-// The data at the command's length, or, where its writer will refuse that length, just as long as that takes.
+// The data at the command's length, cut or padded with zeros. A length that no writer accepts, a negative one
+// included, is cut to the maximum, for the writer to refuse.
 QByteArray sizedData(const CommunicatorCommand &command, const QByteArray &data)
 {
-    const int size = GetSafeDataLen(command);
-    if (size == data.size())
-        return data;
-    return size < 0 || size > RefusedSize ? QByteArray(RefusedSize, '\0') : ToSafeData(command, data);
+    const auto size = static_cast<unsigned int>(GetSafeDataLen(command));
+    return data.leftJustified(static_cast<int>(qMin<unsigned int>(size, MaxDataSize)), '\0', true);
 }
 
 } // namespace
@@ -34,10 +33,9 @@ bool DriverModbusRtuSlaveOverTcp::write(AbstractDeviceInterface *device, const C
     unsigned char bit = 0;
     ModbusRTUSlaveParseAddress(command.address, area, offset, bit);
 
+    const QByteArray sized = sizedData(command, data);
     bool isWritten = false;
-    if (!attempt(device, command, [&] {
-            isWritten = writeItems(device, command, sizedData(command, data), area, offset, bit);
-        }))
+    if (!attempt(device, command, [&] { isWritten = writeItems(device, command, sized, area, offset, bit); }))
         return false;
     if (errorFlag)
         appendCmdToWriteCommError(stationOf(device), command);
