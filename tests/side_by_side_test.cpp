@@ -156,7 +156,8 @@ protected:
     // The driver objects are gone when this runs; their connections are not.
     ~SideBySide() override
     {
-        foreach (const QString &name, connections())
+        const QStringList names = connections();
+        for (const QString &name : names)
             QSqlDatabase::removeDatabase(name);
     }
 
