@@ -72,8 +72,8 @@ private:
 /// (QString) and port (16 bits). auxText is not persisted.
 ///
 /// The current index is applied before the list is read, so it counts only when the list that the object held
-/// before has such an entry. A stream that is too short leaves what Qt's operators leave; the stream's status
-/// tells.
+/// before has such an entry. A stream that is too short leaves what Qt's operators leave, and its status says
+/// so.
 /// @{
 QDataStream &operator<<(QDataStream &stream, const DeviceSetting &setting);
 QDataStream &operator>>(QDataStream &stream, DeviceSetting &setting);

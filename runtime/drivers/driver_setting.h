@@ -38,7 +38,7 @@ struct DriverSetting {
 /// \relates DriverSetting
 /// Four qint32 in the stream's byte order: timeout, retry, stationId, delay. auxText and auxFlag are not
 /// persisted, and reading leaves them as they were. After a stream that is too short the fields hold what
-/// Qt's operators left there; the stream's status tells.
+/// Qt's operators left there, and its status says so.
 /// @{
 QDataStream &operator<<(QDataStream &stream, const DriverSetting &setting);
 QDataStream &operator>>(QDataStream &stream, DriverSetting &setting);

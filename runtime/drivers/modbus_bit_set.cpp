@@ -2,12 +2,11 @@
 
 #include "drivers/tools/tool_assert.h"
 
-#include <bitset>
-
 namespace
 {
 
-const size_t AddressCount = 65536;
+const unsigned int AddressCount = 65536;
+const unsigned int AddressesPerWord = 32;
 
 } // namespace
 
@@ -28,16 +27,22 @@ int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
     return -1;
 }
 
-// By a bit for each address there can be: projects name the same ones over and over, which sorting would move
-// about for nothing. _Find_first() and _Find_next() are libstdc++'s, as on every panel.
+// By a mark for each address there can be: projects name the same ones over and over, which sorting would
+// move about for nothing.
 void ModbusBitSet::setSort(UShortVector &set)
 {
-    std::bitset<AddressCount> used;
+    quint32 marks[AddressCount / AddressesPerWord] = {};
     for (UShortVector::const_iterator address = set.begin(); address != set.end(); ++address)
-        used[*address] = true;
+        marks[*address / AddressesPerWord] |= 1u << (*address % AddressesPerWord);
+
     auto end = set.begin();
-    for (size_t address = used._Find_first(); address < used.size(); address = used._Find_next(address))
-        *end++ = static_cast<ushort>(address);
+    for (unsigned int first = 0; first < AddressCount; first += AddressesPerWord) {
+        unsigned int address = first;
+        for (quint32 left = marks[first / AddressesPerWord]; left != 0; left >>= 1, ++address) {
+            if ((left & 1) != 0)
+                *end++ = static_cast<ushort>(address);
+        }
+    }
     // A copy has just its size; shrink_to_fit() may do nothing in a build without exceptions.
     UShortVector(set.begin(), end).swap(set);
 }

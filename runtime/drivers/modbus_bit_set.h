@@ -41,7 +41,7 @@ public:
     const UShortVector &DISet() const { return diSet; }
     /// @}
 
-    /// The index of \a value in the sorted \a set, at \a l or behind it; -1 when it is not there. A negative
+    /// The index of \a value in the sorted \a set, at \a l or after it; -1 when it is not there. A negative
     /// \a l stops the process; one past the end finds nothing.
     static int setContains(const UShortVector &set, int l, ushort value);
     /// Sorts ascending, removes duplicates and gives back the memory that is no longer needed.

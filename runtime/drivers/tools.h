@@ -8,6 +8,7 @@
 #include "drivers/tools/byte_order.h"
 #include "drivers/tools/checksum.h"
 #include "drivers/tools/command_data.h"
+#include "drivers/tools/diagnostics.h"
 #include "drivers/tools/format_pack.h"
 #include "drivers/tools/plc_address.h"
 #include "drivers/tools/project_lookup.h"

@@ -49,9 +49,9 @@ public:
     virtual int supportedCommunicationFlags() = 0;
     /// Switches the driver's aids to debugging, if it has any.
     virtual void setDebugMode(bool on) = 0;
-    /// Largest number of registers in one request.
+    /// Maximum number of registers in one request.
     virtual int getBlockAccessSize() = 0;
-    /// Largest number of bits in one request.
+    /// Maximum number of bits in one request.
     virtual int getBitBlockAccessSize() = 0;
     /// Whether the last transaction failed.
     virtual bool hasError() = 0;
@@ -65,7 +65,7 @@ public:
     virtual void setSessionCommand(const QList<CommunicatorCommand> & /*commands*/) {}
     /// Drops the session commands.
     virtual void clearSessionCommand() {}
-    /// Tells that the settings of the channel are other ones now. True when the driver goes on with them.
+    /// Says that the settings of the channel have changed. True when the driver goes on with them.
     virtual bool deviceSettingChanged(DeviceSetting * /*setting*/) { return true; }
     /// Whether the channel serves the driver, as the driver sees it.
     virtual bool isConnected(AbstractDeviceInterface * /*device*/) { return true; }

@@ -131,6 +131,39 @@ TEST_F(WriteEntry, AreasWithoutWriterAreRetried)
     EXPECT_EQ(pauses.sleeps(), std::vector<qint64>(3 * sizeof areas / sizeof *areas, 7000000));
 }
 
+TEST_F(WriteEntry, CommandsThatNoWriterTakesAreRetried)
+{
+    const int max = std::numeric_limits<int>::max();
+    const struct {
+        int kind;
+        const char *address;
+        int count;
+        const char *text;
+    } commands[] = {
+        {1, "HR1", 247, "can't write any byte to HR1 (write 247 byte to 1-HR1)"},
+        {1, "FN6HR1", 251, "can't write any byte to HR1 (write 251 byte to 1-FN6HR1)"},
+        {5, "HR1", -1, "can't write any byte to HR1"},
+        {2, "HR7", 124, "can't write any word to HR7 (write 124 word to 1-HR7)"},
+        {2, "FN6HR7", max, "can't write any word to HR7 (write 2147483647 word to 1-FN6HR7)"},
+        {3, "HR1", 62, "can't write any double word to HR1 (write 62 dword to 1-HR1)"},
+        {3, "HRSW1", -1, "can't write any double word to HR1 (write -1 dword to 1-HRSW1)"},
+        {0, "DO1", 1977, "can't write 1977 bits to DO1 (write 1977 bit to 1-DO1)"},
+        {6, "FN5DO1", max, "can't write 2147483647 bits to DO1"},
+        {0, "HR7.1", 2000, "can't read any word from HR7 (write 2000 bit to 1-HR7.1)"},
+        {6, "FN6HR7", max, "can't read any word from HR7"},
+    };
+    channel.retries = 2;
+    channel.delay = 7;
+    for (const auto &command : commands) {
+        channel.forgetCalls();
+        channel.connected = false;
+        EXPECT_FALSE(write(command.kind, command.address, command.count, fromHex("01")));
+        EXPECT_EQ(error(), command.text);
+        EXPECT_EQ(channel.trace(), "delayTime isConnected open delayTime isConnected delayTime isConnected");
+    }
+    EXPECT_EQ(pauses.sleeps(), std::vector<qint64>(3 * sizeof commands / sizeof *commands, 7000000));
+}
+
 TEST_F(WriteEntry, AreaIsRefusedBeforeTheCount)
 {
     EXPECT_FALSE(write(WordItem, "IR1", std::numeric_limits<int>::max(), QByteArray()));

@@ -16,7 +16,7 @@ bool isDigit(QChar c)
     return c >= QLatin1Char('0') && c <= QLatin1Char('9');
 }
 
-// The number at c, modulo 2^32, 0 when there is none; c moves behind it.
+// The number at c, modulo 2^32, 0 when there is none; moves c past it.
 unsigned int numberAt(const QChar *&c, const QChar *end)
 {
     unsigned int number = 0;

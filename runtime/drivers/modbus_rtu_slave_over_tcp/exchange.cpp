@@ -8,8 +8,10 @@
 namespace
 {
 
-// A whole exception reply, or the begin of any other.
+// A whole exception reply, or the beginning of any other.
 const int FirstStage = 5;
+// What is left of the eight bytes that confirm a write when the first five are there.
+const int EchoRest = 3;
 
 } // namespace
 
@@ -30,50 +32,53 @@ bool DriverModbusRtuSlaveOverTcp::exchange(AbstractDeviceInterface *device, cons
         return false;
 
     if (device->readData(buffer + FirstStage, restSize) != restSize)
-        return failAndClose(device, QLatin1String("packet loss"));
+        return failAndClose(device, "packet loss");
     return checkCRC(reply, FirstStage + restSize);
+}
+
+// The same for a write, whose reply repeats what was written.
+bool DriverModbusRtuSlaveOverTcp::confirmed(AbstractDeviceInterface *device, const QByteArray &request)
+{
+    Reply reply;
+    return exchange(device, request, EchoRest, reply);
 }
 
 bool DriverModbusRtuSlaveOverTcp::checkMinADU(AbstractDeviceInterface *device, const char *reply,
                                               int received)
 {
-    const int station = static_cast<unsigned char>(reply[0]);
-    return (received == FirstStage && station == device->stationId()) ||
-           refuseFirstStage(device, station, received);
-}
-
-bool DriverModbusRtuSlaveOverTcp::refuseFirstStage(AbstractDeviceInterface *device, int station, int received)
-{
     if (received <= 0)
-        return failAndClose(device, QLatin1String("PLC no response"));
+        return failAndClose(device, "PLC no response");
     if (received != FirstStage)
-        return failAndClose(device, QString::fromLatin1("received bytes < %1").arg(FirstStage));
-    return fail(QString::fromLatin1("invalid slave id:%1").arg(station));
+        return failAndClose(device, "received bytes < 5");
+    const int station = static_cast<unsigned char>(reply[0]);
+    if (station != device->stationId())
+        return fail("invalid slave id:%1", station);
+    return true;
 }
 
 bool DriverModbusRtuSlaveOverTcp::checkException(const char *reply, unsigned char function)
 {
     const auto *bytes = reinterpret_cast<const unsigned char *>(reply);
-    return bytes[1] == function || refuseAnswer(bytes, function);
+    if (bytes[1] == function)
+        return true;
+    if (bytes[1] != (function | 0x80))
+        return fail("invalid response");
+    if (!checkCRC(bytes, FirstStage))
+        return false;
+    return failWithException(bytes[2]);
 }
 
-bool DriverModbusRtuSlaveOverTcp::refuseAnswer(const unsigned char *reply, unsigned char function)
+bool DriverModbusRtuSlaveOverTcp::failWithException(unsigned char code)
 {
-    if (reply[1] != (function | 0x80))
-        return fail(QLatin1String("invalid response"));
-    const QString code = QString::number(reply[2], 16).toUpper().rightJustified(2, QLatin1Char('0'));
-    return checkCRC(reply, FirstStage) && fail(QLatin1String("exception code:0x") + code);
+    const QString digits = QString::number(code, 16).toUpper().rightJustified(2, QLatin1Char('0'));
+    return fail(QLatin1String("exception code:0x") + digits);
 }
 
 bool DriverModbusRtuSlaveOverTcp::checkCRC(const unsigned char *reply, int size)
 {
-    return ModbusRTUSlaveCheckCRC(reply, static_cast<unsigned int>(size)) || fail(QLatin1String("CRC error"));
-}
-
-bool DriverModbusRtuSlaveOverTcp::fail(const QString &text)
-{
-    setCommError(text);
-    return false;
+    if (!ModbusRTUSlaveCheckCRC(reply, static_cast<unsigned int>(size)))
+        return fail("CRC error");
+    return true;
 }
 
 bool DriverModbusRtuSlaveOverTcp::failAndClose(AbstractDeviceInterface *device, const QString &text)
@@ -81,4 +86,9 @@ bool DriverModbusRtuSlaveOverTcp::failAndClose(AbstractDeviceInterface *device, 
     setCommError(text);
     device->close();
     return false;
+}
+
+bool DriverModbusRtuSlaveOverTcp::failAndClose(AbstractDeviceInterface *device, const char *text)
+{
+    return failAndClose(device, QString::fromLatin1(text));
 }

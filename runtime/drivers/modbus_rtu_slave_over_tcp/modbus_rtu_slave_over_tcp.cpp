@@ -3,21 +3,11 @@
 #include "drivers/device_setting.h"
 #include "drivers/driver_setting.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
-#include "drivers/tools/command_data.h"
 
 namespace
 {
 
 const QString Version = QLatin1String("1.0.0");
-
-QString commandDetails(const char *transfer, const char *items, const char *direction, unsigned char station,
-                       const CommunicatorCommand &command)
-{
-    return QString::fromLatin1(" (%1 %2 %3 %4 %5-")
-               .arg(QLatin1String(transfer), QString::number(command.count), QLatin1String(items),
-                    QLatin1String(direction), QString::number(station)) +
-           command.address + QLatin1Char(')');
-}
 
 } // namespace
 
@@ -88,22 +78,12 @@ void DriverModbusRtuSlaveOverTcp::setDebugMode(bool on)
 
 int DriverModbusRtuSlaveOverTcp::getBlockAccessSize()
 {
-    return LargestRegisterRead;
+    return MaxRegistersRead;
 }
 
 int DriverModbusRtuSlaveOverTcp::getBitBlockAccessSize()
 {
-    return LargestBitRead;
-}
-
-bool DriverModbusRtuSlaveOverTcp::hasError()
-{
-    return errorFlag;
-}
-
-QString DriverModbusRtuSlaveOverTcp::getLastError()
-{
-    return lastError;
+    return MaxBitsRead;
 }
 
 QObject *DriverModbusRtuSlaveOverTcp::getThisObject()
@@ -114,32 +94,4 @@ QObject *DriverModbusRtuSlaveOverTcp::getThisObject()
 bool DriverModbusRtuSlaveOverTcp::isConnected(AbstractDeviceInterface *device)
 {
     return device->isConnected();
-}
-
-void DriverModbusRtuSlaveOverTcp::clearError()
-{
-    errorFlag = false;
-}
-
-void DriverModbusRtuSlaveOverTcp::setCommError(const QString &text)
-{
-    errorFlag = true;
-    lastError = text;
-}
-
-void DriverModbusRtuSlaveOverTcp::appendCmdToReadCommError(unsigned char station,
-                                                           const CommunicatorCommand &command)
-{
-    static const char *const items[] = {"bit(s)", "byte(s)", "word(s)", "dword(s)"};
-    if (command.dataType >= BitItem && command.dataType <= DoubleWordItem)
-        lastError += commandDetails("read", items[command.dataType], "from", station, command);
-}
-
-// Write texts have no "(s)": hosts and logs know both wordings.
-void DriverModbusRtuSlaveOverTcp::appendCmdToWriteCommError(unsigned char station,
-                                                            const CommunicatorCommand &command)
-{
-    static const char *const items[] = {"bit", "byte", "word", "dword"};
-    if (command.dataType >= BitItem && command.dataType <= DoubleWordItem)
-        lastError += commandDetails("write", items[command.dataType], "to", station, command);
 }

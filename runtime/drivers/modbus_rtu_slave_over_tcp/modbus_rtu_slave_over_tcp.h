@@ -10,7 +10,7 @@
 /// The driver of one link to Modbus slaves that speak RTU framing over a TCP byte stream.
 ///
 /// Every operation blocks the calling thread until its exchanges, retries and pauses are over. The object
-/// takes no lock: one thread at a time, and hasError() and getLastError() tell of the last transaction.
+/// takes no lock: one thread at a time, and hasError() and getLastError() are about the last transaction.
 class DriverModbusRtuSlaveOverTcp : public QObject, public DriverInterface
 {
     Q_OBJECT
@@ -46,31 +46,35 @@ private:
     /// The longest reply: the 256 bytes of 2008 bits, and one to spare.
     typedef unsigned char Reply[257];
 
-    // Error state: modbus_rtu_slave_over_tcp.cpp
+    // Error state: comm_error.cpp
     void clearError();
     void setCommError(const QString &text);
+    bool fail(const QString &text);
+    bool fail(const char *text);
+    bool fail(const char *text, int number);
+    bool refuseWrite(const char *item, const QString &target);
     void appendCmdToReadCommError(unsigned char station, const CommunicatorCommand &command);
     void appendCmdToWriteCommError(unsigned char station, const CommunicatorCommand &command);
 
     // One exchange: exchange.cpp
     bool exchange(AbstractDeviceInterface *device, const QByteArray &request, int restSize, Reply &reply);
+    bool confirmed(AbstractDeviceInterface *device, const QByteArray &request);
     bool checkMinADU(AbstractDeviceInterface *device, const char *reply, int received);
-    bool refuseFirstStage(AbstractDeviceInterface *device, int station, int received);
     bool checkException(const char *reply, unsigned char function);
-    bool refuseAnswer(const unsigned char *reply, unsigned char function);
+    bool failWithException(unsigned char code);
     bool checkCRC(const unsigned char *reply, int size);
-    bool fail(const QString &text);
     bool failAndClose(AbstractDeviceInterface *device, const QString &text);
+    bool failAndClose(AbstractDeviceInterface *device, const char *text);
 
-    // Attempts and dispatch: attempt.cpp, read.cpp, write.cpp
+    // Attempts and dispatch: attempt.cpp, attempt.h, read.cpp, write.cpp
     bool loadProjectOnce(AbstractDeviceInterface *device);
-    bool beginAttempt(AbstractDeviceInterface *device, const CommunicatorCommand &command);
-    bool mayRetry(AbstractDeviceInterface *device, int attempt);
+    template <typename Transfer>
+    bool attempt(AbstractDeviceInterface *device, const CommunicatorCommand &command, Transfer transfer);
+    bool canTransfer(AbstractDeviceInterface *device, const CommunicatorCommand &command);
     QByteArray readItems(AbstractDeviceInterface *device, const CommunicatorCommand &command,
                          const QByteArray &area, unsigned short offset, unsigned char bit);
     bool writeItems(AbstractDeviceInterface *device, const CommunicatorCommand &command,
                     const QByteArray &data, const QByteArray &area, unsigned short offset, unsigned char bit);
-    bool refuseWrite(const char *item, const QString &target);
 
     // Readers return the data, or nothing after storing the reason: read_registers.cpp, read_bits.cpp
     QByteArray readWords(AbstractDeviceInterface *device, const QByteArray &area, unsigned short offset,
@@ -83,14 +87,13 @@ private:
                             unsigned char bit, int count);
     bool readRegisters(AbstractDeviceInterface *device, const char *item, const QByteArray &area,
                        unsigned short offset, quint64 registers, Reply &reply);
-    bool refuseRegisterRead(const char *item, const QByteArray &area, unsigned short offset);
     QByteArray readDIDOs(AbstractDeviceInterface *device, const QByteArray &area, unsigned short offset,
                          int count);
     QByteArray readBytesFromDI(AbstractDeviceInterface *device, unsigned short offset, int count);
     QByteArray readBytesFromDO(AbstractDeviceInterface *device, unsigned short offset, int count);
-    QByteArray readUsedBits(AbstractDeviceInterface *device, const QByteArray &area,
-                            const UShortVector &(ModbusBitSet::*usedAddresses)() const, unsigned short offset,
-                            int count);
+    const ModbusBitSet *usedBitsOf(AbstractDeviceInterface *device, const char *area);
+    QByteArray readUsedBits(AbstractDeviceInterface *device, const QByteArray &area, const UShortVector &used,
+                            unsigned short offset, int count);
     QByteArray refuseBitRead(qint64 count, const QByteArray &area, unsigned short offset);
 
     // Writers return whether the slave confirmed everything, false after storing the reason:

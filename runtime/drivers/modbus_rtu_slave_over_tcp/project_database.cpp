@@ -13,8 +13,8 @@ namespace
 {
 
 // SQLite looks into a file only when it is first read, so a file that is no database would open like one. It
-// takes an empty file for an empty database. A query would tell as well, but wait on a database that is
-// locked.
+// takes an empty file for an empty database. A query would find out as well, but wait on a database that
+// is locked.
 bool isDatabaseFile(const QString &path)
 {
     const QByteArray magic("SQLite format 3", 16);
@@ -51,24 +51,18 @@ bool DriverModbusRtuSlaveOverTcp::readDB(const QString &devStr)
         return true;
     if (!dbConnected) {
         dbConnected = createDBConnection();
-        if (!dbConnected) {
-            setCommError(QLatin1String("can not open database"));
-            return false;
-        }
+        if (!dbConnected)
+            return fail("can not open database");
     }
 
     const int hmiPort = DevStrToHmiPort(devStr);
     int linkId = 0;
     unsigned char defaultStation = 0;
     if (!canBeOpened(connectionName) ||
-        !GetLinkIdAndDefaultStationId(connectionName, hmiPort, linkId, defaultStation)) {
-        setCommError(QLatin1String("failed to get default station id"));
-        return false;
-    }
-    if (!initValidBitAddressesMap(linkId, defaultStation)) {
-        setCommError(QLatin1String("failed to initialize valid bit addresses table"));
-        return false;
-    }
+        !GetLinkIdAndDefaultStationId(connectionName, hmiPort, linkId, defaultStation))
+        return fail("failed to get default station id");
+    if (!initValidBitAddressesMap(linkId, defaultStation))
+        return fail("failed to initialize valid bit addresses table");
 
     dbLoaded = true;
     QSqlDatabase::database(connectionName, true).close();
@@ -87,11 +81,10 @@ bool DriverModbusRtuSlaveOverTcp::initValidBitAddressesMap(int connectorId, unsi
 
     UsedBits used(defaultStation, bitAddressPattern);
     while (query.next())
-        used.add(query.value(0));
-    // A file that ends in the middle of the table: half of the addresses would read as if the others were
-    // unused.
+        used.add(query.value(0).toString());
+    // A file that ends within the table: the addresses after its end would count as unused.
     if (query.lastError().isValid())
         return false;
-    validBitAddressesMap = used.sorted();
+    validBitAddressesMap = used.sortedByStation();
     return true;
 }

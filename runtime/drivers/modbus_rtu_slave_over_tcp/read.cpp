@@ -1,6 +1,7 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
+#include "drivers/modbus_rtu_slave_over_tcp/attempt.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
 #include "drivers/tools/command_data.h"
 
@@ -15,15 +16,12 @@ QByteArray DriverModbusRtuSlaveOverTcp::read(AbstractDeviceInterface *device,
     unsigned char bit = 0;
     ModbusRTUSlaveParseAddress(command.address, area, offset, bit);
 
-    for (int attempt = 0; beginAttempt(device, command); ++attempt) {
-        QByteArray data = readItems(device, command, area, offset, bit);
-        if (mayRetry(device, attempt))
-            continue;
-        if (errorFlag)
-            appendCmdToReadCommError(stationOf(device), command);
-        return data;
-    }
-    return QByteArray();
+    QByteArray data;
+    if (!attempt(device, command, [&] { data = readItems(device, command, area, offset, bit); }))
+        return QByteArray();
+    if (errorFlag)
+        appendCmdToReadCommError(stationOf(device), command);
+    return data;
 }
 
 QByteArray DriverModbusRtuSlaveOverTcp::readItems(AbstractDeviceInterface *device,

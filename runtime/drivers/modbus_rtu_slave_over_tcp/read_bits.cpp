@@ -1,40 +1,19 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
+#include "drivers/modbus_rtu_slave_over_tcp/bit_runs.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "drivers/tools/bit_array.h"
 #include "drivers/tools/command_data.h"
 #include "drivers/tools/timing.h"
 
-#include <algorithm>
 #include <limits>
-
-namespace
-{
-
-// The used address at which a walk upwards from `offset` first arrives, round the end of the area if it must.
-size_t firstUsedFrom(const UShortVector &used, unsigned short offset)
-{
-    const UShortVector::const_iterator found = std::lower_bound(used.begin(), used.end(), offset);
-    return found == used.end() ? 0 : static_cast<size_t>(found - used.begin());
-}
-
-// How many used addresses from index `first` on follow each other without a gap, `limit` at most.
-int runLengthAt(const UShortVector &used, size_t first, int limit)
-{
-    size_t end = first + 1;
-    while (end < used.size() && used[end] == used[end - 1] + 1)
-        ++end;
-    return qMin(static_cast<int>(end - first), limit);
-}
-
-} // namespace
 
 QByteArray DriverModbusRtuSlaveOverTcp::readDIDOs(AbstractDeviceInterface *device, const QByteArray &area,
                                                   unsigned short offset, int count)
 {
-    if (!isInRange(offset, static_cast<unsigned int>(count), LargestBitRead))
+    if (!isInRange(offset, static_cast<unsigned int>(count), MaxBitsRead))
         return refuseBitRead(count, area, offset);
 
     const ModbusFunction function = isCoilArea(area) ? ReadCoils : ReadDiscreteInputs;
@@ -54,52 +33,49 @@ QByteArray DriverModbusRtuSlaveOverTcp::readDIDOs(AbstractDeviceInterface *devic
 QByteArray DriverModbusRtuSlaveOverTcp::readBytesFromDI(AbstractDeviceInterface *device,
                                                         unsigned short offset, int count)
 {
-    return readUsedBits(device, "DI", &ModbusBitSet::DISet, offset, count);
+    const ModbusBitSet *used = usedBitsOf(device, "DI");
+    return used != nullptr ? readUsedBits(device, "DI", used->DISet(), offset, count) : QByteArray();
 }
 
 QByteArray DriverModbusRtuSlaveOverTcp::readBytesFromDO(AbstractDeviceInterface *device,
                                                         unsigned short offset, int count)
 {
-    return readUsedBits(device, "DO", &ModbusBitSet::DOSet, offset, count);
+    const ModbusBitSet *used = usedBitsOf(device, "DO");
+    return used != nullptr ? readUsedBits(device, "DO", used->DOSet(), offset, count) : QByteArray();
+}
+
+// What the project uses of the station; null, after storing the reason, when that is nothing.
+const ModbusBitSet *DriverModbusRtuSlaveOverTcp::usedBitsOf(AbstractDeviceInterface *device, const char *area)
+{
+    const QMap<unsigned char, ModbusBitSet>::const_iterator station =
+        validBitAddressesMap.constFind(stationOf(device));
+    if (station != validBitAddressesMap.constEnd())
+        return &station.value();
+    setCommError(QString::fromLatin1("invalid address %1-").arg(device->stationId()) + QLatin1String(area));
+    return nullptr;
 }
 
 // Many slaves answer a range that touches a bit they do not have with an exception, so only bits that the
 // project uses are asked for, one request for each unbroken run of them; the others stay 0.
 QByteArray DriverModbusRtuSlaveOverTcp::readUsedBits(AbstractDeviceInterface *device, const QByteArray &area,
-                                                     const UShortVector &(ModbusBitSet::*usedAddresses)()
-                                                         const,
-                                                     unsigned short offset, int count)
+                                                     const UShortVector &used, unsigned short offset,
+                                                     int count)
 {
-    const QMap<unsigned char, ModbusBitSet>::const_iterator station =
-        validBitAddressesMap.constFind(stationOf(device));
-    if (station == validBitAddressesMap.constEnd()) {
-        setCommError(QString::fromLatin1("invalid address %1-").arg(device->stationId()) +
-                     QString::fromLatin1(area));
-        return QByteArray();
-    }
     const qint64 bitCount = qint64(8) * count;
     if (bitCount > std::numeric_limits<int>::max())
         return refuseBitRead(bitCount, area, offset);
     if (bitCount < 1)
         return QByteArray();
 
-    const UShortVector &used = (station.value().*usedAddresses)();
     QByteArray result(count, '\0');
-    size_t next = firstUsedFrom(used, offset);
-    if (next == used.size())
-        return result;
-    // Addresses only rise from the first one on, so the walk passes the end of the area at most before it.
-    const int start = static_cast<unsigned short>(used[next] - offset) - used[next];
-    for (bool isFirst = true; next < used.size() && start + used[next] < bitCount; isFirst = false) {
-        const int position = start + used[next];
-        const int length = runLengthAt(used, next, static_cast<int>(bitCount) - position);
-        if (!isFirst)
+    const std::vector<BitRun> runs = bitRuns(used, offset, static_cast<int>(bitCount));
+    for (auto run = runs.begin(); run != runs.end(); ++run) {
+        if (run != runs.begin())
             HRSleep(device->delayTime());
-        const QByteArray bits = readDIDOs(device, area, used[next], length);
+        const QByteArray bits = readDIDOs(device, area, run->address, run->length);
         if (bits.isEmpty())
             return QByteArray();
-        CopyBits(result, bits, position, length);
-        next += static_cast<size_t>(length);
+        CopyBits(result, bits, run->position, run->length);
     }
     return result;
 }

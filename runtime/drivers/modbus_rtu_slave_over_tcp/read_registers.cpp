@@ -56,19 +56,12 @@ bool DriverModbusRtuSlaveOverTcp::readRegisters(AbstractDeviceInterface *device,
                                                 const QByteArray &area, unsigned short offset,
                                                 quint64 registers, Reply &reply)
 {
-    if (!isInRange(offset, registers, LargestRegisterRead))
-        return refuseRegisterRead(item, area, offset);
+    if (!isInRange(offset, registers, MaxRegistersRead))
+        return fail(QString::fromLatin1("can't read any %1 from %2%3")
+                        .arg(QLatin1String(item), QString::fromLatin1(area), oneBased(offset)));
     const ModbusFunction function = isHoldingRegisterArea(area) ? ReadHoldingRegisters : ReadInputRegisters;
     const auto quantity = static_cast<unsigned short>(registers);
     return exchange(device,
                     ModbusRTUSlaveBuildReadDevicesRequest(stationOf(device), function, offset, quantity),
                     2 * quantity, reply);
-}
-
-bool DriverModbusRtuSlaveOverTcp::refuseRegisterRead(const char *item, const QByteArray &area,
-                                                     unsigned short offset)
-{
-    setCommError(QString::fromLatin1("can't read any %1 from %2%3")
-                     .arg(QLatin1String(item), QString::fromLatin1(area), oneBased(offset)));
-    return false;
 }

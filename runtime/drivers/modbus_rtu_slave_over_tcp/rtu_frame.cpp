@@ -93,6 +93,7 @@ void putCrc(unsigned char *frame, int size)
     frame[size + 1] = crc.second;
 }
 
+// Inline, since it is all of both requests below: a call would only pass on what they have just been given.
 inline QByteArray writeMultipleRequest(unsigned char station, unsigned char function, unsigned short start,
                                        unsigned short quantity, const QByteArray &data)
 {

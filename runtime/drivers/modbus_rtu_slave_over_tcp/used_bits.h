@@ -5,7 +5,6 @@
 #include <QMap>
 #include <QRegExp>
 #include <QString>
-#include <QVariant>
 
 #include <vector>
 
@@ -21,20 +20,20 @@ public:
     /// "2-DO5" of station 2, in any case. Registers, and texts that are no address, are left out.
     ///
     /// Without a station the number must reach to the end of the text and counts as 0 when it does not; with
-    /// one, nothing behind the number is looked at.
-    void add(const QVariant &address);
+    /// one, nothing after the number is looked at.
+    void add(const QString &text);
 
     /// The sets of all stations that have any, sorted.
-    QMap<unsigned char, ModbusBitSet> sorted();
+    QMap<unsigned char, ModbusBitSet> sortedByStation();
 
 private:
-    bool addPlain(const QString &tag);
-    void addUnusual(const QVariant &address);
+    void addByRules(const QString &text);
     void validBitAddressesMapInsertDI(unsigned char station, unsigned short address);
     void validBitAddressesMapInsertDO(unsigned char station, unsigned short address);
 
     unsigned char defaultStation;
     QRegExp pattern;
-    /// One for each station there can be: a search in a map would cost more than the rest of a tag.
-    std::vector<ModbusBitSet> sets;
+    /// One for each station there can be, at its number: a search in a map would cost more than the rest of a
+    /// tag.
+    std::vector<ModbusBitSet> setsOfStations;
 };

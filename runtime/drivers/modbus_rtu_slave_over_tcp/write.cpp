@@ -1,23 +1,23 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
+#include "drivers/modbus_rtu_slave_over_tcp/attempt.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
 #include "drivers/tools/command_data.h"
 
 namespace
 {
 
-// No writer accepts data as long as this: 123 registers and 1976 coils end below it, 2000 bits in registers
-// as well.
-const int RefusedSize = 256;
+// The most bytes that any writer accepts: bits for all the registers of one read. Writers of whole registers
+// refuse that many, and writers of bits look at the count.
+const int MaxDataSize = 2 * MaxRegistersRead;
 
-// The data at the command's length, or, where its writer will refuse that length, just as long as that takes.
+// The data at the command's length, cut or padded with zeros. A length that no writer accepts, a negative one
+// included, is cut to the maximum, for the writer to refuse.
 QByteArray sizedData(const CommunicatorCommand &command, const QByteArray &data)
 {
-    const int size = GetSafeDataLen(command);
-    if (size == data.size())
-        return data;
-    return size < 0 || size > RefusedSize ? QByteArray(RefusedSize, '\0') : ToSafeData(command, data);
+    const auto size = static_cast<unsigned int>(GetSafeDataLen(command));
+    return data.leftJustified(static_cast<int>(qMin<unsigned int>(size, MaxDataSize)), '\0', true);
 }
 
 } // namespace
@@ -33,15 +33,13 @@ bool DriverModbusRtuSlaveOverTcp::write(AbstractDeviceInterface *device, const C
     unsigned char bit = 0;
     ModbusRTUSlaveParseAddress(command.address, area, offset, bit);
 
-    for (int attempt = 0; beginAttempt(device, command); ++attempt) {
-        const bool written = writeItems(device, command, sizedData(command, data), area, offset, bit);
-        if (mayRetry(device, attempt))
-            continue;
-        if (errorFlag)
-            appendCmdToWriteCommError(stationOf(device), command);
-        return written;
-    }
-    return false;
+    const QByteArray sized = sizedData(command, data);
+    bool isWritten = false;
+    if (!attempt(device, command, [&] { isWritten = writeItems(device, command, sized, area, offset, bit); }))
+        return false;
+    if (errorFlag)
+        appendCmdToWriteCommError(stationOf(device), command);
+    return isWritten;
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeItems(AbstractDeviceInterface *device,
@@ -81,10 +79,4 @@ bool DriverModbusRtuSlaveOverTcp::writeItems(AbstractDeviceInterface *device,
             return writeDWordsWithFN6(device, offset, data, hasHighWordFirst(command.address));
         return refuseWrite("double word", command.address);
     }
-}
-
-bool DriverModbusRtuSlaveOverTcp::refuseWrite(const char *item, const QString &target)
-{
-    setCommError(QString::fromLatin1("can't write any %1 to %2").arg(QLatin1String(item), target));
-    return false;
 }

@@ -4,25 +4,13 @@
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "drivers/tools/bit_array.h"
 
-namespace
-{
-
-// Above the 1968 coils of the protocol ("MODBUS Application Protocol V1.1b3", 6.11): 247 bytes of data, which
-// slaves without that limit take.
-const unsigned int LargestCoilWrite = 1976;
-
-} // namespace
-
 bool DriverModbusRtuSlaveOverTcp::writeCoils(AbstractDeviceInterface *device, unsigned short offset,
                                              const QByteArray &bits, int count)
 {
     if (!checkCoilRange(offset, count))
         return false;
-    Reply reply;
-    return exchange(
-        device,
-        ModbusRTUSlaveBuildFn15Request(stationOf(device), offset, static_cast<unsigned short>(count), bits),
-        EchoRest, reply);
+    const auto quantity = static_cast<unsigned short>(count);
+    return confirmed(device, ModbusRTUSlaveBuildFn15Request(stationOf(device), offset, quantity, bits));
 }
 
 // One request a coil, back to back.
@@ -37,8 +25,7 @@ bool DriverModbusRtuSlaveOverTcp::writeCoilsWithFN5(AbstractDeviceInterface *dev
         const QByteArray request = ModbusRTUSlaveBuildWriteSingleRequest(
             stationOf(device), WriteSingleCoil, static_cast<unsigned short>(offset + i),
             getBit(bits, i) ? on : off);
-        Reply reply;
-        if (!exchange(device, request, EchoRest, reply))
+        if (!confirmed(device, request))
             return false;
     }
     return true;
@@ -46,9 +33,8 @@ bool DriverModbusRtuSlaveOverTcp::writeCoilsWithFN5(AbstractDeviceInterface *dev
 
 bool DriverModbusRtuSlaveOverTcp::checkCoilRange(unsigned short offset, int count)
 {
-    if (isInRange(offset, static_cast<unsigned int>(count), LargestCoilWrite))
-        return true;
-    setCommError(
-        QString::fromLatin1("can't write %1 bits to DO%2").arg(QString::number(count), oneBased(offset)));
-    return false;
+    if (!isInRange(offset, static_cast<unsigned int>(count), MaxCoilsWritten))
+        return fail(
+            QString::fromLatin1("can't write %1 bits to DO%2").arg(QString::number(count), oneBased(offset)));
+    return true;
 }

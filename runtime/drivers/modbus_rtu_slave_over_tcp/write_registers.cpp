@@ -9,8 +9,6 @@
 namespace
 {
 
-const unsigned int LargestRegisterWrite = 123;
-
 // Host data of double words as registers on the wire.
 QByteArray doubleWordRegisters(const QByteArray &data, bool swapWords)
 {
@@ -33,7 +31,7 @@ bool DriverModbusRtuSlaveOverTcp::writeDWords(AbstractDeviceInterface *device, u
            writeRegistersWithFN16(device, offset, doubleWordRegisters(data, swapWords));
 }
 
-// An odd last byte is sent with a zero as the other half of its register, which is cleared on purpose.
+// An odd last byte is sent with a zero as the high byte of its register, which is cleared on purpose.
 bool DriverModbusRtuSlaveOverTcp::writeBytes(AbstractDeviceInterface *device, unsigned short offset,
                                              const QByteArray &data)
 {
@@ -45,9 +43,7 @@ bool DriverModbusRtuSlaveOverTcp::writeRegistersWithFN16(AbstractDeviceInterface
                                                          unsigned short offset, const QByteArray &registers)
 {
     const auto quantity = static_cast<unsigned short>(registers.size() / 2);
-    Reply reply;
-    return exchange(device, ModbusRTUSlaveBuildFn16Request(stationOf(device), offset, quantity, registers),
-                    EchoRest, reply);
+    return confirmed(device, ModbusRTUSlaveBuildFn16Request(stationOf(device), offset, quantity, registers));
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeWordWithFN6(AbstractDeviceInterface *device, unsigned short offset,
@@ -55,10 +51,8 @@ bool DriverModbusRtuSlaveOverTcp::writeWordWithFN6(AbstractDeviceInterface *devi
 {
     if (!checkRegisterRange("word", offset, value.size()))
         return false;
-    Reply reply;
-    return exchange(
-        device, ModbusRTUSlaveBuildWriteSingleRequest(stationOf(device), WriteSingleRegister, offset, value),
-        EchoRest, reply);
+    return confirmed(
+        device, ModbusRTUSlaveBuildWriteSingleRequest(stationOf(device), WriteSingleRegister, offset, value));
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeWordsWithFN6(AbstractDeviceInterface *device, unsigned short offset,
@@ -101,6 +95,7 @@ bool DriverModbusRtuSlaveOverTcp::writeRegistersWithFN6(AbstractDeviceInterface 
 bool DriverModbusRtuSlaveOverTcp::checkRegisterRange(const char *item, unsigned short offset, int size)
 {
     const unsigned int registers = NumOfBytesToNumOfWords(static_cast<unsigned int>(size));
-    return isInRange(offset, registers, LargestRegisterWrite) ||
-           refuseWrite(item, QLatin1String("HR") + oneBased(offset));
+    if (!isInRange(offset, registers, MaxRegistersWritten))
+        return refuseWrite(item, QLatin1String("HR") + oneBased(offset));
+    return true;
 }

@@ -47,6 +47,7 @@ void reverseItems(const unsigned char *source, char *target, int count)
     }
 }
 
+// Inline, since every transfer of registers comes through here, and most of them are of a few.
 template <typename Item>
 inline QByteArray reversedItems(const unsigned char *source, int count)
 {
@@ -108,6 +109,8 @@ QByteArray fromBigEndianULongArray(const unsigned char *source, int count)
 {
     return reversedItems<quint32>(source, count);
 }
+
+// Nearly all data consists of whole items, which need no padded copy.
 
 QByteArray toBigEndianUShortArray(const QByteArray &bytes)
 {

@@ -5,7 +5,7 @@
 namespace
 {
 
-// Tables of the CRCs, made by the compiler: entry i is what the eight bits of byte i leave behind.
+// Tables of the CRCs, made by the compiler: entry i is what the eight bits of byte i leave in the CRC.
 
 template <typename Word>
 struct CrcTable {

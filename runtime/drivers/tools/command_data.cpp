@@ -7,7 +7,7 @@
 namespace
 {
 
-// Rounds up without the usual addition, which could wrap.
+// Rounds up, without adding before the division: that could wrap.
 unsigned int dividedUp(unsigned int value, unsigned int divisor)
 {
     return value / divisor + (value % divisor != 0 ? 1 : 0);

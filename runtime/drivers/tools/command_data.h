@@ -32,7 +32,7 @@ bool getBitData(const QByteArray &data);
 
 /// Bytes of data that belong to \a command: bits packed eight to a byte (the count taken as unsigned), bytes
 /// and blocks 1 each, words 2, double words 4, eight-byte items 8; 0 for an unknown kind. A product that no
-/// int holds gives the largest or the smallest int.
+/// int holds gives the maximum or the minimum of an int.
 int GetSafeDataLen(const CommunicatorCommand &command);
 /// \a data cut to the length of \a command or padded with zero bytes to it. Check a count that comes from
 /// outside first: the padding is made whatever its length.

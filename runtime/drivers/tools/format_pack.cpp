@@ -7,7 +7,7 @@
 namespace
 {
 
-const int LargestInt = std::numeric_limits<int>::max();
+const int MaxInt = std::numeric_limits<int>::max();
 
 // Bytes of one item; 0 when the letter is none.
 int widthOf(char letter)
@@ -88,14 +88,14 @@ private:
     {
         qint64 value = 0;
         for (; isDigit(*format); ++format)
-            value = qMin(value * 10 + (*format - '0'), qint64(LargestInt) + 1);
+            value = qMin(value * 10 + (*format - '0'), qint64(MaxInt) + 1);
         return value;
     }
 
     bool isValid() const
     {
         const int width = widthOf(letter);
-        if (width == 0 || count > (LargestInt - end) / width)
+        if (width == 0 || count > (MaxInt - end) / width)
             return false;
         return !counted || isGap() || (count > 0 && std::strchr("cCvnVN", letter) != nullptr);
     }

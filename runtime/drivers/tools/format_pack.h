@@ -21,7 +21,7 @@
 /// With a decimal count in front the item is an array and takes a pointer to its first element, for packing
 /// as for unpacking: c C v V copy it, n and N copy it with the bytes of every element reversed, x and X mean
 /// that many bytes. Other letters have no counted form. A count of 0 is an error for all but x and X, and so
-/// is one that leads past the largest int.
+/// is one that leads past the maximum of an int.
 ///
 /// The host is little-endian: values and arrays in memory are, too.
 

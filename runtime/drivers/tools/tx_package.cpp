@@ -2,7 +2,7 @@
 
 #include "drivers/tools/byte_order.h"
 #include "drivers/tools/checksum.h"
-#include "drivers/tools/timing.h"
+#include "drivers/tools/diagnostics.h"
 
 #include <limits>
 
