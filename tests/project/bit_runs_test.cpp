@@ -1,5 +1,5 @@
 #include "drivers/modbus_rtu_slave_over_tcp/bit_runs.h"
-#include "support/random_data.h"
+#include "tests/support/random_data.h"
 
 #include <gtest/gtest.h>
 
