@@ -64,7 +64,7 @@ QByteArray DriverModbusRtuSlaveOverTcp::readUsedBits(AbstractDeviceInterface *de
     const qint64 bitCount = qint64(8) * count;
     if (bitCount > std::numeric_limits<int>::max())
         return refuseBitRead(bitCount, area, offset);
-    if (bitCount < 1)
+    if (count < 1)
         return QByteArray();
 
     QByteArray result(count, '\0');
