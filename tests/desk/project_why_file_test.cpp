@@ -1,7 +1,7 @@
 #include "desk/project/sqlite_file.h"
-#include "support/sleep_recorder.h"
 #include "tests/desk/support/project_why_test.h"
 #include "tests/peers/text_printing.h"
+#include "tests/support/sleep_recorder.h"
 
 #include <QCoreApplication>
 #include <QDir>
