@@ -1,15 +1,15 @@
 #pragma once
 
+#include "desk/link_defaults.h"
 #include "desk/result.h"
 
-const quint16 DefaultPort = 502;
 const int MaxPort = 65535;
 
 /// The slave to talk to.
 struct Target {
-    QString host = QStringLiteral("127.0.0.1");
+    QString host = QLatin1String(DefaultHost);
     quint16 port = DefaultPort;
-    int station = 1;
+    int station = DefaultStation;
 };
 
 /// Reads "rtutcp://HOST[:PORT][/STATION]"; an IPv6 address stands in brackets. What is left out keeps its

@@ -3,7 +3,7 @@
 #include "desk/channel/line_channel.h"
 #include "desk/items/target.h"
 #include "desk/link/tcp_line.h"
-#include "desk/project/device_text.h"
+#include "desk/link_defaults.h"
 
 /// How a channel reaches its slave.
 struct ChannelSettings : ExchangeSettings {

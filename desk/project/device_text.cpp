@@ -27,6 +27,6 @@ Result<> checkDeviceText(const QString &device)
 QString deviceTextOf(int hmiPort)
 {
     if (hmiPort == EthernetHmiPort)
-        return QLatin1String(DefaultDevice);
+        return QStringLiteral("ETHERNET");
     return QStringLiteral("COM%1").arg(hmiPort - FirstSerialHmiPort);
 }

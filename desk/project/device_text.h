@@ -2,8 +2,8 @@
 
 #include "desk/result.h"
 
-/// The text by which a project names the port of a link: "ETHERNET", or one that ends in a number, "COM1".
-const char *const DefaultDevice = "ETHERNET";
+/// Device texts, by which a project names the port of a link: "ETHERNET", or one that ends in a number,
+/// "COM1".
 
 /// Whether \a device can name a link: it begins with "ETHERNET" or ends in digits after some other text.
 /// Anything else would stop the driver.

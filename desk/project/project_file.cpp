@@ -1,14 +1,10 @@
 #include "desk/project/project_file.h"
 
+#include "desk/project/sqlite_file.h"
+
 #include <QFile>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QUuid>
-#include <QVariant>
-
-#include <functional>
 
 namespace
 {
@@ -19,55 +15,7 @@ const char *const Tables[] = {
     "CREATE TABLE custom_tag_table (address TEXT NOT NULL, connector_id INTEGER NOT NULL)",
 };
 
-// A connection to a database file for as long as this lives.
-class Database
-{
-public:
-    Database(const QString &path, const QString &options) : m_name(QUuid::createUuid().toString())
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
-        database.setDatabaseName(path);
-        database.setConnectOptions(options);
-        if (!database.open())
-            m_problem = database.lastError().text();
-    }
-    ~Database()
-    {
-        QSqlDatabase::database(m_name, false).close();
-        QSqlDatabase::removeDatabase(m_name);
-    }
-    Database(const Database &) = delete;
-    Database &operator=(const Database &) = delete;
-
-    // Runs one statement; after the first failure nothing more.
-    void run(const QString &statement, const QVariantList &values = {})
-    {
-        select(statement, values, [](const QSqlQuery &) {});
-    }
-    void select(const QString &statement, const QVariantList &values,
-                const std::function<void(const QSqlQuery &)> &takeRow)
-    {
-        if (!m_problem.isEmpty())
-            return;
-        QSqlQuery query(QSqlDatabase::database(m_name, false));
-        query.setForwardOnly(true);
-        bool isGood = query.prepare(statement);
-        for (const QVariant &value : values)
-            query.addBindValue(value);
-        isGood = isGood && query.exec();
-        while (isGood && query.next())
-            takeRow(query);
-        if (query.lastError().isValid())
-            m_problem = query.lastError().text();
-    }
-    const QString &problem() const { return m_problem; }
-
-private:
-    QString m_name;
-    QString m_problem;
-};
-
-void insertProject(Database &database, const Project &project)
+void insertProject(SqliteFile &database, const Project &project)
 {
     for (const char *table : Tables)
         database.run(QLatin1String(table));
@@ -84,7 +32,7 @@ void insertProject(Database &database, const Project &project)
 
 // Where a node is, if the table tells: panels of one node a link leave these columns out, and the driver does
 // not ask for them.
-QString endpointColumns(Database &database)
+QString endpointColumns(SqliteFile &database)
 {
     QStringList columns;
     database.select(QStringLiteral("PRAGMA table_info(NODE)"), {},
@@ -103,7 +51,7 @@ Result<> writeProjectFile(const QString &path, const Project &project)
         path + QUuid::createUuid().toString(QUuid::WithoutBraces).prepend(QLatin1Char('.'));
     QString problem;
     {
-        Database database(unfinished, QString());
+        SqliteFile database(unfinished);
         insertProject(database, project);
         problem = database.problem();
     }
@@ -122,7 +70,7 @@ Result<Project> readProjectFile(const QString &path)
     if (!QFileInfo(path).isFile())
         return Error{QStringLiteral("%1: there is no such file").arg(path)};
     Project project;
-    Database database(path, QStringLiteral("QSQLITE_OPEN_READONLY"));
+    SqliteFile database(path, ReadOnly);
     database.select(QStringLiteral("SELECT LINKID, HMIPORT FROM LINK"), {}, [&](const QSqlQuery &row) {
         project.links.append({row.value(0).toInt(), row.value(1).toInt()});
     });

@@ -1,6 +1,6 @@
 #include "desk/project/project_why.h"
 
-#include "desk/project/project_file.h"
+#include "desk/project/sqlite_file.h"
 #include "drivers/tools/project_lookup.h"
 
 #include <QDir>
@@ -10,6 +10,69 @@
 namespace
 {
 
+const char NoDatabase[] = "can not open database";
+const char NoStation[] = "failed to get default station id";
+const char NoTags[] = "failed to initialize valid bit addresses table";
+
+const int MaxShownRows = 20;
+
+// What the driver gets out of a file.
+struct Found {
+    bool hasLink = false;
+    int link = 0;
+    unsigned char station = 0;
+    bool hasTags = false;
+};
+
+// Asks as the driver asks, so that the answer is the driver's whatever the file is like.
+Found askAsTheDriver(const QString &path, int hmiPort)
+{
+    SqliteFile database(path, ReadOnly);
+    Found found;
+    found.hasLink =
+        GetLinkIdAndDefaultStationId(database.connectionName(), hmiPort, found.link, found.station);
+    if (!found.hasLink)
+        return found;
+    database.run(
+        QStringLiteral("SELECT address FROM custom_tag_table WHERE connector_id = %1").arg(found.link));
+    found.hasTags = database.problem().isEmpty();
+    return found;
+}
+
+// What the driver reads of a table, for people to compare.
+struct TableUse {
+    const char *name;
+    QStringList columns;
+    QString condition; // in words
+    QString matching;  // a statement that counts the rows for which the condition holds
+};
+
+TableUse linkTable(int hmiPort)
+{
+    return {"LINK",
+            {"LINKID", "HMIPORT"},
+            QStringLiteral("with HMIPORT = %1").arg(hmiPort),
+            QStringLiteral("SELECT COUNT(*) FROM LINK WHERE HMIPORT = %1").arg(hmiPort)};
+}
+
+TableUse nodeTable(int hmiPort)
+{
+    return {"NODE",
+            {"LINKID", "STATIONID", "ISDEFAULT"},
+            QStringLiteral("default nodes (ISDEFAULT = 1) of such a link"),
+            QStringLiteral("SELECT COUNT(*) FROM LINK, NODE WHERE LINK.HMIPORT = %1 AND "
+                           "NODE.LINKID = LINK.LINKID AND NODE.ISDEFAULT = 1")
+                .arg(hmiPort)};
+}
+
+TableUse tagTable(int link)
+{
+    return {"custom_tag_table",
+            {"address", "connector_id"},
+            QStringLiteral("with connector_id = %1").arg(link),
+            QStringLiteral("SELECT COUNT(*) FROM custom_tag_table WHERE connector_id = %1").arg(link)};
+}
+
 class Explanation
 {
 public:
@@ -17,30 +80,51 @@ public:
 
 private:
     void step(const QString &text) { m_report.steps += text; }
+    LoadReport fail(const char *table, const char *firstText, const char *laterText);
     QString databaseIn(const QString &place);
-    bool canOpen(const QString &path);
-    bool findLink(const Project &project, int hmiPort);
-    void countTags(const Project &project, int link);
+    bool canOpen();
+    bool canReadSchema();
+    int showTable(const TableUse &table);
+    void showRows(const TableUse &table);
+    const char *showLinkAndNodes(int hmiPort);
 
+    QString m_path;
     LoadReport m_report;
 };
 
 LoadReport Explanation::explain(const QString &place, const QString &device)
 {
-    const QString path = databaseIn(place);
+    m_path = databaseIn(place);
+    if (!canOpen())
+        return fail("", NoDatabase, NoStation);
     const int hmiPort = DevStrToHmiPort(device);
-    if (!canOpen(path))
-        return m_report;
     step(QStringLiteral("device text \"%1\" stands for HMI port %2").arg(device, QString::number(hmiPort)));
-    const Result<Project> project = readProjectFile(path);
-    if (!project) {
-        step(QStringLiteral("the tables cannot be read: ") + project.errorText());
-        step(QStringLiteral(
-            "the driver says \"failed to get default station id\", or \"failed to initialize valid bit "
-            "addresses table\" when only custom_tag_table is at fault"));
-        return m_report;
-    }
-    m_report.isLoaded = findLink(*project, hmiPort);
+    const Found found = askAsTheDriver(m_path, hmiPort);
+    if (!found.hasLink && !canReadSchema())
+        return fail("", NoStation, NoStation);
+    const char *const faultyTable = showLinkAndNodes(hmiPort);
+    if (!found.hasLink)
+        return fail(faultyTable, NoStation, NoStation);
+    step(QStringLiteral("link %1, default station %2")
+             .arg(QString::number(found.link), QString::number(found.station)));
+    showTable(tagTable(found.link));
+    if (!found.hasTags)
+        return fail("custom_tag_table", NoTags, NoTags);
+    step(QStringLiteral("the driver loads this project"));
+    return m_report;
+}
+
+LoadReport Explanation::fail(const char *table, const char *firstText, const char *laterText)
+{
+    m_report.table = QLatin1String(table);
+    m_report.firstText = QLatin1String(firstText);
+    m_report.laterText = QLatin1String(laterText);
+    if (!m_report.table.isEmpty())
+        step(QStringLiteral("table %1 is at fault").arg(m_report.table));
+    QString text = QStringLiteral("the driver says \"%1\"").arg(m_report.firstText);
+    if (m_report.laterText != m_report.firstText)
+        text += QStringLiteral(", from the second time on \"%1\"").arg(m_report.laterText);
+    step(text);
     return m_report;
 }
 
@@ -63,79 +147,86 @@ QString Explanation::databaseIn(const QString &place)
     return path;
 }
 
-bool Explanation::canOpen(const QString &path)
+// The driver takes an empty file for an empty database, as SQLite does.
+bool Explanation::canOpen()
 {
     const QByteArray magic("SQLite format 3", 16);
-    QFile file(path);
-    QString problem;
-    if (!QFileInfo::exists(path)) {
-        problem = QStringLiteral("there is no such file");
-    } else if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        problem = QStringLiteral("it cannot be opened: ") + file.errorString();
-    } else {
-        const QByteArray header = file.read(magic.size());
-        if (!header.isEmpty() && header != magic)
-            problem = QStringLiteral("it is no SQLite database");
-        else
-            step(QStringLiteral("the file is there and is an SQLite database of %1 bytes").arg(file.size()));
-    }
-    if (problem.isEmpty())
-        return true;
-    step(problem);
-    step(QStringLiteral(
-        "the driver says \"can not open database\", from the second time on \"failed to get default "
-        "station id\""));
-    return false;
-}
-
-bool Explanation::findLink(const Project &project, int hmiPort)
-{
-    int rows = 0;
-    int link = 0;
-    int station = 0;
-    int links = 0;
-    for (const Project::Link &candidate : project.links) {
-        if (candidate.hmiPort != hmiPort)
-            continue;
-        ++links;
-        for (const Project::Node &node : project.nodes) {
-            if (node.link != candidate.id || !node.isDefault)
-                continue;
-            link = rows == 0 ? candidate.id : link;
-            station = rows == 0 ? node.station : station;
-            ++rows;
-        }
-    }
-    step(QStringLiteral("table LINK: %1 rows, %2 of them with HMIPORT = %3")
-             .arg(QString::number(project.links.size()), QString::number(links), QString::number(hmiPort)));
-    for (const Project::Link &other : project.links) {
-        if (links == 0)
-            step(QStringLiteral("  link %1 has HMIPORT %2")
-                     .arg(QString::number(other.id), QString::number(other.hmiPort)));
-    }
-    step(QStringLiteral("table NODE: %1 rows, %2 of them default nodes (ISDEFAULT = 1) of such a link")
-             .arg(QString::number(project.nodes.size()), QString::number(rows)));
-    if (rows == 0) {
-        step(QStringLiteral("the driver says \"failed to get default station id\""));
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        step(QFileInfo::exists(m_path) ? QStringLiteral("it cannot be opened: ") + file.errorString()
+                                       : QStringLiteral("there is no such file"));
         return false;
     }
-    if (rows > 1)
-        step(QStringLiteral(
-            "  more than one: the driver takes the first row that SQLite gives, perhaps another one"));
-    step(QStringLiteral("link %1, default station %2")
-             .arg(QString::number(link), QString::number(station & 0xFF)));
-    countTags(project, link);
+    const QByteArray header = file.read(magic.size());
+    if (!header.isEmpty() && header != magic) {
+        step(QStringLiteral("it is no SQLite database"));
+        return false;
+    }
+    step(QStringLiteral("the file is there and is an SQLite database of %1 bytes").arg(file.size()));
     return true;
 }
 
-void Explanation::countTags(const Project &project, int link)
+// Whether the file as a whole can be read: it is not locked, and its list of tables is no nonsense.
+bool Explanation::canReadSchema()
 {
-    int tags = 0;
-    for (const Project::Tag &tag : project.tags)
-        tags += tag.link == link ? 1 : 0;
-    step(QStringLiteral("table custom_tag_table: %1 rows, %2 of them with connector_id = %3")
-             .arg(QString::number(project.tags.size()), QString::number(tags), QString::number(link)));
-    step(QStringLiteral("the driver loads this project"));
+    SqliteFile database(m_path, ReadOnlyAtOnce);
+    database.run(QStringLiteral("SELECT COUNT(*) FROM sqlite_master"));
+    if (database.problem().isEmpty())
+        return true;
+    step(QStringLiteral("the file cannot be read: ") + database.problem());
+    return false;
+}
+
+// Which table it is due to that the driver finds no link; "" when both have what it takes.
+const char *Explanation::showLinkAndNodes(int hmiPort)
+{
+    const TableUse links = linkTable(hmiPort);
+    const int matchingLinks = showTable(links);
+    if (matchingLinks < 0)
+        return links.name;
+    const TableUse nodes = nodeTable(hmiPort);
+    const int matchingNodes = showTable(nodes);
+    if (matchingNodes > 1)
+        step(QStringLiteral("  more than one: the driver takes the first row that SQLite gives"));
+    if (matchingLinks == 0)
+        return links.name;
+    return matchingNodes > 0 ? "" : nodes.name;
+}
+
+// How many rows the driver can use; -1 when the table cannot be read to its end.
+int Explanation::showTable(const TableUse &table)
+{
+    int rows = 0;
+    int matching = 0;
+    SqliteFile database(m_path, ReadOnlyAtOnce);
+    database.select(
+        QStringLiteral("SELECT %1 FROM %2").arg(table.columns.join(QLatin1String(", ")), table.name), {},
+        [&](const QSqlQuery &) { ++rows; });
+    database.select(table.matching, {}, [&](const QSqlQuery &row) { matching = row.value(0).toInt(); });
+    if (!database.problem().isEmpty()) {
+        step(
+            QStringLiteral("table %1 cannot be read: %2").arg(QLatin1String(table.name), database.problem()));
+        return -1;
+    }
+    step(QStringLiteral("table %1: %2 rows, %3 of them %4")
+             .arg(QLatin1String(table.name), QString::number(rows), QString::number(matching),
+                  table.condition));
+    if (matching == 0)
+        showRows(table);
+    return matching;
+}
+
+// The rows as SQLite writes values, so that a text that looks like a number is seen to be one.
+void Explanation::showRows(const TableUse &table)
+{
+    QStringList values;
+    for (const QString &column : table.columns)
+        values += QStringLiteral("'%1 ' || quote(%1)").arg(column);
+    SqliteFile database(m_path, ReadOnlyAtOnce);
+    database.select(QStringLiteral("SELECT %1 FROM %2 LIMIT %3")
+                        .arg(values.join(QStringLiteral(" || ', ' || ")), QLatin1String(table.name),
+                             QString::number(MaxShownRows)),
+                    {}, [&](const QSqlQuery &row) { step(QStringLiteral("  ") + row.value(0).toString()); });
 }
 
 } // namespace

@@ -226,11 +226,11 @@ TEST_F(TagsScanProjectTest, WhyFollowsTheFoldersOfAProgram)
 {
     makeProject(QStringLiteral("tag 1 HR1\n"));
     const QDir program(folder.path());
-    EXPECT_FALSE(explainLoad(folder.path(), QStringLiteral("ETHERNET")).isLoaded);
+    EXPECT_FALSE(explainLoad(folder.path(), QStringLiteral("ETHERNET")).isLoaded());
     ASSERT_TRUE(program.mkpath(QStringLiteral("compile/database")));
     ASSERT_TRUE(QFile::copy(file("project"), file("compile/database/database")));
     const LoadReport report = explainLoad(folder.path(), QStringLiteral("ETHERNET"));
-    EXPECT_TRUE(report.isLoaded);
+    EXPECT_TRUE(report.isLoaded());
     const QString text = report.steps.join(QLatin1Char('\n'));
     EXPECT_TRUE(text.contains(QLatin1String("HMI port 2000")));
     EXPECT_TRUE(text.contains(program.absoluteFilePath(QStringLiteral("compile/database/database"))));

@@ -79,7 +79,7 @@ int explain(const QString &path, const QString &device)
     const LoadReport report = explainLoad(path, device);
     if (!print(report.steps))
         return OutputClosed;
-    return report.isLoaded ? Success : DatabaseError;
+    return report.isLoaded() ? Success : DatabaseError;
 }
 
 } // namespace

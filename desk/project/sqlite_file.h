@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QSqlQuery>
+#include <QVariant>
+
+#include <functional>
+
+/// Connect options for a file that must not change, and for one that is not waited for when it is locked.
+const char *const ReadOnly = "QSQLITE_OPEN_READONLY";
+const char *const ReadOnlyAtOnce = "QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=0";
+
+/// A connection to an SQLite file for as long as this lives.
+class SqliteFile
+{
+public:
+    /// \a options are Qt's connect options; without ReadOnly a file that is missing is made.
+    explicit SqliteFile(const QString &path, const char *options = "");
+    ~SqliteFile();
+    SqliteFile(const SqliteFile &) = delete;
+    SqliteFile &operator=(const SqliteFile &) = delete;
+
+    /// Runs one statement; after the first failure nothing more.
+    void run(const QString &statement, const QVariantList &values = {});
+    /// The same, with each row that comes of it.
+    void select(const QString &statement, const QVariantList &values,
+                const std::function<void(const QSqlQuery &)> &takeRow);
+    /// What SQLite said of the first failure; empty when there was none.
+    const QString &problem() const { return m_problem; }
+
+    /// The connection's name among those of the process.
+    const QString &connectionName() const { return m_name; }
+
+private:
+    QString m_name;
+    QString m_problem;
+};
