@@ -88,7 +88,7 @@ std::vector<ValueRow> WatchLoop::timedRows(const Reading &reading, const QByteAr
 
 QString WatchLoop::failureText(const Reading &reading)
 {
-    return reading.items.label(0) + QStringLiteral(": ") + m_session.failure().text;
+    return labelOf(reading) + QStringLiteral(": ") + m_session.failure().text;
 }
 
 bool WatchLoop::isStopped() const

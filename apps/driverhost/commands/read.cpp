@@ -2,9 +2,9 @@
 
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "desk/output/output_form.h"
 #include "desk/items/readings.h"
 #include "desk/link/session.h"
+#include "desk/output/output_form.h"
 
 namespace
 {
@@ -36,7 +36,7 @@ int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat
             rows.insert(rows.end(), more.begin(), more.end());
             continue;
         }
-        reportFailure(session, reading.items);
+        reportFailure(session, labelOf(reading));
         const ExitCode failure = exitCodeOf(session.failure());
         code = code == Success ? failure : code;
         if (failure == CannotConnect || failure == DatabaseError)

@@ -89,7 +89,7 @@ int verify(Session &session, const WriteRequest &request)
     for (const Items &portion : portionsOf(request.items)) {
         const std::optional<QByteArray> data = session.read(portion);
         if (!data) {
-            reportFailure(session, portion);
+            reportFailure(session, portion.label(0));
             return exitCodeOf(session.failure());
         }
         const std::vector<quint32> values = valuesIn(*data, portion);
@@ -125,7 +125,7 @@ int writeAll(Session &session, const WriteRequest &request, bool isVerified)
     }
     if (!isConfirmed) {
         const QStringList written = writtenBeforeFailure(session.exchanges());
-        reportFailure(session, request.items);
+        reportFailure(session, request.items.label(0));
         for (const QString &line : written)
             report(QStringLiteral("  ") + line);
         return exitCodeOf(session.failure());
@@ -142,7 +142,7 @@ int showFrames(Session &session, const WriteRequest &request)
     DryRunChannel channel(session.stationFor(request.items), session.channel().deviceSetting()->deviceString);
     const QByteArray data = dataOf(request.values, request.items.kind);
     if (!session.driver()->write(&channel, request.items.command(), data)) {
-        reportFailure(session, request.items);
+        reportFailure(session, request.items.label(0));
         return exitCodeOf(session.failure());
     }
     QStringList lines;

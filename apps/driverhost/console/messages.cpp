@@ -15,10 +15,10 @@ void report(const QString &text)
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
-void reportFailure(Session &session, const Items &items)
+void reportFailure(Session &session, const QString &label)
 {
     const Failure failure = session.failure();
-    reportError(QStringLiteral("%1: %2").arg(items.label(0), failure.text));
+    reportError(QStringLiteral("%1: %2").arg(label, failure.text));
     report(QStringLiteral("  check: ") + failure.advice);
 }
 
