@@ -39,24 +39,31 @@ int Session::stationFor(const Items &items) const
 
 Failure Session::failure()
 {
-    return failureOf(m_driver->getLastError(), m_hasOpened);
+    return failureOf(m_driver->getLastError(), m_command);
 }
 
 void Session::prepare(const Items &items)
 {
-    m_channel->setStation(stationFor(items));
-    m_exchanges.clear();
-    m_hasOpened = true;
+    const int station = stationFor(items);
+    m_channel->setStation(station);
+    m_command.begin(station, m_channel->now());
 }
 
 void Session::finish()
 {
+    m_command.end(m_channel->now(), m_channel->isCancelled());
+    m_counts.add(m_command);
     m_trace.flush();
 }
 
 void Session::observe(ChannelEvent event, const QByteArray &bytes)
 {
-    m_hasOpened = event != ChannelEvent::OpenFailed;
+    m_command.add(event, bytes, m_channel->now());
+    trace(event, bytes);
+}
+
+void Session::trace(ChannelEvent event, const QByteArray &bytes)
+{
     switch (event) {
     case ChannelEvent::Opened: m_trace.event(QStringLiteral("connected")); break;
     case ChannelEvent::OpenFailed: m_trace.event(m_channel->errorString()); break;
@@ -64,16 +71,7 @@ void Session::observe(ChannelEvent event, const QByteArray &bytes)
     case ChannelEvent::ResetByOther: break;
     case ChannelEvent::Closed: m_trace.event(QStringLiteral("closed")); break;
     case ChannelEvent::Discarded: m_trace.dropped(bytes); break;
-    case ChannelEvent::Sent:
-        m_sentAt = m_channel->now();
-        m_exchanges.push_back({bytes, {}});
-        m_trace.sent(bytes);
-        break;
-    case ChannelEvent::Received:
-        if (!m_exchanges.empty())
-            m_exchanges.back().reply += bytes;
-        m_latency = m_channel->now() - m_sentAt;
-        m_trace.received(bytes);
-        break;
+    case ChannelEvent::Sent: m_trace.sent(bytes); break;
+    case ChannelEvent::Received: m_trace.received(bytes); break;
     }
 }

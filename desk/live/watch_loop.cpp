@@ -1,5 +1,6 @@
 #include "desk/live/watch_loop.h"
 
+
 #include <QDateTime>
 
 #include <algorithm>
@@ -55,7 +56,7 @@ bool WatchLoop::readOne(WatchListener &listener, size_t index)
     const std::optional<QByteArray> data = m_session.read(reading.items);
     m_isUnconnected = !data && m_session.failure().kind == FailureKind::CannotConnect;
     if (data) {
-        m_statistics.addSuccess(m_session.latencyMicroseconds());
+        m_statistics.addSuccess(m_session.lastCommand().latency());
         return listener.add(index, timedRows(reading, *data));
     }
     // What was given up because the run is over is no failure of the slave.
@@ -81,7 +82,7 @@ std::vector<ValueRow> WatchLoop::timedRows(const Reading &reading, const QByteAr
     const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
     for (ValueRow &row : rows) {
         row.time = time;
-        row.latency = m_session.latencyMicroseconds();
+        row.latency = m_session.lastCommand().latency();
     }
     return rows;
 }
