@@ -1,7 +1,6 @@
 #include "desk/live/watch_loop.h"
 
-
-#include <QDateTime>
+#include "desk/time_text.h"
 
 #include <algorithm>
 
@@ -79,7 +78,7 @@ bool WatchLoop::failOthers(WatchListener &listener, size_t first)
 std::vector<ValueRow> WatchLoop::timedRows(const Reading &reading, const QByteArray &data) const
 {
     std::vector<ValueRow> rows = rowsOf(reading, data, m_session.stationFor(reading.items));
-    const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+    const QString time = dateAndTimeText(QDateTime::currentDateTime());
     for (ValueRow &row : rows) {
         row.time = time;
         row.latency = m_session.lastCommand().latency();

@@ -1,5 +1,6 @@
 #include "desk/wire/trace.h"
 
+#include "desk/time_text.h"
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
 
@@ -18,11 +19,6 @@ char mark(FrameDirection direction)
     return '!';
 }
 
-QString clock(const QDateTime &time)
-{
-    return time.toString(QStringLiteral("HH:mm:ss.zzz"));
-}
-
 // Whether nothing more is to come: the reply is as long as the request lets it be, or is no answer to it.
 bool isWholeReply(const QByteArray &reply, const QByteArray &request)
 {
@@ -37,13 +33,13 @@ QString traceLine(const QDateTime &time, FrameDirection direction, const QByteAr
                   const QString &meaning)
 {
     return QStringLiteral("%1 %2 %3  %4")
-        .arg(clock(time), QChar::fromLatin1(mark(direction)), QString::fromLatin1(bytes.toHex(' ').toUpper()),
-             meaning);
+        .arg(clockText(time), QChar::fromLatin1(mark(direction)),
+             QString::fromLatin1(bytes.toHex(' ').toUpper()), meaning);
 }
 
 QString traceEvent(const QDateTime &time, const QString &text)
 {
-    return QStringLiteral("%1 - %2").arg(clock(time), text);
+    return QStringLiteral("%1 - %2").arg(clockText(time), text);
 }
 
 MasterTrace::MasterTrace(TraceSink sink) : m_sink(std::move(sink)) {}

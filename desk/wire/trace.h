@@ -8,7 +8,7 @@
 
 /// Traces: one line a frame with the time, the direction, the bytes and what they mean.
 ///
-///     12:34:56.789012 > 01 03 00 00 00 02 C4 0B  station 1, read holding registers, HR1..2 (offset 0, ...
+///     12:34:56.789+01:00 > 01 03 00 00 00 02 C4 0B  station 1, read holding registers, HR1..2 (offset 0, ...
 ///
 /// `text2pcap -r` reads the lines as they stand.
 

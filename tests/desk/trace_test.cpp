@@ -1,3 +1,4 @@
+#include "desk/time_text.h"
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
 #include "desk/wire/trace.h"
@@ -28,14 +29,14 @@ std::string reply(const QByteArray &bytes, const QByteArray &asked = QByteArray(
     return describeFrame(FrameRole::Reply, bytes, asked).toStdString();
 }
 
-const QDateTime afternoon(QDate(2024, 3, 1), QTime(13, 5, 9, 7));
+const QDateTime afternoon(QDate(2024, 3, 1), QTime(13, 5, 9, 7), Qt::OffsetFromUTC, -5400);
 
 // The meaning of each line, without the time.
 struct CollectedTrace {
     QStringList lines;
     TraceSink sink()
     {
-        return [this](const QString &line) { lines.append(line.mid(int(qstrlen("12:34:56.789 ")))); };
+        return [this](const QString &line) { lines.append(line.mid(int(qstrlen("12:34:56.789+00:00 ")))); };
     }
     std::string at(int index) const { return lines.value(index).toStdString(); }
 };
@@ -218,20 +219,29 @@ TEST(TraceDescribe, AnyBytesMakeOneLine)
 TEST(TraceLine, HasTimeDirectionBytesAndMeaning)
 {
     const QByteArray bytes = QByteArray::fromHex("0103AF");
-    EXPECT_EQ("13:05:09.007 > 01 03 AF  why",
+    EXPECT_EQ("13:05:09.007-01:30 > 01 03 AF  why",
               traceLine(afternoon, FrameDirection::Sent, bytes, "why").toStdString());
-    EXPECT_EQ("13:05:09.007 < 01 03 AF  why",
+    EXPECT_EQ("13:05:09.007-01:30 < 01 03 AF  why",
               traceLine(afternoon, FrameDirection::Received, bytes, "why").toStdString());
-    EXPECT_EQ("13:05:09.007 ! 01 03 AF  why",
+    EXPECT_EQ("13:05:09.007-01:30 ! 01 03 AF  why",
               traceLine(afternoon, FrameDirection::Dropped, bytes, "why").toStdString());
-    EXPECT_EQ("13:05:09.007 - closed", traceEvent(afternoon, "closed").toStdString());
+    EXPECT_EQ("13:05:09.007-01:30 - closed", traceEvent(afternoon, "closed").toStdString());
+}
+
+TEST(TimeText, HasDateAndOffset)
+{
+    EXPECT_EQ("2024-03-01T13:05:09.007-01:30", dateAndTimeText(afternoon).toStdString());
+    EXPECT_EQ("+00:00", utcOffsetText(QDateTime(afternoon.date(), afternoon.time(), Qt::UTC)).toStdString());
+    EXPECT_EQ(
+        "+05:45",
+        utcOffsetText(QDateTime(afternoon.date(), afternoon.time(), Qt::OffsetFromUTC, 20700)).toStdString());
 }
 
 TEST(TraceLine, MeaningIsNoFormat)
 {
-    EXPECT_EQ("13:05:09.007 > 01  %1 %2 50%",
+    EXPECT_EQ("13:05:09.007-01:30 > 01  %1 %2 50%",
               traceLine(afternoon, FrameDirection::Sent, QByteArray(1, '\x01'), "%1 %2 50%").toStdString());
-    EXPECT_EQ("13:05:09.007 - %1 %2", traceEvent(afternoon, "%1 %2").toStdString());
+    EXPECT_EQ("13:05:09.007-01:30 - %1 %2", traceEvent(afternoon, "%1 %2").toStdString());
 }
 
 TEST(MasterTrace, PutsAReplyTogether)
@@ -304,7 +314,9 @@ TEST(MasterTrace, LinesBeginWithTheTime)
     QString first;
     MasterTrace trace([&first](const QString &line) { first = line; });
     trace.event("connected");
-    EXPECT_TRUE(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d - connected$").match(first).hasMatch());
+    EXPECT_TRUE(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d[-+]\\d\\d:\\d\\d - connected$")
+                    .match(first)
+                    .hasMatch());
 }
 
 TEST(MasterTrace, WithoutASinkNothingHappens)
