@@ -64,7 +64,8 @@ struct ExceptionAdvice {
 
 // The words of the table in docs/error-texts.md.
 const ExceptionAdvice ExceptionAdvices[] = {
-    {modbus::IllegalFunction, "the slave has no function 15 or 16: use an FN5DO or FN6HR address"},
+    {modbus::IllegalFunction,
+     "the slave does not know this function; without function 15 or 16, use an FN5DO or FN6HR address"},
     {modbus::IllegalDataAddress,
      "the range touches an address that the slave does not have; numbers in address texts count from 1"},
     {modbus::IllegalDataValue, "too many items at once for this slave, or a value that it does not take"},

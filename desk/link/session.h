@@ -27,6 +27,7 @@ public:
     bool write(const Items &items, const QByteArray &data);
 
     int stationFor(const Items &items) const;
+    const ChannelSettings &settings() const { return m_settings; }
     /// The last failure, with the driver's text.
     Failure failure();
     /// What happened on the line during the last read or write, or happens during this one.
@@ -44,7 +45,7 @@ private:
     void observe(ChannelEvent event, const QByteArray &bytes);
     void trace(ChannelEvent event, const QByteArray &bytes);
 
-    int m_station;
+    ChannelSettings m_settings;
     std::unique_ptr<LineChannel> m_channel;
     LoadedDriver m_driver;
     MasterTrace m_trace;

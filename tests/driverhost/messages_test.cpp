@@ -54,6 +54,49 @@ TEST_F(MessagesTest, NameTheStationAsTheTableDoes)
     expectError("tags --retries 0 --project " + makeProject("tag 1 5-HR10\n"), text);
 }
 
+TEST_F(MessagesTest, NameAnExceptionAndWhatToDo)
+{
+    expectError(
+        "read TARGET 5-HR10 --retries 0",
+        "\n  check: illegal data address: the range touches an address that the slave does not have;");
+    slave.inject(Fault{Fault::Exception, 6}, 1);
+    expectError("write TARGET HR1 1 --retries 0",
+                "\n  check: server device busy: ask less often: raise the delay\n");
+    slave.inject(Fault{Fault::Exception, 0x63}, 1);
+    expectError("read TARGET HR1 --retries 0",
+                "\n  check: unknown: the slave is there and refuses; see its manual");
+}
+
+TEST_F(MessagesTest, SendNobodyToTheCablesWhenTheNameIsWrong)
+{
+    const HostRun run = runHost({"read", "rtutcp://no-such-host.invalid/1", "HR1"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_TRUE(
+        run.err.contains("driverhost: HR1: cannot connect to no-such-host.invalid:502: unknown host name\n"))
+        << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("\n  check: the name as it is spelt")) << run.err.toStdString();
+    EXPECT_FALSE(run.err.contains("cable")) << run.err.toStdString();
+}
+
+TEST_F(MessagesTest, SayHowOftenItWasTriedAndHowLong)
+{
+    slave.inject(Fault{Fault::Silence, -1}, 3);
+    expectError("read TARGET HR1 --retries 2 --timeout 50", "\n  3 attempts, time-out 50 ms\n");
+    slave.inject(Fault{Fault::Silence, -1}, 1);
+    expectError("write TARGET HR1 1 --retries 0 --timeout 50", "\n  1 attempt, time-out 50 ms\n");
+    slave.inject(Fault{Fault::WrongCrc, -1}, 2);
+    expectError("read TARGET HR1 --retries 1", "\n  2 attempts\n");
+}
+
+TEST_F(MessagesTest, SayWhenAnAnswerTookSeveralAttempts)
+{
+    slave.inject(Fault{Fault::WrongCrc, -1}, 2);
+    expectError("read TARGET HR1", "HR1: answered at attempt 3 of 4\n");
+    slave.inject(Fault{Fault::WrongCrc, -1}, 1);
+    expectError("write TARGET 5-HR1 7 --retries 1", "5-HR1: answered at attempt 2 of 2\n");
+    EXPECT_EQ(host("read TARGET HR1").err, "");
+}
+
 TEST_F(MessagesTest, NameTheTagThatCouldNotBeRead)
 {
     // The run is read as bytes from DO1 on; what is in the project is FN5DO3.

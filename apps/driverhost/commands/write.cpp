@@ -3,6 +3,7 @@
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
 #include "desk/items/item_data.h"
+#include "desk/items/number_text.h"
 #include "desk/items/portions.h"
 #include "desk/link/dry_run_channel.h"
 #include "desk/link/write_report.h"
@@ -130,9 +131,10 @@ int writeAll(Session &session, const WriteRequest &request, bool isVerified)
             report(QStringLiteral("  ") + line);
         return exitCodeOf(session.failure());
     }
+    reportOddSuccess(session, request.items.label(0));
     report(
         QStringLiteral("%1: wrote %2 of kind %3")
-            .arg(request.items.label(0), QString::number(request.values.size()), nameOf(request.items.kind)));
+            .arg(request.items.label(0), counted(request.items.count, "item"), nameOf(request.items.kind)));
     return isVerified ? verify(session, request) : Success;
 }
 
