@@ -1,5 +1,7 @@
 #include "desk/link/command_record.h"
 
+#include "desk/wire/rtu_frame.h"
+
 void CommandRecord::begin(int station, qint64 now)
 {
     *this = CommandRecord();
@@ -43,7 +45,7 @@ bool CommandRecord::isEndedByOther() const
 
 bool CommandRecord::isEchoed() const
 {
-    return !m_exchanges.empty() && isEcho(m_exchanges.back());
+    return !m_exchanges.empty() && isEcho(m_exchanges.back().reply, m_exchanges.back().request);
 }
 
 // Every attempt begins with the same request, and no other request of the command is equal to that.

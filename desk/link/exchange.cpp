@@ -40,11 +40,3 @@ int exceptionIn(const Exchange &exchange)
 {
     return outcomeOf(exchange) == Outcome::Exception ? byteAt(exchange.reply, 2) : 0;
 }
-
-bool isEcho(const Exchange &exchange)
-{
-    const QByteArray &request = exchange.request;
-    const QByteArray &reply = exchange.reply;
-    return reply.size() >= FirstStage && !modbus::isWriteSingle(functionOf(request)) &&
-           (request.startsWith(reply) || reply.startsWith(request));
-}

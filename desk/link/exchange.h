@@ -25,7 +25,3 @@ enum class Outcome {
 Outcome outcomeOf(const Exchange &exchange);
 /// The code of an exception reply; 0 when the reply is none.
 int exceptionIn(const Exchange &exchange);
-
-/// Whether what came begins with the request itself, or with so much of it as the driver took before it
-/// refused it. The reply to a write of a single coil or register has to be equal, and tells nothing.
-bool isEcho(const Exchange &exchange);

@@ -35,15 +35,18 @@ public:
 
     void sent(const QByteArray &bytes);
     void received(const QByteArray &bytes);
-    /// Bytes that nobody asked for and the channel threw away.
+    /// Bytes that the channel threw away: the rest of a reply that was refused before its end, or what nobody
+    /// asked for.
     void dropped(const QByteArray &bytes);
     void event(const QString &text);
     void flush();
 
 private:
     void write(FrameDirection direction, const QByteArray &bytes, const QString &meaning);
+    int restSize(const QByteArray &dropped) const;
 
     TraceSink m_sink;
     QByteArray m_request;
-    QByteArray m_reply;
+    QByteArray m_reply;   // so far
+    QByteArray m_refused; // the reply before what is dropped now
 };
