@@ -33,6 +33,7 @@ public:
     void setObserver(const ChannelObserver &observer) { m_observer = observer; }
     /// While \a cancelled answers true nothing is waited for and nothing tried again.
     void setCancelled(const std::function<bool()> &cancelled) { m_line.setCancelled(cancelled); }
+    bool isCancelled() const { return m_line.isCancelled(); }
     /// The line's clock, in microseconds.
     qint64 now() const { return m_line.now(); }
 

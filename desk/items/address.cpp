@@ -79,6 +79,11 @@ QString Address::text() const
     return areaName + marker + QString::number(number) + bitText;
 }
 
+QString Address::label() const
+{
+    return station < 0 ? text() : QString::number(station) + QLatin1Char('-') + text();
+}
+
 Result<Address> parseAddress(const QString &text)
 {
     static const QRegularExpression form(

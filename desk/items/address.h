@@ -15,8 +15,10 @@ struct Address {
 
     bool isBitArea() const { return ::isBitArea(area); }
     int wireOffset() const { return number - 1; }
-    /// The text without the station: what people see, and what the driver gets.
+    /// The text without the station: what the driver gets.
     QString text() const;
+    /// The text with the station where it names one, "2-HR100": what people wrote, and see.
+    QString label() const;
 };
 
 /// Takes \a text apart; the error says what is wrong and what was expected. The driver itself refuses no

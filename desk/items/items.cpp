@@ -59,7 +59,7 @@ QString Items::label(int index) const
 {
     if (isRaw())
         return index == 0 ? rawText : QStringLiteral("%1 +%2").arg(rawText, QString::number(index));
-    QString text = addressOf(index).text();
+    const QString text = addressOf(index).label();
     if (!isByteKind(kind) || address.isBitArea())
         return text;
     return text + (index % 2 == 0 ? QStringLiteral(" low") : QStringLiteral(" high"));
@@ -86,5 +86,5 @@ Result<> checkItems(const Items &items)
     const QString problem = items.isRaw() ? QString() : problemWith(items);
     if (problem.isEmpty())
         return {};
-    return Error{QStringLiteral("address \"%1\": %2").arg(items.address.text(), problem)};
+    return Error{QStringLiteral("address \"%1\": %2").arg(items.address.label(), problem)};
 }

@@ -16,7 +16,8 @@ struct Items {
     bool isRaw() const { return !rawText.isNull(); }
     /// The address of item \a index.
     Address addressOf(int index) const;
-    /// What people see for item \a index: "HR100", or "HR100 high" for the odd bytes of registers.
+    /// What people see for item \a index: "HR100", "2-HR100" where the address names its station, "HR100
+    /// high" for the odd bytes of registers.
     QString label(int index) const;
     CommunicatorCommand command() const;
 };

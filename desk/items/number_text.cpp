@@ -9,3 +9,9 @@ Result<int> parseNumber(const QString &what, const QString &text, int min, int m
     return Error{QStringLiteral("%1 \"%2\": expected a whole number from %3 to %4")
                      .arg(what, text, QString::number(min), QString::number(max))};
 }
+
+QString counted(qint64 number, const char *thing)
+{
+    return QStringLiteral("%1 %2%3").arg(QString::number(number), QLatin1String(thing),
+                                         QLatin1String(number == 1 ? "" : "s"));
+}

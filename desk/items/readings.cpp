@@ -6,11 +6,9 @@
 Reading readingOf(const Items &items, ValueForm form)
 {
     Reading reading{items, {}};
-    const QString prefix =
-        items.address.station < 0 ? QString() : QString::number(items.address.station) + QLatin1Char('-');
     for (int i = 0; i < items.count; ++i) {
         const int offset = items.isRaw() ? -1 : items.addressOf(i).wireOffset();
-        reading.shown.push_back({prefix + items.label(i), offset, items.kind, form, i});
+        reading.shown.push_back({items.label(i), offset, items.kind, form, i});
     }
     return reading;
 }
@@ -23,6 +21,11 @@ std::vector<Reading> readingsOf(const std::vector<Items> &all, ValueForm form)
             readings.push_back(readingOf(portion, form));
     }
     return readings;
+}
+
+QString labelOf(const Reading &reading)
+{
+    return reading.shown.empty() ? reading.items.label(0) : reading.shown.front().address;
 }
 
 std::vector<ValueRow> rowsOf(const Reading &reading, const QByteArray &data, int station)

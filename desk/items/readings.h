@@ -23,5 +23,8 @@ Reading readingOf(const Items &items, ValueForm form);
 /// The readings of all items, in portions that one request each can carry.
 std::vector<Reading> readingsOf(const std::vector<Items> &all, ValueForm form);
 
+/// What messages call the reading: the first address that its table shows.
+QString labelOf(const Reading &reading);
+
 /// What the data that the driver read for \a reading shows. It came from \a station.
 std::vector<ValueRow> rowsOf(const Reading &reading, const QByteArray &data, int station);

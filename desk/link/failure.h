@@ -1,15 +1,19 @@
 #pragma once
 
+#include "desk/link/command_record.h"
+
 #include <QString>
 
 /// What the driver's error texts mean, decided in one place for every program.
 
 enum class FailureKind {
     CannotConnect,   ///< no connection to the slave
-    SendingBroke,    ///< the connection ended while the request was sent
+    ConnectionEnded, ///< the other side closed or reset it before the reply was whole
+    SendingBroke,    ///< the request could not be sent
     NoReply,         ///< nothing came
     OtherStation,    ///< another station answered
     NotUnderstood,   ///< something came that answers no request of this kind
+    Echo,            ///< the request itself came back
     Damaged,         ///< the reply's CRC is wrong
     Cut,             ///< the reply stopped short
     Exception,       ///< the slave, or a gateway for it, refused
@@ -17,6 +21,9 @@ enum class FailureKind {
     ProjectDatabase, ///< the project database cannot be used
     BitNotInProject  ///< the project has no tag on a bit of this station
 };
+
+/// "no-reply", "crc-error": the word for programs that read the output.
+QString nameOf(FailureKind kind);
 
 struct Failure {
     FailureKind kind = FailureKind::NoReply;
@@ -31,6 +38,6 @@ struct Failure {
     bool isStationAbsent() const;
 };
 
-/// What it means when a command ended with the driver's \a text. Where the channel could not be opened the
-/// text is the channel's own, and \a hasOpened false.
-Failure failureOf(const QString &text, bool hasOpened = true);
+/// What it means when a command ended with the driver's \a text, after what \a record tells of the line.
+/// Where the line could not be opened the text is the line's own.
+Failure failureOf(const QString &text, const CommandRecord &record);

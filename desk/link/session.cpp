@@ -6,10 +6,7 @@ Session::Session(const QString &plugin, const LinkSettings &settings)
 }
 
 Session::Session(const QString &plugin, const LinkSettings &settings, std::unique_ptr<LineChannel> channel)
-    : m_station(settings.channel.station),
-      m_channel(std::move(channel)),
-      m_driver(plugin),
-      m_trace(settings.trace)
+    : m_settings(settings.channel), m_channel(std::move(channel)), m_driver(plugin), m_trace(settings.trace)
 {
     m_channel->setObserver([this](ChannelEvent event, const QByteArray &bytes) { observe(event, bytes); });
 }
@@ -34,46 +31,48 @@ bool Session::write(const Items &items, const QByteArray &data)
 
 int Session::stationFor(const Items &items) const
 {
-    return stationOf(items, m_station);
+    return stationOf(items, m_settings.station);
 }
 
 Failure Session::failure()
 {
-    return failureOf(m_driver->getLastError(), m_hasOpened);
+    return failureOf(m_driver->getLastError(), m_command);
 }
 
 void Session::prepare(const Items &items)
 {
-    m_channel->setStation(stationFor(items));
-    m_exchanges.clear();
-    m_hasOpened = true;
+    const int station = stationFor(items);
+    m_channel->setStation(station);
+    m_command.begin(station, m_channel->now());
 }
 
 void Session::finish()
 {
+    m_command.end(m_channel->now(), m_channel->isCancelled());
+    m_counts.add(m_command);
     m_trace.flush();
 }
 
 void Session::observe(ChannelEvent event, const QByteArray &bytes)
 {
-    m_hasOpened = event != ChannelEvent::OpenFailed;
+    m_command.add(event, bytes, m_channel->now());
+    trace(event, bytes);
+}
+
+void Session::trace(ChannelEvent event, const QByteArray &bytes)
+{
     switch (event) {
     case ChannelEvent::Opened: m_trace.event(QStringLiteral("connected")); break;
     case ChannelEvent::OpenFailed: m_trace.event(m_channel->errorString()); break;
-    case ChannelEvent::ClosedByOther:
-    case ChannelEvent::ResetByOther: break;
-    case ChannelEvent::Closed: m_trace.event(QStringLiteral("closed")); break;
+    case ChannelEvent::ClosedByOther: m_trace.event(QStringLiteral("closed by the other side")); break;
+    case ChannelEvent::ResetByOther: m_trace.event(QStringLiteral("reset by the other side")); break;
+    case ChannelEvent::Closed:
+        // There was nothing left to close.
+        if (!m_command.isEndedByOther())
+            m_trace.event(QStringLiteral("closed"));
+        break;
     case ChannelEvent::Discarded: m_trace.dropped(bytes); break;
-    case ChannelEvent::Sent:
-        m_sentAt = m_channel->now();
-        m_exchanges.push_back({bytes, {}});
-        m_trace.sent(bytes);
-        break;
-    case ChannelEvent::Received:
-        if (!m_exchanges.empty())
-            m_exchanges.back().reply += bytes;
-        m_latency = m_channel->now() - m_sentAt;
-        m_trace.received(bytes);
-        break;
+    case ChannelEvent::Sent: m_trace.sent(bytes); break;
+    case ChannelEvent::Received: m_trace.received(bytes); break;
     }
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "desk/items/items.h"
-#include "desk/link/exchange.h"
 #include "desk/link/failure.h"
+#include "desk/link/line_counts.h"
 #include "desk/link/link_settings.h"
 #include "desk/link/loaded_driver.h"
 
@@ -27,11 +27,14 @@ public:
     bool write(const Items &items, const QByteArray &data);
 
     int stationFor(const Items &items) const;
+    const ChannelSettings &settings() const { return m_settings; }
     /// The last failure, with the driver's text.
     Failure failure();
-    /// The exchanges of the last read or write, and how long the last reply took.
-    const std::vector<Exchange> &exchanges() const { return m_exchanges; }
-    qint64 latencyMicroseconds() const { return m_latency; }
+    /// What happened on the line during the last read or write, or happens during this one.
+    const CommandRecord &lastCommand() const { return m_command; }
+    const std::vector<Exchange> &exchanges() const { return m_command.exchanges(); }
+    /// What has happened on the line since the session began, the command that runs left out.
+    const LinkCounts &counts() const { return m_counts; }
 
     LineChannel &channel() { return *m_channel; }
     LoadedDriver &driver() { return m_driver; }
@@ -40,13 +43,12 @@ private:
     void prepare(const Items &items);
     void finish();
     void observe(ChannelEvent event, const QByteArray &bytes);
+    void trace(ChannelEvent event, const QByteArray &bytes);
 
-    int m_station;
+    ChannelSettings m_settings;
     std::unique_ptr<LineChannel> m_channel;
     LoadedDriver m_driver;
     MasterTrace m_trace;
-    qint64 m_sentAt = 0;
-    qint64 m_latency = 0;
-    std::vector<Exchange> m_exchanges;
-    bool m_hasOpened = true;
+    CommandRecord m_command;
+    LinkCounts m_counts;
 };

@@ -41,6 +41,16 @@ int pendingErrorOf(int descriptor)
     return error;
 }
 
+// Why there is no connection.
+QString reasonOf(const QTcpSocket &connector)
+{
+    if (connector.state() != QAbstractSocket::UnconnectedState)
+        return QStringLiteral("no answer");
+    if (connector.error() == QAbstractSocket::HostNotFoundError)
+        return QLatin1String(UnknownHost);
+    return connector.errorString();
+}
+
 } // namespace
 
 bool TcpLine::open(qint64 deadline)
@@ -52,10 +62,8 @@ bool TcpLine::open(qint64 deadline)
     connector.setProxy(QNetworkProxy::NoProxy);
     connector.connectToHost(host, port);
     if (!waitUntilConnected(connector, deadline)) {
-        const bool hasTimedOut = connector.state() != QAbstractSocket::UnconnectedState;
-        m_error = QStringLiteral("cannot connect to %1: %2")
-                      .arg(endpointText(host, port),
-                           hasTimedOut ? QStringLiteral("no answer") : connector.errorString());
+        m_error =
+            QStringLiteral("cannot connect to %1: %2").arg(endpointText(host, port), reasonOf(connector));
         connector.abort();
         return false;
     }

@@ -5,6 +5,9 @@
 
 class QTcpSocket;
 
+/// The end of what errorString() says when the host's name stands for no address.
+const char *const UnknownHost = "unknown host name";
+
 /// A line over TCP, to the current endpoint of a device setting.
 class TcpLine : public Line
 {

@@ -1,6 +1,6 @@
 #include "desk/live/watch_loop.h"
 
-#include <QDateTime>
+#include "desk/time_text.h"
 
 #include <algorithm>
 
@@ -55,7 +55,7 @@ bool WatchLoop::readOne(WatchListener &listener, size_t index)
     const std::optional<QByteArray> data = m_session.read(reading.items);
     m_isUnconnected = !data && m_session.failure().kind == FailureKind::CannotConnect;
     if (data) {
-        m_statistics.addSuccess(m_session.latencyMicroseconds());
+        m_statistics.addSuccess(m_session.lastCommand().latency());
         return listener.add(index, timedRows(reading, *data));
     }
     // What was given up because the run is over is no failure of the slave.
@@ -78,17 +78,17 @@ bool WatchLoop::failOthers(WatchListener &listener, size_t first)
 std::vector<ValueRow> WatchLoop::timedRows(const Reading &reading, const QByteArray &data) const
 {
     std::vector<ValueRow> rows = rowsOf(reading, data, m_session.stationFor(reading.items));
-    const QString time = QDateTime::currentDateTime().toString(Qt::ISODateWithMs);
+    const QString time = dateAndTimeText(QDateTime::currentDateTime());
     for (ValueRow &row : rows) {
         row.time = time;
-        row.latency = m_session.latencyMicroseconds();
+        row.latency = m_session.lastCommand().latency();
     }
     return rows;
 }
 
 QString WatchLoop::failureText(const Reading &reading)
 {
-    return reading.items.label(0) + QStringLiteral(": ") + m_session.failure().text;
+    return labelOf(reading) + QStringLiteral(": ") + m_session.failure().text;
 }
 
 bool WatchLoop::isStopped() const

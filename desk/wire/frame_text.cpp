@@ -210,6 +210,9 @@ QString describeFrame(FrameRole role, const QByteArray &frame, const QByteArray 
     if (role == FrameRole::Request) {
         parts << functionName(functionOf(frame)) << describeRequest(frame);
         parts << describeEnd(frame, requestSize(frame));
+    } else if (isEcho(frame, request)) {
+        parts << functionName(functionOf(frame)) << QStringLiteral("the request itself: an echo");
+        parts << describeEnd(frame, request.size());
     } else {
         parts << functionName(functionOf(frame) & ~modbus::ExceptionFlag) << describeReply(frame, request);
         parts << contradictions(frame, request) << describeEnd(frame, replySize(frame));

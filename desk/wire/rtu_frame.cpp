@@ -97,6 +97,13 @@ int replySizeFor(const QByteArray &request)
     return isWrite ? modbus::ShortFrameSize : SizeUnknown;
 }
 
+bool isEcho(const QByteArray &reply, const QByteArray &request)
+{
+    return reply.size() >= modbus::ExceptionReplySize && request.size() >= modbus::MinFrameSize &&
+           !modbus::isWriteSingle(functionOf(request)) &&
+           (request.startsWith(reply) || reply.startsWith(request));
+}
+
 QByteArray exceptionReply(const QByteArray &request, int code)
 {
     QByteArray frame(3, '\0');

@@ -30,5 +30,10 @@ int replySize(const QByteArray &bytes);
 /// How long the right reply to \a request is, exceptions aside; SizeUnknown for functions unknown here.
 int replySizeFor(const QByteArray &request);
 
+/// Whether what came begins with the request itself, or with so much of it as was taken before it was
+/// refused: a line that echoes. The reply to a write of a single coil or register has to be equal, and tells
+/// nothing.
+bool isEcho(const QByteArray &reply, const QByteArray &request);
+
 /// The exception reply to a request, a whole frame.
 QByteArray exceptionReply(const QByteArray &request, int code);

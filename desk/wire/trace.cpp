@@ -1,8 +1,10 @@
 #include "desk/wire/trace.h"
 
+#include "desk/time_text.h"
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -16,11 +18,6 @@ char mark(FrameDirection direction)
     case FrameDirection::Dropped: break;
     }
     return '!';
-}
-
-QString clock(const QDateTime &time)
-{
-    return time.toString(QStringLiteral("HH:mm:ss.zzz"));
 }
 
 // Whether nothing more is to come: the reply is as long as the request lets it be, or is no answer to it.
@@ -37,13 +34,13 @@ QString traceLine(const QDateTime &time, FrameDirection direction, const QByteAr
                   const QString &meaning)
 {
     return QStringLiteral("%1 %2 %3  %4")
-        .arg(clock(time), QChar::fromLatin1(mark(direction)), QString::fromLatin1(bytes.toHex(' ').toUpper()),
-             meaning);
+        .arg(clockText(time), QChar::fromLatin1(mark(direction)),
+             QString::fromLatin1(bytes.toHex(' ').toUpper()), meaning);
 }
 
 QString traceEvent(const QDateTime &time, const QString &text)
 {
-    return QStringLiteral("%1 - %2").arg(clock(time), text);
+    return QStringLiteral("%1 - %2").arg(clockText(time), text);
 }
 
 MasterTrace::MasterTrace(TraceSink sink) : m_sink(std::move(sink)) {}
@@ -58,6 +55,7 @@ void MasterTrace::sent(const QByteArray &bytes)
     if (!m_sink)
         return;
     flush();
+    m_refused.clear();
     m_request = bytes;
     write(FrameDirection::Sent, bytes, describeFrame(FrameRole::Request, bytes));
 }
@@ -76,8 +74,27 @@ void MasterTrace::dropped(const QByteArray &bytes)
     if (!m_sink || bytes.isEmpty())
         return;
     flush();
-    write(FrameDirection::Dropped, bytes,
-          QStringLiteral("not asked for: ") + describeFrame(FrameRole::Reply, bytes));
+    const QByteArray rest = bytes.left(restSize(bytes));
+    const QByteArray others = bytes.mid(rest.size());
+    const QByteArray whole = std::exchange(m_refused, QByteArray()) + rest;
+    if (!rest.isEmpty())
+        write(FrameDirection::Dropped, rest,
+              QStringLiteral("the rest of the frame above: ") +
+                  describeFrame(FrameRole::Reply, whole, m_request));
+    if (!others.isEmpty())
+        write(FrameDirection::Dropped, others,
+              QStringLiteral("not asked for: ") + describeFrame(FrameRole::Reply, others));
+}
+
+// How many of the bytes the frame lacks that was refused after its beginning. Where its own words do not tell
+// its length, all that came with it is its rest.
+int MasterTrace::restSize(const QByteArray &dropped) const
+{
+    if (m_refused.isEmpty())
+        return 0;
+    const bool isEchoed = isEcho(m_refused, m_request);
+    const int size = isEchoed ? m_request.size() : replySize(m_refused + dropped);
+    return size == SizeUnknown ? dropped.size() : std::clamp(size - m_refused.size(), 0, dropped.size());
 }
 
 void MasterTrace::event(const QString &text)
@@ -85,6 +102,7 @@ void MasterTrace::event(const QString &text)
     if (!m_sink)
         return;
     flush();
+    m_refused.clear();
     m_sink(traceEvent(QDateTime::currentDateTime(), text));
 }
 
@@ -92,8 +110,8 @@ void MasterTrace::flush()
 {
     if (!m_sink || m_reply.isEmpty())
         return;
-    const QByteArray bytes = std::exchange(m_reply, QByteArray());
-    write(FrameDirection::Received, bytes, describeFrame(FrameRole::Reply, bytes, m_request));
+    m_refused = std::exchange(m_reply, QByteArray());
+    write(FrameDirection::Received, m_refused, describeFrame(FrameRole::Reply, m_refused, m_request));
 }
 
 void MasterTrace::write(FrameDirection direction, const QByteArray &bytes, const QString &meaning)

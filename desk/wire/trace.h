@@ -8,7 +8,7 @@
 
 /// Traces: one line a frame with the time, the direction, the bytes and what they mean.
 ///
-///     12:34:56.789012 > 01 03 00 00 00 02 C4 0B  station 1, read holding registers, HR1..2 (offset 0, ...
+///     12:34:56.789+01:00 > 01 03 00 00 00 02 C4 0B  station 1, read holding registers, HR1..2 (offset 0, ...
 ///
 /// `text2pcap -r` reads the lines as they stand.
 
@@ -35,15 +35,18 @@ public:
 
     void sent(const QByteArray &bytes);
     void received(const QByteArray &bytes);
-    /// Bytes that nobody asked for and the channel threw away.
+    /// Bytes that the channel threw away: the rest of a reply that was refused before its end, or what nobody
+    /// asked for.
     void dropped(const QByteArray &bytes);
     void event(const QString &text);
     void flush();
 
 private:
     void write(FrameDirection direction, const QByteArray &bytes, const QString &meaning);
+    int restSize(const QByteArray &dropped) const;
 
     TraceSink m_sink;
     QByteArray m_request;
-    QByteArray m_reply;
+    QByteArray m_reply;   // so far
+    QByteArray m_refused; // the reply before what is dropped now
 };

@@ -84,6 +84,11 @@ QStringList knownTexts()
     return texts;
 }
 
+Failure meaningOf(const QString &text)
+{
+    return failureOf(text, CommandRecord());
+}
+
 } // namespace
 
 TEST(Failure, EveryDocumentedTextHasARow)
@@ -102,7 +107,7 @@ TEST(Failure, KindAndExceptionOfEveryText)
 {
     for (const Meaning &meaning : Meanings) {
         const QString text = QString::fromUtf8(meaning.example == nullptr ? meaning.text : meaning.example);
-        const Failure failure = failureOf(text);
+        const Failure failure = meaningOf(text);
         EXPECT_EQ(int(failure.kind), int(meaning.kind)) << text.toStdString();
         EXPECT_EQ(failure.exception, meaning.exception) << text.toStdString();
         EXPECT_EQ(failure.text, text);
@@ -112,8 +117,10 @@ TEST(Failure, KindAndExceptionOfEveryText)
 
 TEST(Failure, AChannelThatDoesNotOpenSpeaksForItself)
 {
+    CommandRecord record;
+    record.add(ChannelEvent::OpenFailed, {}, 0);
     for (const char *const text : {"Connection refused", "PLC no response", ""}) {
-        const Failure failure = failureOf(QLatin1String(text), false);
+        const Failure failure = failureOf(QLatin1String(text), record);
         EXPECT_EQ(int(failure.kind), int(FailureKind::CannotConnect)) << text;
         EXPECT_EQ(failure.text, QLatin1String(text));
         EXPECT_FALSE(failure.advice.isEmpty());
@@ -125,7 +132,7 @@ TEST(Failure, AnyOtherTextIsTheChannels)
 {
     for (const char *const text : {"The remote host closed the connection", "Network operation timed out",
                                    "exception", "a CRC error"}) {
-        EXPECT_EQ(int(failureOf(QLatin1String(text)).kind), int(FailureKind::SendingBroke)) << text;
+        EXPECT_EQ(int(meaningOf(QLatin1String(text)).kind), int(FailureKind::SendingBroke)) << text;
     }
 }
 
@@ -135,6 +142,6 @@ TEST(Failure, GatewaysThatDoNotReachTheStation)
         const bool isAbsent = meaning.exception == modbus::GatewayPathUnavailable ||
                               meaning.exception == modbus::GatewayTargetFailed;
         const QString text = QString::fromUtf8(meaning.example == nullptr ? meaning.text : meaning.example);
-        EXPECT_EQ(failureOf(text).isStationAbsent(), isAbsent) << text.toStdString();
+        EXPECT_EQ(meaningOf(text).isStationAbsent(), isAbsent) << text.toStdString();
     }
 }

@@ -1,10 +1,10 @@
+#include "desk/time_text.h"
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
 #include "desk/wire/trace.h"
 
 #include <gtest/gtest.h>
 
-#include <QRegularExpression>
 #include <QStringList>
 
 #include <ostream>
@@ -28,17 +28,7 @@ std::string reply(const QByteArray &bytes, const QByteArray &asked = QByteArray(
     return describeFrame(FrameRole::Reply, bytes, asked).toStdString();
 }
 
-const QDateTime afternoon(QDate(2024, 3, 1), QTime(13, 5, 9, 7));
-
-// The meaning of each line, without the time.
-struct CollectedTrace {
-    QStringList lines;
-    TraceSink sink()
-    {
-        return [this](const QString &line) { lines.append(line.mid(int(qstrlen("12:34:56.789 ")))); };
-    }
-    std::string at(int index) const { return lines.value(index).toStdString(); }
-};
+const QDateTime afternoon(QDate(2024, 3, 1), QTime(13, 5, 9, 7), Qt::OffsetFromUTC, -5400);
 
 TEST(TraceFrame, CrcOfAKnownRequest)
 {
@@ -218,103 +208,29 @@ TEST(TraceDescribe, AnyBytesMakeOneLine)
 TEST(TraceLine, HasTimeDirectionBytesAndMeaning)
 {
     const QByteArray bytes = QByteArray::fromHex("0103AF");
-    EXPECT_EQ("13:05:09.007 > 01 03 AF  why",
+    EXPECT_EQ("13:05:09.007-01:30 > 01 03 AF  why",
               traceLine(afternoon, FrameDirection::Sent, bytes, "why").toStdString());
-    EXPECT_EQ("13:05:09.007 < 01 03 AF  why",
+    EXPECT_EQ("13:05:09.007-01:30 < 01 03 AF  why",
               traceLine(afternoon, FrameDirection::Received, bytes, "why").toStdString());
-    EXPECT_EQ("13:05:09.007 ! 01 03 AF  why",
+    EXPECT_EQ("13:05:09.007-01:30 ! 01 03 AF  why",
               traceLine(afternoon, FrameDirection::Dropped, bytes, "why").toStdString());
-    EXPECT_EQ("13:05:09.007 - closed", traceEvent(afternoon, "closed").toStdString());
+    EXPECT_EQ("13:05:09.007-01:30 - closed", traceEvent(afternoon, "closed").toStdString());
+}
+
+TEST(TimeText, HasDateAndOffset)
+{
+    EXPECT_EQ("2024-03-01T13:05:09.007-01:30", dateAndTimeText(afternoon).toStdString());
+    EXPECT_EQ("+00:00", utcOffsetText(QDateTime(afternoon.date(), afternoon.time(), Qt::UTC)).toStdString());
+    EXPECT_EQ(
+        "+05:45",
+        utcOffsetText(QDateTime(afternoon.date(), afternoon.time(), Qt::OffsetFromUTC, 20700)).toStdString());
 }
 
 TEST(TraceLine, MeaningIsNoFormat)
 {
-    EXPECT_EQ("13:05:09.007 > 01  %1 %2 50%",
+    EXPECT_EQ("13:05:09.007-01:30 > 01  %1 %2 50%",
               traceLine(afternoon, FrameDirection::Sent, QByteArray(1, '\x01'), "%1 %2 50%").toStdString());
-    EXPECT_EQ("13:05:09.007 - %1 %2", traceEvent(afternoon, "%1 %2").toStdString());
-}
-
-TEST(MasterTrace, PutsAReplyTogether)
-{
-    CollectedTrace collected;
-    MasterTrace trace(collected.sink());
-    const QByteArray answer = frame("01030412340001");
-    trace.sent(frame("010300630002"));
-    EXPECT_EQ(1, collected.lines.size());
-    trace.received(answer.left(5));
-    EXPECT_EQ(1, collected.lines.size());
-    trace.received(answer.mid(5));
-    ASSERT_EQ(2, collected.lines.size());
-    EXPECT_EQ("< 01 03 04 12 34 00 01 7F 45  station 1, read holding registers, HR100..101 (offset 99, "
-              "quantity 2), values 4660 1, CRC good",
-              collected.at(1));
-}
-
-// The byte count of a reply is what a slave claims; the driver reads what it asked for.
-TEST(MasterTrace, WaitsForWhatTheRequestAsksFor)
-{
-    CollectedTrace collected;
-    MasterTrace trace(collected.sink());
-    trace.sent(frame("010300000002"));
-    trace.received(QByteArray::fromHex("0103000001"));
-    EXPECT_EQ(1, collected.lines.size());
-    trace.received(QByteArray::fromHex("02030405"));
-    EXPECT_EQ(2, collected.lines.size());
-}
-
-TEST(MasterTrace, TellsShortRepliesAtOnce)
-{
-    CollectedTrace collected;
-    MasterTrace trace(collected.sink());
-    trace.sent(frame("010300000002"));
-    trace.received(frame("018302"));
-    EXPECT_EQ("< 01 83 02 C0 F1  station 1, read holding registers, exception 2 (illegal data address), "
-              "CRC good",
-              collected.at(1));
-    trace.received(frame("01030400010002").left(5));
-    trace.event("time-out");
-    EXPECT_EQ("< 01 03 04 00 01  station 1, read holding registers, HR1..2 (offset 0, quantity 2), values 1, "
-              "incomplete: 5 of 9 bytes",
-              collected.at(2));
-    EXPECT_EQ("- time-out", collected.at(3));
-}
-
-TEST(MasterTrace, WritesWhatIsPendingBeforeAnythingElse)
-{
-    const QByteArray part = QByteArray::fromHex("0103");
-    CollectedTrace collected;
-    {
-        MasterTrace trace(collected.sink());
-        trace.sent(frame("010300000002"));
-        trace.received(part);
-        trace.sent(frame("010300000002"));
-        EXPECT_EQ('<', collected.at(1).front());
-        trace.received(part);
-        trace.dropped(QByteArray::fromHex("AABBCC"));
-        EXPECT_EQ('<', collected.at(3).front());
-        EXPECT_EQ(0u, collected.at(4).find("! AA BB CC  not asked for: "));
-        trace.received(part);
-    }
-    EXPECT_EQ('<', collected.at(5).front());
-    EXPECT_EQ(6, collected.lines.size());
-}
-
-TEST(MasterTrace, LinesBeginWithTheTime)
-{
-    QString first;
-    MasterTrace trace([&first](const QString &line) { first = line; });
-    trace.event("connected");
-    EXPECT_TRUE(QRegularExpression("^\\d\\d:\\d\\d:\\d\\d\\.\\d\\d\\d - connected$").match(first).hasMatch());
-}
-
-TEST(MasterTrace, WithoutASinkNothingHappens)
-{
-    MasterTrace trace;
-    trace.sent(frame("010300000002"));
-    trace.received(QByteArray::fromHex("0103"));
-    trace.dropped(QByteArray::fromHex("0103"));
-    trace.event("closed");
-    trace.flush();
+    EXPECT_EQ("13:05:09.007-01:30 - %1 %2", traceEvent(afternoon, "%1 %2").toStdString());
 }
 
 } // namespace

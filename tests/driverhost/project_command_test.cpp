@@ -62,7 +62,7 @@ TEST_F(ProjectCommandTest, NeedsNoColumnThatTheDriverDoesNotNeed)
               QStringLiteral("link 1 ETHERNET\nnode 1 1 default\ntag 1 HR1\n"));
 }
 
-TEST_F(ProjectCommandTest, ReplacesNothingButProjectsUnlessForced)
+TEST_F(ProjectCommandTest, ReplacesNothingUnlessForcedAndKeepsTheOldFile)
 {
     write(file("notes"), "dear diary");
     const HostRun refused = make(QString(), "notes");
@@ -70,9 +70,33 @@ TEST_F(ProjectCommandTest, ReplacesNothingButProjectsUnlessForced)
     EXPECT_TRUE(refused.err.contains(QLatin1String("--force"))) << refused.err.toStdString();
     EXPECT_EQ(contents(file("notes")), QByteArray("dear diary"));
 
-    EXPECT_EQ(make(QStringLiteral("--force"), "notes").code, 0);
+    const HostRun forced = make(QStringLiteral("--force"), "notes");
+    EXPECT_EQ(forced.code, 0);
+    EXPECT_EQ(forced.err,
+              QStringLiteral("%1: 1 link, 1 node, 1 tag\nthe old file is %1.bak\n").arg(file("notes")));
     EXPECT_EQ(host(QStringLiteral("project ") + file("notes")).code, 0);
-    EXPECT_EQ(make(QString(), "notes").code, 0) << "a project may be made again";
+    EXPECT_EQ(contents(file("notes.bak")), QByteArray("dear diary"));
+}
+
+TEST_F(ProjectCommandTest, AProjectIsReplacedNoSoonerThanAnythingElse)
+{
+    ASSERT_EQ(make(QString(), "db").code, 0);
+    runStatements(file("db"), {QStringLiteral("CREATE TABLE RECIPES (NAME TEXT)")});
+    const QByteArray old = contents(file("db"));
+    EXPECT_EQ(make(QString(), "db").code, 2);
+    EXPECT_EQ(contents(file("db")), old);
+    EXPECT_EQ(make(QStringLiteral("--force"), "db").code, 0);
+    EXPECT_EQ(contents(file("db.bak")), old);
+    EXPECT_EQ(make(QStringLiteral("--force"), "db").code, 0) << "the backup of a backup is none";
+    EXPECT_NE(contents(file("db.bak")), old);
+}
+
+TEST_F(ProjectCommandTest, ADirectoryIsNotReplaced)
+{
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("db")));
+    const HostRun run = make(QStringLiteral("--force"), "db");
+    EXPECT_EQ(run.code, 2);
+    EXPECT_TRUE(run.err.contains(QLatin1String("db is a directory"))) << run.err.toStdString();
 }
 
 TEST_F(ProjectCommandTest, TouchesNoOtherFileWhileItWrites)

@@ -156,7 +156,7 @@ TEST_F(ReadWriteTest, TakesTheStationOutOfTheAddress)
     const HostRun run = host(QStringLiteral("read TARGET 2-HR100 --timeout 60 --retries 0"));
     EXPECT_EQ(run.code, 4);
     EXPECT_EQ(linesOf(run.err).value(0),
-              QStringLiteral("driverhost: HR100: PLC no response (read 1 word(s) from 2-HR100)"));
+              QStringLiteral("driverhost: 2-HR100: PLC no response (read 1 word(s) from 2-HR100)"));
     EXPECT_EQ(slave.counts().foreign, 1u);
 }
 

@@ -55,8 +55,8 @@ TEST_F(WatchTest, WritesLinesWhereThereIsNoTerminal)
     EXPECT_EQ(run.code, 0);
     const QStringList lines = run.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 6);
-    const QRegularExpression form(
-        QStringLiteral("^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}  (HR1  11|DI3  0)$"));
+    const QRegularExpression form(QStringLiteral(
+        "^\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\\.\\d{3}[-+]\\d\\d:\\d\\d  (HR1  11|DI3  0)$"));
     for (const QString &line : lines)
         EXPECT_TRUE(form.match(line).hasMatch()) << line.toStdString();
     EXPECT_FALSE(run.out.contains(QChar(0x1b)));

@@ -9,7 +9,7 @@ namespace
 
 const char SlavePort[] = "1502";
 // Lines of frames that went over the wire; those that were dropped or have no bytes do not match.
-const char FrameLine[] = "^(?<time>[0-9:.]+) (?<dir>[<>]) (?<data>(?:[0-9A-F]{2} )+)";
+const char FrameLine[] = "^(?<time>[0-9:.]+)[-+][0-9:]+ (?<dir>[<>]) (?<data>(?:[0-9A-F]{2} )+)";
 
 QByteArray outputOf(const QString &program, const QStringList &arguments, QString &error)
 {

@@ -47,6 +47,14 @@ QByteArray ScriptedPeer::receive(int size)
     return bytes.left(received < 0 ? 0 : static_cast<int>(received));
 }
 
+void ScriptedPeer::reset()
+{
+    const linger atOnce = {1, 0};
+    setsockopt(connection, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    ::close(connection);
+    connection = -1;
+}
+
 void ScriptedPeer::send(const QByteArray &bytes)
 {
     [[maybe_unused]] const ssize_t sent =

@@ -25,6 +25,8 @@ public:
     /// For the script: the next \a size bytes; fewer when the connection ends.
     QByteArray receive(int size);
     void send(const QByteArray &bytes);
+    /// Cuts the connection off.
+    void reset();
 
 private:
     int listener = -1;

@@ -2,12 +2,14 @@
 
 #include "apps/driverhost/console/command_line.h"
 #include "apps/driverhost/console/messages.h"
+#include "desk/items/number_text.h"
 #include "desk/project/device_text.h"
 #include "desk/project/project_file.h"
 #include "desk/project/project_list.h"
 #include "desk/project/project_why.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace
 {
@@ -28,15 +30,34 @@ const CommandLine::Texts Texts = {
     "  driverhost project --why ETHERNET project.db",
 };
 
-// Whether \a path may be written: not when it holds something else, unless told so.
-bool mayReplace(const QString &path, bool isForced)
+// Whatever is at \a path is replaced only when that was asked for, and kept beside it. The backup's path,
+// empty when there was nothing to keep.
+Result<QString> clearWay(const QString &path, bool isForced)
 {
-    if (isForced || !QFile::exists(path) || readProjectFile(path))
-        return true;
-    reportError(
-        QStringLiteral("%1 is there and no project database; nothing is written (--force replaces it)")
-            .arg(path));
-    return false;
+    const QFileInfo old(path);
+    if (!old.exists() && !old.isSymLink())
+        return QString();
+    if (old.isDir())
+        return Error{QStringLiteral("%1 is a directory; nothing is written").arg(path)};
+    if (!isForced)
+        return Error{
+            QStringLiteral("%1 is there already; nothing is written (--force replaces it and keeps the "
+                           "old file as %1.bak)")
+                .arg(path)};
+    const QString backup = path + QStringLiteral(".bak");
+    QFile::remove(backup);
+    QFile file(path);
+    if (file.copy(backup))
+        return backup;
+    return Error{QStringLiteral("cannot keep the old file as %1: %2; nothing is written")
+                     .arg(backup, file.errorString())};
+}
+
+QString contentsText(const Project &project)
+{
+    return QStringList{counted(project.links.size(), "link"), counted(project.nodes.size(), "node"),
+                       counted(project.tags.size(), "tag")}
+        .join(QStringLiteral(", "));
 }
 
 int makeProject(const QString &listPath, const QString &path, bool isForced)
@@ -51,16 +72,19 @@ int makeProject(const QString &listPath, const QString &path, bool isForced)
         reportError(QStringLiteral("%1: %2; nothing is written").arg(listPath, project.errorText()));
         return UsageError;
     }
-    if (!mayReplace(path, isForced))
+    const Result<QString> backup = clearWay(path, isForced);
+    if (!backup) {
+        reportError(backup.errorText());
         return UsageError;
+    }
     const Result<> written = writeProjectFile(path, *project);
     if (!written) {
         reportError(written.errorText());
         return OtherFailure;
     }
-    report(QStringLiteral("%1: %2 links, %3 nodes, %4 tags")
-               .arg(path, QString::number(project->links.size()), QString::number(project->nodes.size()),
-                    QString::number(project->tags.size())));
+    report(QStringLiteral("%1: %2").arg(path, contentsText(*project)));
+    if (!backup->isEmpty())
+        report(QStringLiteral("the old file is %1").arg(*backup));
     return Success;
 }
 
@@ -90,7 +114,8 @@ Job prepareProject(const QStringList &arguments)
     line.addOptions({
         {QStringLiteral("make"), QStringLiteral("Make FILE from this list. A bad list makes nothing."),
          QStringLiteral("LIST")},
-        {QStringLiteral("force"), QStringLiteral("Let --make replace a FILE that is no project database.")},
+        {QStringLiteral("force"),
+         QStringLiteral("Let --make replace a FILE that is there; the old one is kept as FILE.bak.")},
         {QStringLiteral("why"),
          QStringLiteral(
              "Explain what the driver does with FILE for this device text, such as ETHERNET or COM1. FILE "

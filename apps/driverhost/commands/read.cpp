@@ -34,9 +34,10 @@ int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat
         if (const std::optional<QByteArray> data = session.read(reading.items)) {
             const std::vector<ValueRow> more = rowsOf(reading, *data, station);
             rows.insert(rows.end(), more.begin(), more.end());
+            reportOddSuccess(session, labelOf(reading));
             continue;
         }
-        reportFailure(session, reading.items);
+        reportFailure(session, labelOf(reading));
         const ExitCode failure = exitCodeOf(session.failure());
         code = code == Success ? failure : code;
         if (failure == CannotConnect || failure == DatabaseError)

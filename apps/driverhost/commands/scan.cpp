@@ -58,7 +58,7 @@ int scanStations(Session &session, const Limits &limits, const Items &probe)
             const Failure failure = session.failure();
             const ExitCode failureCode = exitCodeOf(failure);
             if (failureCode == CannotConnect || failureCode == DatabaseError) {
-                reportFailure(session, items);
+                reportFailure(session, items.label(0));
                 code = failureCode;
                 break;
             }
@@ -104,7 +104,7 @@ int scanRanges(Session &session, const Limits &limits, const Items &probe)
     }
     const bool hasFailed = !isComplete && !StopSignal::raised();
     if (hasFailed)
-        reportFailure(session, scan.lastItems());
+        reportFailure(session, scan.lastItems().label(0));
     const QStringList found = scan.found();
     report(
         QStringLiteral("%1 ranges found up to %2%3")

@@ -98,7 +98,7 @@ void TagReader::fail(const Reading &reading)
 {
     if (StopSignal::raised())
         return;
-    reportFailure(m_session, reading.items);
+    reportFailure(m_session, labelOf(reading));
     m_code = m_code == Success ? exitCodeOf(m_session.failure()) : m_code;
 }
 

@@ -4,8 +4,8 @@
 #include "apps/driverhost/console/terminal.h"
 #include "desk/live/watched_value.h"
 #include "desk/output/table.h"
+#include "desk/time_text.h"
 
-#include <QDateTime>
 #include <QElapsedTimer>
 
 #include <algorithm>
@@ -39,7 +39,7 @@ public:
     }
     bool addFailure(size_t /*reading*/, const QString &error) override
     {
-        reportError(QDateTime::currentDateTime().toString(Qt::ISODateWithMs) + QLatin1Char(' ') + error);
+        reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
         return m_isOpen;
     }
     bool endRound() override { return m_isOpen; }
@@ -118,9 +118,9 @@ private:
             if (!m_states[i].error.isEmpty() && !errors.contains(m_states[i].error))
                 errors += m_states[i].error;
         }
-        const QString head = QStringLiteral("%1  round %2  %3")
-                                 .arg(m_title, QString::number(m_rounds),
-                                      QTime::currentTime().toString(QStringLiteral("HH:mm:ss")));
+        const QString head =
+            QStringLiteral("%1  round %2  %3")
+                .arg(m_title, QString::number(m_rounds), clockText(QDateTime::currentDateTime()));
         return QStringList{head} + table.lines() + errors;
     }
     QStringList cells(const Reading::Shown &shown, const State &state, const WatchedValue &value) const

@@ -3,6 +3,7 @@
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
 #include "desk/items/item_data.h"
+#include "desk/items/number_text.h"
 #include "desk/items/portions.h"
 #include "desk/link/dry_run_channel.h"
 #include "desk/link/write_report.h"
@@ -89,7 +90,7 @@ int verify(Session &session, const WriteRequest &request)
     for (const Items &portion : portionsOf(request.items)) {
         const std::optional<QByteArray> data = session.read(portion);
         if (!data) {
-            reportFailure(session, portion);
+            reportFailure(session, portion.label(0));
             return exitCodeOf(session.failure());
         }
         const std::vector<quint32> values = valuesIn(*data, portion);
@@ -125,14 +126,15 @@ int writeAll(Session &session, const WriteRequest &request, bool isVerified)
     }
     if (!isConfirmed) {
         const QStringList written = writtenBeforeFailure(session.exchanges());
-        reportFailure(session, request.items);
+        reportFailure(session, request.items.label(0));
         for (const QString &line : written)
             report(QStringLiteral("  ") + line);
         return exitCodeOf(session.failure());
     }
+    reportOddSuccess(session, request.items.label(0));
     report(
         QStringLiteral("%1: wrote %2 of kind %3")
-            .arg(request.items.label(0), QString::number(request.values.size()), nameOf(request.items.kind)));
+            .arg(request.items.label(0), counted(request.items.count, "item"), nameOf(request.items.kind)));
     return isVerified ? verify(session, request) : Success;
 }
 
@@ -142,7 +144,7 @@ int showFrames(Session &session, const WriteRequest &request)
     DryRunChannel channel(session.stationFor(request.items), session.channel().deviceSetting()->deviceString);
     const QByteArray data = dataOf(request.values, request.items.kind);
     if (!session.driver()->write(&channel, request.items.command(), data)) {
-        reportFailure(session, request.items);
+        reportFailure(session, request.items.label(0));
         return exitCodeOf(session.failure());
     }
     QStringList lines;

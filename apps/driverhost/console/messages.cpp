@@ -1,5 +1,6 @@
 #include "apps/driverhost/console/messages.h"
 
+#include "desk/items/number_text.h"
 #include "desk/items/portions.h"
 
 #include <cerrno>
@@ -15,11 +16,45 @@ void report(const QString &text)
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
-void reportFailure(Session &session, const Items &items)
+namespace
+{
+
+// "4 attempts, time-out 3000 ms"; empty where nothing was tried.
+QString attemptsText(const Session &session, FailureKind kind)
+{
+    const int attempts = session.lastCommand().attempts();
+    if (attempts == 0)
+        return {};
+    const QString text = counted(attempts, "attempt");
+    if (kind == FailureKind::NoReply || kind == FailureKind::Cut)
+        return text + QStringLiteral(", time-out %1 ms").arg(session.settings().timeout);
+    if (kind == FailureKind::CannotConnect)
+        return text +
+               QStringLiteral(", time-out for connecting %1 ms").arg(session.settings().connectTimeout);
+    return text;
+}
+
+} // namespace
+
+void reportFailure(Session &session, const QString &label)
 {
     const Failure failure = session.failure();
-    reportError(QStringLiteral("%1: %2").arg(items.label(0), failure.text));
+    reportError(QStringLiteral("%1: %2").arg(label, failure.text));
     report(QStringLiteral("  check: ") + failure.advice);
+    const QString attempts = attemptsText(session, failure.kind);
+    if (!attempts.isEmpty())
+        report(QStringLiteral("  ") + attempts);
+}
+
+void reportOddSuccess(const Session &session, const QString &label)
+{
+    const CommandRecord &command = session.lastCommand();
+    if (command.attempts() > 1)
+        report(QStringLiteral("%1: answered at attempt %2 of %3")
+                   .arg(label, QString::number(command.attempts()),
+                        QString::number(session.settings().retries + 1)));
+    if (command.isEchoed())
+        report(QStringLiteral("%1: the reply equals the request: does the line echo?").arg(label));
 }
 
 void reportBroadcast(int station)

@@ -11,8 +11,11 @@ void reportError(const QString &text);
 /// The text as it stands.
 void report(const QString &text);
 
-/// The session's failure with \a items: the driver's text as it stands, and what to look at next.
-void reportFailure(Session &session, const Items &items);
+/// The session's failure with what the table calls \a label: the driver's text as it stands, what to look at
+/// next, and how often it was tried.
+void reportFailure(Session &session, const QString &label);
+/// What is odd about a command that has succeeded: it took several attempts, or its reply is an echo.
+void reportOddSuccess(const Session &session, const QString &label);
 /// Says what to expect of station 0.
 void reportBroadcast(int station);
 /// Says which items are more than one request carries.

@@ -1,0 +1,73 @@
+#include "desk/link/command_record.h"
+
+#include "desk/wire/rtu_frame.h"
+
+void CommandRecord::begin(int station, qint64 now)
+{
+    *this = CommandRecord();
+    m_station = station;
+    m_beganAt = now;
+    m_sentAt = now;
+}
+
+void CommandRecord::add(ChannelEvent event, const QByteArray &bytes, qint64 now)
+{
+    switch (event) {
+    case ChannelEvent::Opened:
+        m_hasOpened = true;
+        ++m_openings;
+        break;
+    case ChannelEvent::OpenFailed:
+        m_hasOpened = false;
+        ++m_failedOpenings;
+        ++m_attempts;
+        break;
+    case ChannelEvent::Sent: addSent(bytes, now); break;
+    case ChannelEvent::Received: addReceived(bytes, now); break;
+    case ChannelEvent::Discarded: m_discardedBytes += bytes.size(); break;
+    case ChannelEvent::ClosedByOther:
+    case ChannelEvent::ResetByOther: addEnd(); break;
+    case ChannelEvent::Closed: break;
+    }
+}
+
+void CommandRecord::end(qint64 now, bool isGivenUp)
+{
+    m_endedAt = now;
+    if (!m_exchanges.empty())
+        m_exchanges.back().isGivenUp = isGivenUp;
+}
+
+bool CommandRecord::isEndedByOther() const
+{
+    return !m_exchanges.empty() && outcomeOf(m_exchanges.back()) == Outcome::ConnectionEnded;
+}
+
+bool CommandRecord::isEchoed() const
+{
+    return !m_exchanges.empty() && isEcho(m_exchanges.back().reply, m_exchanges.back().request);
+}
+
+// Every attempt begins with the same request, and no other request of the command is equal to that.
+void CommandRecord::addSent(const QByteArray &bytes, qint64 now)
+{
+    if (m_exchanges.empty() || bytes == m_exchanges.front().request)
+        ++m_attempts;
+    m_exchanges.push_back({bytes, {}});
+    m_sentAt = now;
+}
+
+void CommandRecord::addReceived(const QByteArray &bytes, qint64 now)
+{
+    if (!m_exchanges.empty())
+        m_exchanges.back().reply += bytes;
+    m_latency = now - m_sentAt;
+}
+
+// An end that is noticed before anything was sent is that of a connection that has been idle.
+void CommandRecord::addEnd()
+{
+    ++m_endsByOther;
+    if (!m_exchanges.empty())
+        m_exchanges.back().isEndedByOther = true;
+}
