@@ -32,7 +32,7 @@ Result<ByteOrder> orderOf(const Address &address, const ValueType &type, const Q
     order.isHighWordFirst = order.isHighWordFirst || address.highWordFirst;
     if (name.isEmpty())
         return order;
-    const Result<ByteOrder> named = parseOrder(name, type);
+    Result<ByteOrder> named = parseOrder(name, type);
     if (!named || named->isHighWordFirst || !address.highWordFirst)
         return named;
     return Error{
@@ -137,6 +137,7 @@ std::vector<QByteArray> valuesIn(const QByteArray &data, const TypedItems &typed
     if (typed.items.kind != BitItem && typed.items.kind != ByteItem)
         return valuesIn(registersIn(data), typed.type, orderInData(typed), typed.count);
     std::vector<QByteArray> values;
+    values.reserve(static_cast<size_t>(typed.count));
     for (int i = 0; i < typed.count; ++i)
         values.push_back(typed.items.kind == ByteItem ? data.mid(i, 1)
                                                       : QByteArray(1, getBit(data, i) ? '\1' : '\0'));
