@@ -18,6 +18,15 @@ int maxInOneRequest(const Items &items)
     return items.kind == DoubleWordItem ? modbus::MaxReadRegisters / 2 : modbus::MaxReadRegisters;
 }
 
+// Whole values a portion.
+int maxInOneRequest(const TypedItems &typed)
+{
+    const int max = maxInOneRequest(typed.items);
+    if (typed.items.kind != WordItem)
+        return max;
+    return typed.type.isByte() ? max * modbus::RegisterBytes : max / typed.type.registers();
+}
+
 } // namespace
 
 std::vector<Items> portionsOf(const Items &items)
@@ -30,6 +39,20 @@ std::vector<Items> portionsOf(const Items &items)
         Items portion = items;
         portion.address = items.addressOf(first);
         portion.count = std::min(max, items.count - first);
+        portions.push_back(portion);
+    }
+    return portions;
+}
+
+std::vector<TypedItems> portionsOf(const TypedItems &typed)
+{
+    std::vector<TypedItems> portions;
+    const int max = maxInOneRequest(typed);
+    for (int first = 0; first < typed.count; first += max) {
+        TypedItems portion = typed;
+        portion.address = typed.addressOf(first);
+        portion.count = std::min(max, typed.count - first);
+        portion.items = itemsOf(portion);
         portions.push_back(portion);
     }
     return portions;

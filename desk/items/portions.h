@@ -1,8 +1,9 @@
 #pragma once
 
-#include "desk/items/items.h"
+#include "desk/items/typed_items.h"
 
 #include <vector>
 
 /// The same items in portions that one request each can read.
 std::vector<Items> portionsOf(const Items &items);
+std::vector<TypedItems> portionsOf(const TypedItems &typed);
