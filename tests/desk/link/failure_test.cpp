@@ -35,6 +35,7 @@ const Meaning Meanings[] = {
     {"0x04", FailureKind::Exception, "exception code:0x04", modbus::ServerDeviceFailure},
     {"0x05", FailureKind::Exception, "exception code:0x05", modbus::Acknowledge},
     {"0x06", FailureKind::Exception, "exception code:0x06", modbus::ServerDeviceBusy},
+    {"0x07", FailureKind::Exception, "exception code:0x07", modbus::NegativeAcknowledge},
     {"0x08", FailureKind::Exception, "exception code:0x08", modbus::MemoryParityError},
     {"0x0A", FailureKind::Exception, "exception code:0x0A", modbus::GatewayPathUnavailable},
     {"0x0B", FailureKind::Exception, "exception code:0x0B", modbus::GatewayTargetFailed},

@@ -139,7 +139,7 @@ TEST(SlaveConnection, TracesWhatItDoes)
     SlaveOptions options;
     options.trace = [&](const QString &line) {
         const QMutexLocker locker(&mutex);
-        lines.append(line.mid(int(qstrlen("12:34:56.789 "))));
+        lines.append(line.mid(int(qstrlen("12:34:56.789+00:00 "))));
     };
     RunningSlave slave(options);
     slave.inject({Fault::WrongCrc, -1});
