@@ -18,7 +18,7 @@ const int LongestRun = 60000;
 QStringList judgedLines()
 {
     QProcess python;
-    python.start(QStringLiteral("/usr/bin/python3"), {sourceFile("tests/desk/pymodbus_values.py")});
+    python.start(QStringLiteral("/usr/bin/python3"), {sourceFile("tests/desk/types/pymodbus_values.py")});
     python.waitForFinished(LongestRun);
     EXPECT_EQ(python.readAllStandardError().toStdString(), "");
     return QString::fromUtf8(python.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
