@@ -1,22 +1,11 @@
 #pragma once
 
+#include "drivers/modbus_rtu_slave_over_tcp/limits.h"
 #include "drivers/tools/command_data.h"
 #include "host/abstract_device_interface.h"
 
 /// \file
 /// What every request of the driver shares.
-
-/// The most registers and bits in one read. The protocol ends at 2000 bits ("MODBUS Application Protocol
-/// V1.1b3", 6.1); 2008 still fit the reply buffer, and there are slaves that serve them.
-const int MaxRegistersRead = 125;
-const int MaxBitsRead = 2008;
-/// The most registers and coils in one write. The protocol ends at 1968 coils ("MODBUS Application Protocol
-/// V1.1b3", 6.11); 1976 are 247 bytes of data, which slaves without that limit take.
-const unsigned int MaxRegistersWritten = 123;
-const unsigned int MaxCoilsWritten = 1976;
-
-/// One past the last address of an area.
-const unsigned int AddressSpace = 65536;
 
 /// Where the data of a read's reply begins: after station, function and byte count.
 const int ReadDataStart = 3;

@@ -46,7 +46,7 @@ private:
     /// The longest reply: the 256 bytes of 2008 bits, and one to spare.
     typedef unsigned char Reply[257];
 
-    // Error state: comm_error.cpp
+    // Error state: error_state.cpp
     void clearError();
     void setCommError(const QString &text);
     bool fail(const QString &text);
@@ -66,7 +66,7 @@ private:
     bool failAndClose(AbstractDeviceInterface *device, const QString &text);
     bool failAndClose(AbstractDeviceInterface *device, const char *text);
 
-    // Attempts and dispatch: attempt.cpp, attempt.h, read.cpp, write.cpp
+    // Attempts and dispatch: retry_loop.cpp, retry_loop.h, read.cpp, write.cpp
     bool loadProjectOnce(AbstractDeviceInterface *device);
     template <typename Transfer>
     bool attempt(AbstractDeviceInterface *device, const CommunicatorCommand &command, Transfer transfer);

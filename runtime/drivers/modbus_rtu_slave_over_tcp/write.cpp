@@ -1,8 +1,8 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
-#include "drivers/modbus_rtu_slave_over_tcp/attempt.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
+#include "drivers/modbus_rtu_slave_over_tcp/retry_loop.h"
 #include "drivers/tools/command_data.h"
 
 namespace

@@ -1,4 +1,4 @@
-#include "drivers/modbus_rtu_slave_over_tcp/attempt.h"
+#include "drivers/modbus_rtu_slave_over_tcp/retry_loop.h"
 
 #include "drivers/device_setting.h"
 #include "drivers/tools/command_data.h"
