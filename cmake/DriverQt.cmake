@@ -1,4 +1,4 @@
-# The Qt line to build on, behind the same names for both: DriverQt::Core and DriverQt::Sql.
+# The Qt line to build on, under the same names for both: DriverQt::Core and DriverQt::Sql.
 
 set(DRIVER_QT 5 CACHE STRING "Qt line: 5 (desk) or 4 (panel)")
 set_property(CACHE DRIVER_QT PROPERTY STRINGS 5 4)

@@ -37,7 +37,7 @@ QString helpText()
                     .arg(QLatin1String(subcommand.name), -8)
                     .arg(QLatin1String(subcommand.summary));
     return text +
-           QStringLiteral("\n\"driverhost SUBCOMMAND --help\" tells more. Exit codes: 0 success, 1 other "
+           QStringLiteral("\n\"driverhost SUBCOMMAND --help\" says more. Exit codes: 0 success, 1 other "
                           "failure, 2 usage,\n3 cannot connect, 4 no or broken reply, 5 exception reply, "
                           "6 project database,\n7 not verified, 130 interrupted, 141 output closed.\n");
 }

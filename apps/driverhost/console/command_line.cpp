@@ -115,7 +115,7 @@ int CommandLine::reportUsageError() const
 
 QString CommandLine::helpText() const
 {
-    // The parser would begin with the program's path and knows no subcommands.
+    // The parser would start with the program's path and knows no subcommands.
     const QString parsers = m_parser.helpText();
     const QString options = parsers.mid(parsers.indexOf(QLatin1String("Options:")));
     return QStringLiteral("Usage: driverhost %1 [options] %2\n\n%3\n\n%4\nExample:\n%5\n")
