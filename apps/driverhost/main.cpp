@@ -21,6 +21,7 @@ const Subcommand Subcommands[] = {
     {"watch", "Read values again and again", prepareWatch},
     {"tags", "Read all tags of a project", prepareTags},
     {"scan", "Find stations, or the addresses that a slave has", prepareScan},
+    {"target", "Keep targets by name", prepareTarget},
     {"project", "Make, print and explain project databases", prepareProject},
     {"slave", "Be a slave, also a faulty one", prepareSlave},
     {"demo", "Show the plug-in at work against a slave of its own", prepareDemo},
