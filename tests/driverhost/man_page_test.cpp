@@ -74,7 +74,7 @@ TEST(ManualPage, DescribesEveryOptionOfEverySubcommandAndNoOther)
 {
     const QMap<QString, Options> sections = documented();
     const QStringList names = subcommands();
-    ASSERT_EQ(names.size(), 10);
+    ASSERT_EQ(names.size(), 11);
     for (const QString &name : names) {
         Options expected = sections.value(name);
         if (QStringList{"read", "write", "watch", "tags", "scan"}.contains(name))
@@ -92,7 +92,7 @@ TEST(ManualPage, DescribesEveryExitCode)
 {
     const QString page = manualPage();
     for (const int code : {Success, OtherFailure, UsageError, CannotConnect, NoReply, ExceptionReply,
-                           DatabaseError, NotVerified, Interrupted, OutputClosed})
+                           DatabaseError, NotVerified, FoundDifferent, Interrupted, OutputClosed})
         EXPECT_TRUE(page.contains(QStringLiteral(".It %1\n").arg(code))) << code;
 }
 
