@@ -148,11 +148,11 @@ Job prepareScan(const QStringList &arguments)
 
     QStringList words = line.words();
     LinkSettings link = linkSettings(line, words);
-    if (!line.isSet("timeout"))
+    if (!line.isGiven("timeout"))
         link.channel.timeout = GentleTimeout;
-    if (!line.isSet("retries"))
+    if (!line.isGiven("retries"))
         link.channel.retries = 0;
-    if (!line.isSet("delay"))
+    if (!line.isGiven("delay"))
         link.channel.delay = GentleDelay;
     if (words.size() != 1)
         line.addError(QStringLiteral("expected one thing to scan: stations, HR, IR, DI or DO"));
