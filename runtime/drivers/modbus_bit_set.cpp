@@ -1,14 +1,7 @@
 #include "drivers/modbus_bit_set.h"
 
+#include "drivers/address_marks.h"
 #include "drivers/tools/tool_assert.h"
-
-namespace
-{
-
-const unsigned int AddressCount = 65536;
-const unsigned int AddressesPerWord = 32;
-
-} // namespace
 
 int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
 {
@@ -31,18 +24,8 @@ int ModbusBitSet::setContains(const UShortVector &set, int l, ushort value)
 // move about for nothing.
 void ModbusBitSet::setSort(UShortVector &set)
 {
-    quint32 marks[AddressCount / AddressesPerWord] = {};
+    AddressMarks marks;
     for (UShortVector::const_iterator address = set.begin(); address != set.end(); ++address)
-        marks[*address / AddressesPerWord] |= 1u << (*address % AddressesPerWord);
-
-    auto end = set.begin();
-    for (unsigned int first = 0; first < AddressCount; first += AddressesPerWord) {
-        unsigned int address = first;
-        for (quint32 left = marks[first / AddressesPerWord]; left != 0; left >>= 1, ++address) {
-            if ((left & 1) != 0)
-                *end++ = static_cast<ushort>(address);
-        }
-    }
-    // A copy has just its size; shrink_to_fit() may do nothing in a build without exceptions.
-    UShortVector(set.begin(), end).swap(set);
+        marks.mark(*address);
+    marks.addresses().swap(set);
 }

@@ -93,10 +93,22 @@ unsigned short addressIn(const QString &text)
     return zeroBased(static_cast<unsigned int>(ExtractPLCDeviceAddress(text, 10)));
 }
 
+void mark(std::unique_ptr<AddressMarks> &marks, unsigned short address)
+{
+    if (!marks)
+        marks.reset(new AddressMarks);
+    marks->mark(address);
+}
+
+UShortVector addressesOf(const std::unique_ptr<AddressMarks> &marks)
+{
+    return marks ? marks->addresses() : UShortVector();
+}
+
 } // namespace
 
 UsedBits::UsedBits(unsigned char stationOfLink, const QRegExp &stationPattern)
-    : defaultStation(stationOfLink), pattern(stationPattern), setsOfStations(256)
+    : defaultStation(stationOfLink), pattern(stationPattern), stations(256)
 {
 }
 
@@ -130,15 +142,20 @@ void UsedBits::addByRules(const QString &text)
     }
 }
 
-QMap<unsigned char, ModbusBitSet> UsedBits::sortedByStation()
+QMap<unsigned char, ModbusBitSet> UsedBits::sortedByStation() const
 {
     QMap<unsigned char, ModbusBitSet> map;
-    for (size_t station = 0; station < setsOfStations.size(); ++station) {
-        ModbusBitSet &set = setsOfStations[station];
-        if (set.DISet().empty() && set.DOSet().empty())
+    for (size_t station = 0; station < stations.size(); ++station) {
+        const UShortVector inputs = addressesOf(stations[station].inputs);
+        const UShortVector coils = addressesOf(stations[station].coils);
+        if (inputs.empty() && coils.empty())
             continue;
-        set.DISetSort();
-        set.DOSetSort();
+        ModbusBitSet set;
+        for (auto address = inputs.begin(); address != inputs.end(); ++address)
+            set.DISetPush(*address);
+        for (auto address = coils.begin(); address != coils.end(); ++address)
+            set.DOSetPush(*address);
+        // The copy has just the size of its addresses.
         map.insert(static_cast<unsigned char>(station), set);
     }
     return map;
@@ -146,10 +163,10 @@ QMap<unsigned char, ModbusBitSet> UsedBits::sortedByStation()
 
 void UsedBits::validBitAddressesMapInsertDI(unsigned char station, unsigned short address)
 {
-    setsOfStations[station].DISetPush(address);
+    mark(stations[station].inputs, address);
 }
 
 void UsedBits::validBitAddressesMapInsertDO(unsigned char station, unsigned short address)
 {
-    setsOfStations[station].DOSetPush(address);
+    mark(stations[station].coils, address);
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "drivers/address_marks.h"
 #include "drivers/modbus_bit_set.h"
 
 #include <QMap>
 #include <QRegExp>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
 /// Collects the coils and discrete inputs that the tags of a project use, by station.
@@ -24,16 +26,22 @@ public:
     void add(const QString &text);
 
     /// The sets of all stations that have any, sorted.
-    QMap<unsigned char, ModbusBitSet> sortedByStation();
+    QMap<unsigned char, ModbusBitSet> sortedByStation() const;
 
 private:
     void addByRules(const QString &text);
     void validBitAddressesMapInsertDI(unsigned char station, unsigned short address);
     void validBitAddressesMapInsertDO(unsigned char station, unsigned short address);
 
+    /// Nothing is kept of an area without used bits.
+    struct Station {
+        std::unique_ptr<AddressMarks> inputs;
+        std::unique_ptr<AddressMarks> coils;
+    };
+
     unsigned char defaultStation;
     QRegExp pattern;
     /// One for each station there can be, at its number: a search in a map would cost more than the rest of a
     /// tag.
-    std::vector<ModbusBitSet> setsOfStations;
+    std::vector<Station> stations;
 };
