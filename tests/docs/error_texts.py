@@ -26,7 +26,7 @@ def raised_texts(tree):
     texts = set()
     for path in sorted((tree / "runtime" / "drivers").rglob("*.cpp")):
         source = path.read_text()
-        for name in ("setCommError", "fail", "failAndClose"):
+        for name in ("setCommError", "fail", "failAndClose", "canStart"):
             for arguments in calls(source, name):
                 texts.update(LITERAL.findall(arguments)[:1])
         for arguments in calls(source, "TOOL_ASSERT"):

@@ -67,7 +67,8 @@ private:
     bool failAndClose(AbstractDeviceInterface *device, const char *text);
 
     // Attempts and dispatch: retry_loop.cpp, retry_loop.h, read.cpp, write.cpp
-    bool loadProjectOnce(AbstractDeviceInterface *device);
+    bool canStart(AbstractDeviceInterface *device, const CommunicatorCommand &command, const char *refusal);
+    bool refuseLongAddress(const CommunicatorCommand &command, const char *refusal);
     template <typename Transfer>
     bool attempt(AbstractDeviceInterface *device, const CommunicatorCommand &command, Transfer transfer);
     bool canTransfer(AbstractDeviceInterface *device, const CommunicatorCommand &command);

@@ -8,7 +8,7 @@
 QByteArray DriverModbusRtuSlaveOverTcp::read(AbstractDeviceInterface *device,
                                              const CommunicatorCommand &command)
 {
-    if (!loadProjectOnce(device))
+    if (!canStart(device, command, "can't read %1 bits from %2"))
         return QByteArray();
 
     QByteArray area;

@@ -3,6 +3,7 @@
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
 #include "drivers/modbus_rtu_slave_over_tcp/bit_runs.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
+#include "drivers/modbus_rtu_slave_over_tcp/memory_check.h"
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "drivers/tools/bit_array.h"
 #include "drivers/tools/command_data.h"
@@ -62,7 +63,7 @@ QByteArray DriverModbusRtuSlaveOverTcp::readUsedBits(AbstractDeviceInterface *de
                                                      int count)
 {
     const qint64 bitCount = qint64(8) * count;
-    if (bitCount > std::numeric_limits<int>::max())
+    if (bitCount > std::numeric_limits<int>::max() || !hasMemoryFor(count))
         return refuseBitRead(bitCount, area, offset);
     if (count < 1)
         return QByteArray();

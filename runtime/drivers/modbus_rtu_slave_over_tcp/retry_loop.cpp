@@ -6,6 +6,8 @@
 namespace
 {
 
+const int ShownOfLongAddress = 100;
+
 bool isSupported(int dataType)
 {
     return dataType >= BitItem && dataType <= SecondBitItem && dataType != EightByteItem;
@@ -13,9 +15,10 @@ bool isSupported(int dataType)
 
 } // namespace
 
-bool DriverModbusRtuSlaveOverTcp::loadProjectOnce(AbstractDeviceInterface *device)
+bool DriverModbusRtuSlaveOverTcp::refuseLongAddress(const CommunicatorCommand &command, const char *refusal)
 {
-    return dbLoaded || readDB(device->deviceSetting()->deviceString);
+    return fail(QString::fromLatin1(refusal).arg(QString::number(command.count),
+                                                 command.address.left(ShownOfLongAddress)));
 }
 
 bool DriverModbusRtuSlaveOverTcp::canTransfer(AbstractDeviceInterface *device,

@@ -25,7 +25,7 @@ QByteArray sizedData(const CommunicatorCommand &command, const QByteArray &data)
 bool DriverModbusRtuSlaveOverTcp::write(AbstractDeviceInterface *device, const CommunicatorCommand &command,
                                         const QByteArray &data)
 {
-    if (!loadProjectOnce(device))
+    if (!canStart(device, command, "can't write %1 bits to %2"))
         return false;
 
     QByteArray area;
