@@ -5,6 +5,10 @@
 #include <QFile>
 #include <QSqlDatabase>
 
+#include <cstdlib>
+#include <sys/stat.h>
+#include <unistd.h>
+
 // The load of the project database with the first command.
 
 namespace
@@ -35,6 +39,13 @@ protected:
         EXPECT_EQ(channel.calls().size(), 1u);
         EXPECT_EQ(channel.count(ScriptedChannel::GetDeviceSetting), 1);
         return driver.getLastError().toUtf8().constData();
+    }
+
+    // Ends the process: with 0 when a load could not open the database, with an alarm when it hangs.
+    void loadSoon()
+    {
+        alarm(20);
+        std::exit(load() == CanNotOpen ? EXIT_SUCCESS : EXIT_FAILURE);
     }
 
     // The connection that the driver registered.
@@ -165,6 +176,20 @@ TEST_F(FirstUse, AFolderInPlaceOfTheFile)
     program.mkpath(text("compile/database/database"));
     EXPECT_EQ(load(), CanNotOpen);
     program.rmdir(text("compile/database/database"));
+}
+
+// Nobody is at the other end of the pipe, and a device may have nothing to say: neither is waited for.
+TEST_F(FirstUse, APipeOrADeviceInPlaceOfTheFile)
+{
+    const QByteArray path = QFile::encodeName(ProjectDatabase::path());
+    ProjectDatabase::makeFolders();
+    ASSERT_EQ(mkfifo(path.constData(), 0600), 0);
+    EXPECT_EXIT(loadSoon(), testing::ExitedWithCode(0), "");
+    QFile::remove(ProjectDatabase::path());
+
+    ASSERT_TRUE(QFile::link(text("/dev/null"), ProjectDatabase::path()));
+    EXPECT_EQ(load(), CanNotOpen);
+    EXPECT_EQ(load(), NoStation);
 }
 
 TEST_F(FirstUse, ALinkThatLeadsNowhere)

@@ -4,6 +4,7 @@
 #include "drivers/tools/project_lookup.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -14,12 +15,12 @@ namespace
 
 // SQLite looks into a file only when it is first read, so a file that is no database would open like one. It
 // takes an empty file for an empty database. A query would find out as well, but wait on a database that
-// is locked.
+// is locked. A pipe or a device in its place would wait as well, for whoever is at its other end.
 bool isDatabaseFile(const QString &path)
 {
     const QByteArray magic("SQLite format 3", 16);
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray header = file.read(magic.size());
     return header.isEmpty() || header == magic;
