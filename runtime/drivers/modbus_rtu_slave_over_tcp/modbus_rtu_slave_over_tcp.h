@@ -5,7 +5,10 @@
 #include "host/driver_interface.h"
 
 #include <QMap>
+#include <QPointer>
 #include <QRegExp>
+
+class QSqlDatabase;
 
 /// The driver of one link to Modbus slaves that speak RTU framing over a TCP byte stream.
 ///
@@ -127,6 +130,8 @@ private:
 
     // The project's database and the bit addresses it uses: project_database.cpp
     bool createDBConnection();
+    QSqlDatabase registerConnection();
+    void bringConnectionHere();
     bool readDB(const QString &devStr);
     bool initValidBitAddressesMap(int connectorId, unsigned char defaultStation);
 
@@ -138,6 +143,9 @@ private:
     QString lastError;
     QString connectionName;
     QMap<unsigned char, ModbusBitSet> validBitAddressesMap;
+    /// What the process keeps of the connection that this object registered; null when it registered none, or
+    /// when somebody removed that.
+    QPointer<QObject> ownConnection;
 };
 
 /// A new driver object, owned by the caller.

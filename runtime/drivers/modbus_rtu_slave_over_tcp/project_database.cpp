@@ -6,8 +6,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSqlDatabase>
+#include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QThread>
 #include <QVariant>
 
 namespace
@@ -40,16 +42,35 @@ bool DriverModbusRtuSlaveOverTcp::createDBConnection()
 {
     if (QSqlDatabase::contains(connectionName))
         return true;
+    QSqlDatabase database = registerConnection();
+    return isDatabaseFile(database.databaseName()) && database.open();
+}
+
+QSqlDatabase DriverModbusRtuSlaveOverTcp::registerConnection()
+{
     QSqlDatabase database = QSqlDatabase::addDatabase(QLatin1String("QSQLITE"), connectionName);
     database.setDatabaseName(GetDatabaseName());
     database.setConnectOptions(QLatin1String("QSQLITE_OPEN_READONLY"));
-    return isDatabaseFile(database.databaseName()) && database.open();
+    ownConnection = database.driver();
+    return database;
+}
+
+// From Qt 5 on a connection serves only the thread that registered it. What is left of an earlier load in
+// another thread is registered anew; a connection of another object, which may have drawn the same name, is
+// not touched.
+void DriverModbusRtuSlaveOverTcp::bringConnectionHere()
+{
+    if (ownConnection.isNull() || ownConnection->thread() == QThread::currentThread())
+        return;
+    QSqlDatabase::removeDatabase(connectionName);
+    registerConnection();
 }
 
 bool DriverModbusRtuSlaveOverTcp::readDB(const QString &devStr)
 {
     if (dbLoaded)
         return true;
+    bringConnectionHere();
     if (!dbConnected) {
         dbConnected = createDBConnection();
         if (!dbConnected)
