@@ -1,7 +1,6 @@
 #include "drivers/device_setting.h"
 
-#include <QDataStream>
-#include <QDebug>
+#include "drivers/qt_lines.h"
 
 DeviceSetting::DeviceSetting() : DeviceSetting(static_cast<device_type>(0), QString(), 0, 0, 0, 0) {}
 
@@ -70,9 +69,10 @@ void DeviceSetting::setSocketData(const QList<QPair<QString, QString>> &data)
 
 void DeviceSetting::dump() const
 {
-    qDebug() << "type:" << static_cast<int>(type) << "string:" << deviceString << "baudrate:" << baudrate
-             << "databits:" << databits << "stopbits:" << stopbits << "parity:" << parity
-             << "linkID:" << linkId << "current ip:" << socketIP(-1) << "current port:" << port(-1);
+    plainDebug() << "type:" << static_cast<int>(type) << "string:" << quoted(deviceString)
+                 << "baudrate:" << baudrate << "databits:" << databits << "stopbits:" << stopbits
+                 << "parity:" << parity << "linkID:" << linkId << "current ip:" << quoted(socketIP(-1))
+                 << "current port:" << port(-1);
 }
 
 QDataStream &operator<<(QDataStream &stream, const DeviceSetting &setting)
@@ -93,7 +93,7 @@ QDataStream &operator>>(QDataStream &stream, DeviceSetting &setting)
     setting.setCurrentIPIndex(index);
 
     QList<QPair<QString, quint16>> sockets;
-    stream >> sockets;
+    readItemByItem(stream, sockets);
     setting.sockets = sockets;
     return stream;
 }

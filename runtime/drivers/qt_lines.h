@@ -4,6 +4,9 @@
 /// What differs between the Qt lines that the drivers build on, 4.8 and 5.15, dealt with here so that the
 /// code that uses it need not ask which one it is.
 
+#include <QDataStream>
+#include <QDebug>
+#include <QList>
 #include <QObject>
 #include <QtGlobal>
 #include <QtPlugin>
@@ -45,3 +48,46 @@ inline int nextRandomNumber()
     return qrand();
 #pragma GCC diagnostic pop
 }
+
+/// Reads a list as Qt reads one, but without making room first for as many items as the stream announces: a
+/// damaged one announces any number.
+template <typename T>
+void readItemByItem(QDataStream &stream, QList<T> &list)
+{
+#if QT_VERSION < 0x050000
+    list.clear();
+    quint32 announced = 0;
+    stream >> announced;
+    for (quint32 i = 0; i < announced; ++i) {
+        T item;
+        stream >> item;
+        list.append(item);
+        if (stream.atEnd())
+            break;
+    }
+#else
+    QtPrivate::readListBasedContainer(stream, list);
+#endif
+}
+
+/// The debug output, to which quoted() texts go as they are.
+/// @{
+inline QDebug plainDebug()
+{
+#if QT_VERSION < 0x050000
+    return qDebug();
+#else
+    return qDebug().noquote();
+#endif
+}
+
+/// \a text between quotes. Qt 4 puts them around every text.
+inline QString quoted(const QString &text)
+{
+#if QT_VERSION < 0x050000
+    return text;
+#else
+    return QLatin1Char('"') + text + QLatin1Char('"');
+#endif
+}
+/// @}

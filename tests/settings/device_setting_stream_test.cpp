@@ -1,7 +1,10 @@
 #include "drivers/device_setting.h"
 #include "tests/doubles/frames.h"
 #include "tests/support/gtest_qt.h"
+#include "tests/support/little_memory.h"
+#include "tests/support/random_data.h"
 
+#include <QBuffer>
 #include <QDataStream>
 
 #include <vector>
@@ -142,6 +145,109 @@ TEST(DeviceSettingStream, IndexIsCheckedAgainstTheListBefore)
     EXPECT_EQ(readInto(longer, noSockets, QDataStream::Qt_4_8), QDataStream::Ok);
     EXPECT_EQ(longer.currentIpIndex, 1);
     EXPECT_TRUE(longer.sockets.isEmpty());
+}
+
+namespace
+{
+
+// What comes of a list in a stream: entries, status, and where the stream stands afterwards.
+struct Outcome {
+    QList<Socket> sockets;
+    QDataStream::Status status;
+    qint64 position;
+};
+
+bool operator==(const Outcome &a, const Outcome &b)
+{
+    return a.sockets == b.sockets && a.status == b.status && a.position == b.position;
+}
+
+// The bytes of a record up to its list, and the list.
+QByteArray recordWith(const QByteArray &list)
+{
+    return fromHex(Golden).left(GoldenSocketsStart - 4) + list;
+}
+
+template <typename Reader>
+Outcome outcomeOf(const QByteArray &record, int version, QDataStream::Status before, const Reader &read)
+{
+    QBuffer buffer;
+    buffer.setData(record);
+    buffer.open(QIODevice::ReadOnly);
+    QDataStream stream(&buffer);
+    stream.setVersion(version);
+    stream.setStatus(before);
+    const QList<Socket> sockets = read(stream);
+    const Outcome outcome = {sockets, stream.status(), buffer.pos()};
+    return outcome;
+}
+
+Outcome byTheRecord(const QByteArray &record, int version, QDataStream::Status before)
+{
+    return outcomeOf(record, version, before, [](QDataStream &stream) {
+        DeviceSetting setting = goldenSetting();
+        stream >> setting;
+        return setting.sockets;
+    });
+}
+
+Outcome byQt(const QByteArray &record, int version, QDataStream::Status before)
+{
+    return outcomeOf(record, version, before, [](QDataStream &stream) {
+        DeviceSetting fields;
+        qint32 type = 0;
+        stream >> type >> fields.deviceString >> fields.baudrate >> fields.databits >> fields.stopbits >>
+            fields.parity >> fields.auxValue >> fields.linkId >> fields.currentIpIndex;
+        QList<Socket> sockets;
+        stream >> sockets;
+        return sockets;
+    });
+}
+
+// Counts that fit the bytes and some that do not, texts of all kinds of lengths, cut anywhere.
+QByteArray randomList(RandomData &random)
+{
+    QByteArray list = bigEndian(0) + bigEndian(random.between(0, 5));
+    for (int sockets = random.between(0, 4); sockets > 0; --sockets) {
+        const int size = random.between(0, 6);
+        list += bigEndian(0) + bigEndian(size) + random.bytes(random.between(0, 9) == 0 ? 1 : size) +
+                random.bytes(2);
+        if (random.between(0, 9) == 0)
+            list += QByteArray(4, '\xFF') + random.bytes(2);
+    }
+    return random.between(0, 2) == 0 ? list.left(random.between(0, list.size())) : list;
+}
+
+} // namespace
+
+TEST(DeviceSettingStream, ListsAreReadAsQtReadsThem)
+{
+    RandomData random;
+    SCOPED_TRACE(random.trace());
+    for (int i = 0; i < 20000; ++i) {
+        const QByteArray record = recordWith(randomList(random));
+        for (const int version : streamVersions())
+            for (const auto before :
+                 {QDataStream::Ok, QDataStream::ReadPastEnd, QDataStream::ReadCorruptData})
+                ASSERT_TRUE(byTheRecord(record, version, before) == byQt(record, version, before))
+                    << toHex(record) << " with status " << before;
+    }
+}
+
+TEST(DeviceSettingStream, AnnouncedNumberOfSocketsTakesNoMemory)
+{
+    for (const char *count : {"10 00 00 00", "7F FF FF FF", "80 00 00 00", "FF FF FF FF"})
+        inLittleMemory(64, [count] {
+            const Outcome outcome =
+                byTheRecord(recordWith(fromHex(count) + fromHex(Golden).mid(GoldenSocketsStart)),
+                            QDataStream::Qt_4_8, QDataStream::Ok);
+            // Qt 4 takes the end of the stream for the end of the list.
+            const bool isCut = QT_VERSION < 0x050000;
+            const bool isRight =
+                isCut ? outcome.sockets == goldenSetting().sockets && outcome.status == QDataStream::Ok
+                      : outcome.sockets.isEmpty() && outcome.status == QDataStream::ReadPastEnd;
+            return std::string(isRight ? "" : "another list");
+        });
 }
 
 TEST(DeviceSettingStream, AnyTypeComesBack)

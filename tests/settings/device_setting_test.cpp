@@ -208,3 +208,16 @@ TEST(DeviceSetting, DumpShowsTheCurrentSocket)
               QList<QString>() << text("type: 16 string: \"COM2\" baudrate: 9600 databits: 8 stopbits: 0 "
                                        "parity: 2 linkID: 4 current ip: \"10.0.0.6\" current port: 503"));
 }
+
+TEST(DeviceSetting, DumpLeavesTextsAsTheyAre)
+{
+    DeviceSetting setting = withTwoSockets();
+    setting.deviceString = text("a\"b\\c\n\xE4");
+    setting.setSocketIP(text("\"\\\t"), 0);
+    const MessageCapture capture;
+    setting.dump();
+    EXPECT_EQ(
+        MessageCapture::lines(),
+        QList<QString>() << text("type: 16 string: \"a\"b\\c\n\xE4\" baudrate: 9600 databits: 8 stopbits: 0 "
+                                 "parity: 2 linkID: -1 current ip: \"\"\\\t\" current port: 502"));
+}
