@@ -109,26 +109,6 @@ TEST(ProjectRobustness, ReadOnlyFileInAReadOnlyFolder)
     ASSERT_EQ(chmod(folder.constData(), 0755), 0);
 }
 
-TEST(ProjectRobustness, LockedUntilLater)
-{
-    const ProjectDatabase project(stringList({"DI1"}), 1);
-    const SleepRecorder noWaiting;
-    ScriptedChannel channel;
-    DriverModbusRtuSlaveOverTcp driver;
-    {
-        QSqlDatabase other = QSqlDatabase::addDatabase(text("QSQLITE"), text("other program"));
-        other.setDatabaseName(ProjectDatabase::path());
-        ASSERT_TRUE(other.open());
-        QSqlQuery query(other);
-        ASSERT_TRUE(query.exec(text("BEGIN EXCLUSIVE")));
-        EXPECT_EQ(usedBits(driver, channel, 1), NoStation);
-        EXPECT_EQ(usedBits(driver, channel, 1), NoStation);
-        ASSERT_TRUE(query.exec(text("COMMIT")));
-    }
-    QSqlDatabase::removeDatabase(text("other program"));
-    EXPECT_EQ(usedBits(driver, channel, 1), "DI 0");
-}
-
 TEST(ProjectRobustness, CutAtAnyPage)
 {
     const ManyPages project;

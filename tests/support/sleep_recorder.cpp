@@ -20,7 +20,7 @@ int sleepReally(const timespec *request, timespec *remaining)
 
 } // namespace
 
-SleepRecorder::SleepRecorder() : outer(recorder)
+SleepRecorder::SleepRecorder() : waited(0), outer(recorder)
 {
     recorder = this;
 }
@@ -47,7 +47,10 @@ extern "C" int usleep(useconds_t microseconds)
     timespec time = {};
     time.tv_sec = static_cast<time_t>(microseconds / 1000000);
     time.tv_nsec = static_cast<long>(microseconds % 1000000) * 1000;
-    return recorder == nullptr ? sleepReally(&time, nullptr) : 0;
+    if (recorder == nullptr)
+        return sleepReally(&time, nullptr);
+    recorder->noteWait(microseconds);
+    return 0;
 }
 
 extern "C" unsigned int sleep(unsigned int seconds)
@@ -55,5 +58,8 @@ extern "C" unsigned int sleep(unsigned int seconds)
     timespec time = {};
     time.tv_sec = static_cast<time_t>(seconds);
     timespec left = {};
-    return recorder == nullptr && sleepReally(&time, &left) != 0 ? static_cast<unsigned int>(left.tv_sec) : 0;
+    if (recorder == nullptr)
+        return sleepReally(&time, &left) == 0 ? 0 : static_cast<unsigned int>(left.tv_sec);
+    recorder->noteWait(qint64(seconds) * 1000000);
+    return 0;
 }

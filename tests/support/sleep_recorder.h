@@ -18,8 +18,12 @@ public:
     /// The sleeps so far, in nanoseconds each.
     const std::vector<qint64> &sleeps() const { return asked; }
     void note(qint64 nanoseconds) { asked.push_back(nanoseconds); }
+    /// What sleep() and usleep() were asked for, in microseconds altogether.
+    qint64 waits() const { return waited; }
+    void noteWait(qint64 microseconds) { waited += microseconds; }
 
 private:
     std::vector<qint64> asked;
+    qint64 waited;
     SleepRecorder *outer;
 };
