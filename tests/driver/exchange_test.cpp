@@ -256,3 +256,53 @@ TEST_F(Exchange, StationIsAskedAnewForEachRequest)
     EXPECT_EQ(sent.at(2), framed("03 03 00 00 00 01"));
     EXPECT_EQ(error(), "PLC no response (read 1 word(s) from 4-HR1)");
 }
+
+// A channel that says it placed or sent more than it was asked to breaks its contract; so does one that
+// answers -1 when it is asked for nothing. docs/host-contract.md tells what comes of that.
+
+TEST_F(Exchange, RestOfAReplyThatIsLongerThanAsked)
+{
+    for (const int received : {3, 4, 257, std::numeric_limits<int>::max()}) {
+        channel.connected = true;
+        channel.forgetCalls();
+        channel.fail(ScriptedChannel::ReadData, 2, received);
+        EXPECT_EQ(readOne(framed("01 03 02 12 34")), QByteArray());
+        EXPECT_EQ(error(), readText("packet loss")) << received;
+        EXPECT_EQ(channel.trace(),
+                  "delayTime isConnected write(01 03 00 00 00 01 84 0a) read(5) read(2) close");
+    }
+}
+
+TEST_F(Exchange, RestOfAnEchoThatIsLongerThanAsked)
+{
+    channel.fail(ScriptedChannel::ReadData, 2, 4);
+    EXPECT_FALSE(writeOne(fieldsFrame(1, 16, 0, 1)));
+    EXPECT_EQ(error(), writeText("packet loss"));
+    EXPECT_FALSE(isOpen());
+}
+
+TEST_F(Exchange, SendThatReportsMoreThanWasGiven)
+{
+    for (const int sent : {9, std::numeric_limits<int>::max()}) {
+        channel.connected = true;
+        channel.forgetCalls();
+        channel.fail(ScriptedChannel::WriteData, 1, sent);
+        EXPECT_EQ(readOne(QByteArray()), QByteArray());
+        EXPECT_EQ(error(), readText("channel error")) << sent;
+        EXPECT_EQ(channel.trace(), "delayTime isConnected write(01 03 00 00 00 01 84 0a) errorString close");
+    }
+}
+
+TEST_F(Exchange, NothingAskedForIsAnsweredWithNothing)
+{
+    channel.addReply(framed("01 03 00"));
+    EXPECT_EQ(read(WordItem, "HR1", 0), QByteArray());
+    EXPECT_EQ(error(), NoError);
+    EXPECT_EQ(channel.readLengths(), (std::vector<int>{5, 0}));
+
+    channel.addReply(framed("01 03 00"));
+    channel.fail(ScriptedChannel::ReadData, 2, -1);
+    EXPECT_EQ(read(WordItem, "HR1", 0), QByteArray());
+    EXPECT_EQ(error(), "packet loss (read 0 word(s) from 1-HR1)");
+    EXPECT_FALSE(isOpen());
+}

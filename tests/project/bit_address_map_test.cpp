@@ -130,6 +130,23 @@ const TagCase ofNoBitArea[] = {
 };
 INSTANTIATE_TEST_SUITE_P(OfNoBitArea, TagClass, testing::ValuesIn(ofNoBitArea));
 
+// Digits of other scripts are digits for the pattern and no number: station 0, or address 65535.
+const TagCase inOtherScripts[] = {
+    {"2-DI\xD9\xA3", 2, "DI 65535"},
+    {"2-DI\xD9\xA3"
+     "4",
+     2, "DI 65535"},
+    {"2-DI4\xD9\xA3", 2, "DI 65535"},
+    {"2-DO\xE0\xA5\xA7", 2, "DO 65535"},
+    {"\xD9\xA2-DI5", 0, "DI 4"},
+    {"2\xD9\xA2-DI5", 0, "DI 4"},
+    {"\xEF\xBC\x92-fn5do\xEF\xBC\x93", 0, "DO 65535"},
+    {"DI\xD9\xA3", 1, "DI 99 65535"},
+    {"FN5DO\xD9\xA3", 1, "DI 99, DO 65535"},
+    {"DI5\xD9\xA3", 1, "DI 99 65535"},
+};
+INSTANTIATE_TEST_SUITE_P(InOtherScripts, TagClass, testing::ValuesIn(inOtherScripts));
+
 TEST(BitAddressMap, MixedProject)
 {
     LoadedDriver link(
@@ -190,6 +207,18 @@ TEST_F(TagTable, ValuesThatAreNoText)
                              << QLatin1String("INSERT INTO custom_tag_table VALUES ('DO8', '1')"));
     // Bytes are read as the text that they spell.
     EXPECT_EQ(usedBits(driver, channel, 1), "DO 1 3");
+}
+
+// A NUL ends the number, and nothing after it is looked at. Elsewhere it is a character like others.
+TEST_F(TagTable, NulInATag)
+{
+    const ProjectDatabase project(QStringList(), 1);
+    for (const char *hex : {"4449350037", "322D444F3500", "00444933", "44004933", "44490039"})
+        ProjectDatabase::execute(
+            QString::fromLatin1("INSERT INTO custom_tag_table VALUES (CAST(x'%1' AS TEXT), 1)")
+                .arg(QLatin1String(hex)));
+    EXPECT_EQ(usedBits(driver, channel, 1), "DI 4 8");
+    EXPECT_EQ(usedBits(driver, channel, 2), "DO 4");
 }
 
 // A table that cannot be read to its end is no table: the addresses after that would count as unused.
