@@ -64,7 +64,7 @@ check_hardening() {
     if grep -E '^ *LOAD.* RWE ' "$scratch/segments"; then
         fail "a segment that may be written and run"
     fi
-    "$nm" -D --undefined-only "$file" | grep -q __stack_chk_fail || fail "built without stack protector"
+    "$nm" -D --undefined-only "$file" | grep __stack_chk_fail >/dev/null || fail "built without stack protector"
 }
 
 # Constants belong to memory that is never written: what is left for variables holds no table.
