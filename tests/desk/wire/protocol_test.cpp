@@ -1,6 +1,6 @@
 #include "desk/wire/protocol.h"
 #include "desk/wire/rtu_frame.h"
-#include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
+#include "drivers/modbus_rtu_slave_over_tcp/limits.h"
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "tests/desk/support/dry_driver.h"
 #include "tests/peers/driver_link.h"
@@ -33,6 +33,8 @@ TEST(Protocol, NumbersThatTheDriverNamesAsWell)
     EXPECT_EQ(int(modbus::WriteMultipleRegisters), int(WriteMultipleRegisters));
     EXPECT_EQ(modbus::CrcSize, RtuCrcSize);
     EXPECT_EQ(unsigned(modbus::AddressSpace), AddressSpace);
+    EXPECT_EQ(modbus::MaxReadRegisters, MaxRegistersRead);
+    EXPECT_EQ(unsigned(modbus::MaxWriteRegisters), MaxRegistersWritten);
 }
 
 class ProtocolTest : public testing::Test
