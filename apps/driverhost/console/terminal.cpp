@@ -1,8 +1,8 @@
 #include "apps/driverhost/console/terminal.h"
 
-#include <QTextCodec>
+#include <QByteArray>
 
-#include <cstdio>
+#include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -12,69 +12,35 @@ namespace
 const int DefaultWidth = 80;
 const int DefaultHeight = 24;
 
-const char HideCursor[] = "\x1b[?25l";
-const char ShowCursor[] = "\x1b[?25h";
-const char EraseToEndOfLine[] = "\x1b[K";
-const char EraseBelow[] = "\x1b[J";
-
-winsize screenSize()
+winsize screenSize(int descriptor)
 {
     winsize size = {};
-    ioctl(STDOUT_FILENO, TIOCGWINSZ, &size);
+    ioctl(descriptor, TIOCGWINSZ, &size);
     return size;
 }
 
 } // namespace
 
-bool isScreen()
+bool isScreen(int descriptor)
 {
     const QByteArray kind = qgetenv("TERM");
-    return isatty(STDOUT_FILENO) == 1 && !kind.isEmpty() && kind != "dumb";
+    return isatty(descriptor) == 1 && !kind.isEmpty() && kind != "dumb";
 }
 
-int screenWidth()
+int screenWidth(int descriptor)
 {
-    const int width = screenSize().ws_col;
+    const int width = screenSize(descriptor).ws_col;
     return width > 0 ? width : DefaultWidth;
 }
 
-int screenHeight()
+int screenHeight(int descriptor)
 {
-    const int height = screenSize().ws_row;
+    const int height = screenSize(descriptor).ws_row;
     return height > 0 ? height : DefaultHeight;
 }
 
 bool takesUnicode()
 {
-    return QTextCodec::codecForLocale()->name() == "UTF-8";
-}
-
-LiveLines::LiveLines()
-{
-    std::fputs(HideCursor, stdout);
-}
-
-LiveLines::~LiveLines()
-{
-    std::fputs(ShowCursor, stdout);
-    std::fflush(stdout);
-}
-
-bool LiveLines::show(const QStringList &lines)
-{
-    const int max = screenHeight() - 1;
-    QStringList fitting = lines;
-    if (lines.size() > max)
-        fitting = lines.mid(0, max - 1) << QStringLiteral("(%1 more lines)").arg(lines.size() - max + 1);
-
-    QByteArray text;
-    if (m_shown > 0)
-        text = "\x1b[" + QByteArray::number(m_shown) + 'A';
-    for (const QString &line : qAsConst(fitting))
-        text += '\r' + line.left(screenWidth()).toLocal8Bit() + EraseToEndOfLine + '\n';
-    text += EraseBelow;
-    m_shown = fitting.size();
-    return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout) ==
-               static_cast<size_t>(text.size()) &&
-           std::fflush(stdout) == 0;
+    // The library takes UTF-8 for granted, also where the terminal has been told otherwise.
+    return qstrcmp(nl_langinfo(CODESET), "UTF-8") == 0;
 }
