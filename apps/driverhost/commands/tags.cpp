@@ -1,9 +1,9 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/commands/reading_run.h"
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/progress.h"
+#include "apps/driverhost/runs/reading_run.h"
+#include "apps/driverhost/terminal/progress.h"
 #include "apps/driverhost/watch/watch_options.h"
 #include "desk/plan/tag_plan.h"
 #include "desk/project/project_file.h"

@@ -1,7 +1,7 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/commands/write_run.h"
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/runs/write_run.h"
 #include "desk/project/needed_tags.h"
 
 namespace

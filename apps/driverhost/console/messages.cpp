@@ -1,6 +1,6 @@
 #include "apps/driverhost/console/messages.h"
 
-#include "apps/driverhost/console/status_line.h"
+#include "apps/driverhost/terminal/status_line.h"
 #include "desk/items/number_text.h"
 #include "desk/items/portions.h"
 

@@ -1,8 +1,8 @@
 #include "apps/driverhost/watch/screen_view.h"
 
 #include "apps/driverhost/console/interruptible_run.h"
-#include "apps/driverhost/console/live_screen.h"
-#include "apps/driverhost/console/terminal.h"
+#include "apps/driverhost/terminal/live_screen.h"
+#include "apps/driverhost/terminal/terminal.h"
 #include "apps/driverhost/watch/watch_table.h"
 #include "desk/output/summary.h"
 #include "desk/time_text.h"

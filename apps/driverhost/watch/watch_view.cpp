@@ -1,7 +1,7 @@
 #include "apps/driverhost/watch/watch_view.h"
 
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/terminal.h"
+#include "apps/driverhost/terminal/terminal.h"
 #include "apps/driverhost/watch/screen_view.h"
 #include "desk/output/output_form.h"
 #include "desk/time_text.h"

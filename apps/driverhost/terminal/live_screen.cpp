@@ -1,7 +1,7 @@
-#include "apps/driverhost/console/live_screen.h"
+#include "apps/driverhost/terminal/live_screen.h"
 
-#include "apps/driverhost/console/terminal.h"
-#include "apps/driverhost/console/terminal_keys.h"
+#include "apps/driverhost/terminal/terminal.h"
+#include "apps/driverhost/terminal/terminal_keys.h"
 
 #include <algorithm>
 #include <cstdio>

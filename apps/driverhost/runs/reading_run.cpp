@@ -1,4 +1,4 @@
-#include "apps/driverhost/commands/reading_run.h"
+#include "apps/driverhost/runs/reading_run.h"
 
 #include "apps/driverhost/console/messages.h"
 #include "desk/items/number_text.h"

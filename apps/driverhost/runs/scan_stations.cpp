@@ -1,8 +1,8 @@
-#include "apps/driverhost/commands/scan_stations.h"
+#include "apps/driverhost/runs/scan_stations.h"
 
 #include "apps/driverhost/console/interruptible_run.h"
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/progress.h"
+#include "apps/driverhost/terminal/progress.h"
 #include "desk/items/number_text.h"
 #include "desk/output/scan_form.h"
 #include "desk/output/summary.h"

@@ -1,4 +1,4 @@
-#include "apps/driverhost/console/terminal.h"
+#include "apps/driverhost/terminal/terminal.h"
 
 #include <QByteArray>
 

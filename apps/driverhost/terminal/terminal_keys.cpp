@@ -1,4 +1,4 @@
-#include "apps/driverhost/console/terminal_keys.h"
+#include "apps/driverhost/terminal/terminal_keys.h"
 
 #include <array>
 #include <cerrno>

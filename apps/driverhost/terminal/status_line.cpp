@@ -1,6 +1,6 @@
-#include "apps/driverhost/console/status_line.h"
+#include "apps/driverhost/terminal/status_line.h"
 
-#include "apps/driverhost/console/terminal.h"
+#include "apps/driverhost/terminal/terminal.h"
 
 #include <atomic>
 #include <cstdio>

@@ -1,6 +1,6 @@
-#include "apps/driverhost/console/progress.h"
+#include "apps/driverhost/terminal/progress.h"
 
-#include "apps/driverhost/console/status_line.h"
+#include "apps/driverhost/terminal/status_line.h"
 
 #include <algorithm>
 

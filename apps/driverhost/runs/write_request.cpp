@@ -1,4 +1,4 @@
-#include "apps/driverhost/commands/write_request.h"
+#include "apps/driverhost/runs/write_request.h"
 
 namespace
 {

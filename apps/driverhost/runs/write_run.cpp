@@ -1,4 +1,4 @@
-#include "apps/driverhost/commands/write_run.h"
+#include "apps/driverhost/runs/write_run.h"
 
 #include "apps/driverhost/console/interruptible_run.h"
 #include "apps/driverhost/console/messages.h"

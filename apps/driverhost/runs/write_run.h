@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/driverhost/commands/write_request.h"
+#include "apps/driverhost/runs/write_request.h"
 #include "desk/link/session.h"
 
 /// Writes in as many requests as it takes, reads back when \a isVerified, and reports what was written. The
