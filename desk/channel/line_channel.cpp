@@ -11,7 +11,7 @@ const int MaxUnasked = 65536;
 } // namespace
 
 LineChannel::LineChannel(Line &line, DeviceSetting *device, const ExchangeSettings &settings)
-    : m_line(line), m_device(device), m_settings(settings), m_isEndNoticed(false)
+    : m_line(line), m_device(device), m_settings(settings), m_isEndNoticed(false), m_keepsOpen(false)
 {
 }
 
@@ -86,6 +86,8 @@ bool LineChannel::open()
 void LineChannel::close()
 {
     noticeEnd();
+    if (m_keepsOpen && m_line.state() == LineState::Open && discardUnasked())
+        return;
     m_received.clear();
     m_line.close();
     notify(ChannelEvent::Closed);

@@ -30,6 +30,10 @@ public:
 
     void setStation(int station) { m_settings.station = station; }
     void setRetries(int retries) { m_settings.retries = retries; }
+    void setTimeout(int timeout) { m_settings.timeout = timeout; }
+    /// While it keeps its line open, close() only throws away what has come; what comes later goes before the
+    /// next request. For asking stations that may not be there.
+    void setKeepsOpen(bool keepsOpen) { m_keepsOpen = keepsOpen; }
     void setObserver(const ChannelObserver &observer) { m_observer = observer; }
     /// While \a cancelled answers true nothing is waited for and nothing tried again.
     void setCancelled(const std::function<bool()> &cancelled) { m_line.setCancelled(cancelled); }
@@ -50,4 +54,5 @@ private:
     QString m_error;
     QByteArray m_received; // and not fetched yet
     mutable bool m_isEndNoticed;
+    bool m_keepsOpen;
 };

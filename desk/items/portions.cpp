@@ -5,36 +5,43 @@
 namespace
 {
 
-// The driver would ask for 2008 bits; slaves need not answer more than the protocol allows.
-int maxInOneRequest(const Items &items)
+// What one request carries.
+struct Limits {
+    int registers;
+    int bits;
+};
+
+// The driver would ask for 2008 bits and send 1976 coils; slaves need not take more than the protocol allows.
+const Limits ReadLimits{modbus::MaxReadRegisters, modbus::MaxReadBits};
+const Limits WriteLimits{modbus::MaxWriteRegisters, modbus::MaxWriteCoils};
+
+int maxInOneRequest(const Items &items, const Limits &limits)
 {
     if (items.address.isBitArea())
-        return isByteKind(items.kind) ? modbus::MaxReadBits / modbus::ByteBits : modbus::MaxReadBits;
+        return isByteKind(items.kind) ? limits.bits / modbus::ByteBits : limits.bits;
     // Whole registers a portion, so that each begins at the same bit.
     if (isBitKind(items.kind))
-        return (modbus::MaxReadRegisters - 1) * modbus::RegisterBits;
+        return (limits.registers - 1) * modbus::RegisterBits;
     if (isByteKind(items.kind))
-        return modbus::MaxReadRegisters * modbus::RegisterBytes;
-    return items.kind == DoubleWordItem ? modbus::MaxReadRegisters / 2 : modbus::MaxReadRegisters;
+        return limits.registers * modbus::RegisterBytes;
+    return items.kind == DoubleWordItem ? limits.registers / 2 : limits.registers;
 }
 
 // Whole values a portion.
-int maxInOneRequest(const TypedItems &typed)
+int maxInOneRequest(const TypedItems &typed, const Limits &limits)
 {
-    const int max = maxInOneRequest(typed.items);
+    const int max = maxInOneRequest(typed.items, limits);
     if (typed.items.kind != WordItem)
         return max;
     return typed.type.isByte() ? max * modbus::RegisterBytes : max / typed.type.registers();
 }
 
-} // namespace
-
-std::vector<Items> portionsOf(const Items &items)
+std::vector<Items> portionsWithin(const Items &items, const Limits &limits)
 {
     if (items.isRaw())
         return {items};
     std::vector<Items> portions;
-    const int max = maxInOneRequest(items);
+    const int max = maxInOneRequest(items, limits);
     for (int first = 0; first < items.count; first += max) {
         Items portion = items;
         portion.address = items.addressOf(first);
@@ -44,10 +51,22 @@ std::vector<Items> portionsOf(const Items &items)
     return portions;
 }
 
+} // namespace
+
+std::vector<Items> portionsOf(const Items &items)
+{
+    return portionsWithin(items, ReadLimits);
+}
+
+std::vector<Items> writePortionsOf(const Items &items)
+{
+    return portionsWithin(items, WriteLimits);
+}
+
 std::vector<TypedItems> portionsOf(const TypedItems &typed)
 {
     std::vector<TypedItems> portions;
-    const int max = maxInOneRequest(typed);
+    const int max = maxInOneRequest(typed, ReadLimits);
     for (int first = 0; first < typed.count; first += max) {
         TypedItems portion = typed;
         portion.address = typed.addressOf(first);

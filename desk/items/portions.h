@@ -4,6 +4,7 @@
 
 #include <vector>
 
-/// The same items in portions that one request each can read.
+/// The same items in portions that one request each can read, or write.
 std::vector<Items> portionsOf(const Items &items);
 std::vector<TypedItems> portionsOf(const TypedItems &typed);
+std::vector<Items> writePortionsOf(const Items &items);

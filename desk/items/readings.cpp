@@ -3,6 +3,22 @@
 #include "desk/items/item_data.h"
 #include "desk/items/portions.h"
 
+namespace
+{
+
+ValueRow rowOf(const Reading::Shown &shown, int station)
+{
+    ValueRow row;
+    row.station = station;
+    row.address = shown.address;
+    row.offset = shown.offset;
+    row.kind = shown.kind;
+    row.form = shown.form;
+    return row;
+}
+
+} // namespace
+
 Reading readingOf(const Items &items, ValueForm form)
 {
     Reading reading{items, {}};
@@ -32,8 +48,18 @@ std::vector<ValueRow> rowsOf(const Reading &reading, const QByteArray &data, int
 {
     std::vector<ValueRow> rows;
     for (const Reading::Shown &shown : reading.shown) {
-        const quint32 value = valueAt(data, shown.kind, shown.position);
-        rows.push_back({station, shown.address, shown.offset, shown.kind, shown.form, value, {}, -1});
+        rows.push_back(rowOf(shown, station));
+        rows.back().value = valueAt(data, shown.kind, shown.position);
+    }
+    return rows;
+}
+
+std::vector<ValueRow> failedRowsOf(const Reading &reading, const RowFailure &failure, int station)
+{
+    std::vector<ValueRow> rows;
+    for (const Reading::Shown &shown : reading.shown) {
+        rows.push_back(rowOf(shown, station));
+        rows.back().failure = failure;
     }
     return rows;
 }

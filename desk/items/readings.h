@@ -28,3 +28,5 @@ QString labelOf(const Reading &reading);
 
 /// What the data that the driver read for \a reading shows. It came from \a station.
 std::vector<ValueRow> rowsOf(const Reading &reading, const QByteArray &data, int station);
+/// The same values as rows that say why there are none.
+std::vector<ValueRow> failedRowsOf(const Reading &reading, const RowFailure &failure, int station);

@@ -137,7 +137,10 @@ QJsonValue numberOf(quint32 value, ItemKind kind, ValueForm form)
     if (form == ValueForm::Float) {
         // By its text: the nearest double of 0.1f would be written as 0.10000000149011612.
         const float number = toFloat(value);
-        return std::isfinite(number) ? QJsonValue(shortest(number).toDouble()) : QJsonValue();
+        if (!std::isfinite(number))
+            return QJsonValue();
+        // There is no negative zero among whole numbers, which some readers make of "-0".
+        return number == 0 ? 0.0 : shortest(number).toDouble();
     }
     const bool isSigned = form == ValueForm::Signed && widthOf(kind) > 1;
     return isSigned ? toSigned(value, widthOf(kind)) : qint64(value);

@@ -34,7 +34,13 @@ int Session::stationFor(const Items &items) const
     return stationOf(items, m_settings.station);
 }
 
-Failure Session::failure()
+void Session::setTimeout(int timeout)
+{
+    m_settings.timeout = timeout;
+    m_channel->setTimeout(timeout);
+}
+
+Failure Session::failure() const
 {
     return failureOf(m_driver->getLastError(), m_command);
 }

@@ -28,8 +28,10 @@ public:
 
     int stationFor(const Items &items) const;
     const ChannelSettings &settings() const { return m_settings; }
+    /// Gives replies another time from now on, in milliseconds.
+    void setTimeout(int timeout);
     /// The last failure, with the driver's text.
-    Failure failure();
+    Failure failure() const;
     /// What happened on the line during the last read or write, or happens during this one.
     const CommandRecord &lastCommand() const { return m_command; }
     const std::vector<Exchange> &exchanges() const { return m_command.exchanges(); }
@@ -37,6 +39,7 @@ public:
     const LinkCounts &counts() const { return m_counts; }
 
     LineChannel &channel() { return *m_channel; }
+    const LineChannel &channel() const { return *m_channel; }
     LoadedDriver &driver() { return m_driver; }
 
 private:

@@ -3,7 +3,7 @@
 #include "desk/items/area_range.h"
 #include "desk/wire/rtu_frame.h"
 
-#include <set>
+#include <algorithm>
 
 namespace
 {
@@ -11,13 +11,6 @@ namespace
 bool isConfirmed(const Exchange &exchange)
 {
     return hasGoodCrc(exchange.reply) && exchange.reply.left(2) == exchange.request.left(2);
-}
-
-// Refused with an exception, and so surely not executed.
-bool isRefused(const Exchange &exchange)
-{
-    return hasGoodCrc(exchange.reply) &&
-           functionOf(exchange.reply) == (functionOf(exchange.request) | modbus::ExceptionFlag);
 }
 
 int quantityOf(const QByteArray &request)
@@ -32,8 +25,32 @@ Area areaOf(const QByteArray &request)
     return isCoils ? Area::Coils : Area::HoldingRegisters;
 }
 
+WriteState stateAfter(const Exchange &exchange)
+{
+    if (isConfirmed(exchange))
+        return WriteState::Written;
+    return outcomeOf(exchange) == Outcome::Exception ? WriteState::Refused : WriteState::Unconfirmed;
+}
+
+QString areaText(const Items &items, Area area)
+{
+    const int station = items.address.station;
+    return (station < 0 ? QString() : QString::number(station) + QLatin1Char('-')) + areaName(area);
+}
+
+const char *textOf(WriteState state)
+{
+    switch (state) {
+    case WriteState::Written: return "already written: ";
+    case WriteState::Unconfirmed: return "sent but not confirmed, perhaps written: ";
+    case WriteState::Refused: return "refused: ";
+    case WriteState::NotSent: break;
+    }
+    return "not sent: ";
+}
+
 // "HR1", "HR1..5 and HR9".
-QString rangesText(const QString &area, const std::set<int> &offsets)
+QString rangesText(const QString &area, const std::vector<int> &offsets)
 {
     QStringList ranges;
     for (auto offset = offsets.begin(); offset != offsets.end();) {
@@ -49,26 +66,68 @@ QString rangesText(const QString &area, const std::set<int> &offsets)
 
 } // namespace
 
-QStringList writtenBeforeFailure(const std::vector<Exchange> &exchanges)
+WriteReport::WriteReport(const Items &items) : m_items(items), m_area(areaText(items, items.address.area))
 {
-    std::set<int> confirmed;
-    std::set<int> unknown;
-    QString area;
-    for (const Exchange &exchange : exchanges) {
-        if (modbus::isRead(functionOf(exchange.request)) || isRefused(exchange))
-            continue;
-        area = areaName(areaOf(exchange.request));
-        std::set<int> &offsets = isConfirmed(exchange) ? confirmed : unknown;
-        for (int i = 0; i < quantityOf(exchange.request); ++i)
-            offsets.insert(wordAt(exchange.request, 2) + i);
-    }
-    for (const int offset : confirmed)
-        unknown.erase(offset);
+    const int first = items.address.wireOffset();
+    for (int i = 0; !items.isRaw() && i < extentOf(items); ++i)
+        m_states[first + i] = WriteState::NotSent;
+}
 
+void WriteReport::add(const std::vector<Exchange> &exchanges)
+{
+    for (const Exchange &exchange : exchanges) {
+        if (!modbus::isRead(functionOf(exchange.request)))
+            add(exchange);
+    }
+}
+
+// A refusal says nothing of an earlier attempt that was not confirmed.
+void WriteReport::add(const Exchange &exchange)
+{
+    m_area = areaText(m_items, areaOf(exchange.request));
+    const WriteState after = stateAfter(exchange);
+    const int first = wordAt(exchange.request, 2);
+    for (int i = 0; i < quantityOf(exchange.request); ++i)
+        m_states[first + i] = std::max(m_states[first + i], after);
+}
+
+WriteState WriteReport::stateOf(int item) const
+{
+    if (m_items.isRaw())
+        return m_states.empty() ? WriteState::NotSent : m_states.begin()->second;
+    Items single = m_items;
+    single.address = m_items.addressOf(item);
+    single.count = 1;
+    const int first = single.address.wireOffset();
+    WriteState least = WriteState::Written;
+    bool isTouched = false;
+    for (int i = 0; i < extentOf(single); ++i) {
+        const WriteState state = m_states.at(first + i);
+        least = std::min(least, state);
+        isTouched = isTouched || state >= WriteState::Unconfirmed;
+    }
+    // Half an item is written, the other half is not: nobody knows its value.
+    return isTouched ? std::max(least, WriteState::Unconfirmed) : least;
+}
+
+bool WriteReport::hasTouched() const
+{
+    return std::any_of(m_states.begin(), m_states.end(),
+                       [](const auto &entry) { return entry.second >= WriteState::Unconfirmed; });
+}
+
+QStringList WriteReport::lines() const
+{
     QStringList lines;
-    if (!confirmed.empty())
-        lines += QStringLiteral("already written: ") + rangesText(area, confirmed);
-    if (!unknown.empty())
-        lines += QStringLiteral("sent but not confirmed, perhaps written: ") + rangesText(area, unknown);
+    for (const WriteState state :
+         {WriteState::Written, WriteState::Unconfirmed, WriteState::Refused, WriteState::NotSent}) {
+        std::vector<int> offsets;
+        for (const auto &[offset, offsetState] : m_states) {
+            if (offsetState == state)
+                offsets.push_back(offset);
+        }
+        if (!offsets.empty())
+            lines += QLatin1String(textOf(state)) + rangesText(m_area, offsets);
+    }
     return lines;
 }

@@ -1,5 +1,7 @@
 #include "desk/live/statistics.h"
 
+#include "desk/items/number_text.h"
+
 namespace
 {
 
@@ -17,12 +19,37 @@ QString millisecondsText(qint64 microseconds)
     return QString::number(static_cast<double>(microseconds) / 1000) + QStringLiteral(" ms");
 }
 
+QString quantilesText(const char *what, const Durations &durations)
+{
+    return QStringLiteral("%1 min %2, median %3, p99 %4, max %5")
+        .arg(QLatin1String(what), millisecondsText(durations.quantile(0)),
+             millisecondsText(durations.quantile(0.5)), millisecondsText(durations.quantile(0.99)),
+             millisecondsText(durations.quantile(1)));
+}
+
 } // namespace
 
-void Statistics::addSuccess(qint64 microseconds)
+void Durations::add(qint64 microseconds)
 {
-    ++m_successes;
-    ++m_latencies[rounded(microseconds)];
+    ++m_count;
+    ++m_counts[rounded(microseconds)];
+}
+
+qint64 Durations::quantile(double share) const
+{
+    quint64 below = 0;
+    for (const auto &[time, count] : m_counts) {
+        below += count;
+        if (static_cast<double>(below) >= share * static_cast<double>(m_count))
+            return time;
+    }
+    return m_counts.empty() ? -1 : m_counts.rbegin()->first;
+}
+
+void Statistics::addSuccess(qint64 latency, qint64 duration)
+{
+    m_latencies.add(latency);
+    m_durations.add(duration);
 }
 
 void Statistics::addFailure(const QString &text)
@@ -31,29 +58,17 @@ void Statistics::addFailure(const QString &text)
     ++m_texts[text];
 }
 
-qint64 Statistics::quantile(double share) const
-{
-    quint64 below = 0;
-    for (const auto &[latency, count] : m_latencies) {
-        below += count;
-        if (static_cast<double>(below) >= share * static_cast<double>(m_successes))
-            return latency;
-    }
-    return m_latencies.empty() ? -1 : m_latencies.rbegin()->first;
-}
-
 QStringList Statistics::lines(qint64 milliseconds) const
 {
-    QStringList lines{QStringLiteral("%1 transactions in %2 s, %3 failed")
-                          .arg(QString::number(transactions()),
+    QStringList lines{QStringLiteral("%1 in %2 s, %3 failed")
+                          .arg(counted(static_cast<qint64>(transactions()), "transaction"),
                                QString::number(static_cast<double>(milliseconds) / 1000, 'f', 1),
                                QString::number(m_failures))};
     for (auto text = m_texts.begin(); text != m_texts.end(); ++text)
         lines += QStringLiteral("  %1 x %2").arg(QString::number(text.value()), text.key());
-    if (m_successes > 0) {
-        lines += QStringLiteral("latency min %1, median %2, p99 %3, max %4")
-                     .arg(millisecondsText(quantile(0)), millisecondsText(quantile(0.5)),
-                          millisecondsText(quantile(0.99)), millisecondsText(quantile(1)));
+    if (m_latencies.count() > 0) {
+        lines += quantilesText("latency", m_latencies);
+        lines += quantilesText("transaction", m_durations);
     }
     return lines;
 }

@@ -5,26 +5,40 @@
 
 #include <map>
 
-/// Counts transactions, failures by their text, and how long the good ones took. Needs no more memory however
-/// long it counts.
+/// How long things took, in microseconds. Needs no more memory however many there were.
+class Durations
+{
+public:
+    void add(qint64 microseconds);
+
+    quint64 count() const { return m_count; }
+    /// The time below which this share of them lies, to three digits; -1 when there was none.
+    qint64 quantile(double share) const;
+
+private:
+    std::map<qint64, quint64> m_counts; // of rounded times
+    quint64 m_count = 0;
+};
+
+/// Counts transactions, failures by their text, and how long the good ones took.
 class Statistics
 {
 public:
-    void addSuccess(qint64 microseconds);
+    /// \a latency is that of the reply, \a duration that of the transaction with all its attempts and pauses.
+    void addSuccess(qint64 latency, qint64 duration);
     void addFailure(const QString &text);
 
-    quint64 transactions() const { return m_successes + m_failures; }
+    quint64 transactions() const { return m_latencies.count() + m_failures; }
     quint64 failures() const { return m_failures; }
-    /// Latency below which this share of the successes lies, in microseconds, to three digits; -1 when there
-    /// was none.
-    qint64 quantile(double share) const;
+    const Durations &latencies() const { return m_latencies; }
+    const Durations &durations() const { return m_durations; }
 
     /// For people, after \a milliseconds.
     QStringList lines(qint64 milliseconds) const;
 
 private:
-    std::map<qint64, quint64> m_latencies; // microseconds, rounded
+    Durations m_latencies;
+    Durations m_durations;
     QMap<QString, quint64> m_texts;
-    quint64 m_successes = 0;
     quint64 m_failures = 0;
 };

@@ -19,9 +19,9 @@ class WatchListener
 public:
     virtual ~WatchListener() = default;
 
-    /// One reading is done, or has failed for the reason in \a error.
+    /// One reading is done, or has failed for the reason in the rows; \a error is the same for people.
     virtual bool add(size_t reading, const std::vector<ValueRow> &rows) = 0;
-    virtual bool addFailure(size_t reading, const QString &error) = 0;
+    virtual bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) = 0;
     /// A round is over.
     virtual bool endRound() = 0;
     /// Called now and then while a reply is waited for.
@@ -46,6 +46,8 @@ public:
 
     const Statistics &statistics() const { return m_statistics; }
     qint64 milliseconds() const { return m_clock.elapsed(); }
+    /// Rounds that are over.
+    int rounds() const { return m_rounds; }
     /// Nothing when no reading has failed.
     const std::optional<Failure> &lastFailure() const { return m_failure; }
 
@@ -54,10 +56,11 @@ private:
     bool readRound(WatchListener &listener);
     bool readOne(WatchListener &listener, size_t index);
     bool failOthers(WatchListener &listener, size_t first);
-    std::vector<ValueRow> timedRows(const Reading &reading, const QByteArray &data) const;
-    QString failureText(const Reading &reading);
+    std::vector<ValueRow> failedRows(size_t index);
+    QString failureText(size_t index);
+    void addTransaction(std::vector<ValueRow> &rows) const;
     bool isStopped() const;
-    bool isOver(int rounds) const;
+    bool isOver() const;
     qint64 timeToNextRound() const;
 
     Session &m_session;
@@ -66,6 +69,8 @@ private:
     WatchPauses m_pauses;
     Statistics m_statistics;
     QElapsedTimer m_clock;
+    std::vector<std::vector<ValueRow>> m_lastRows; // of each reading; empty until it was read
+    int m_rounds = 0;
     std::optional<Failure> m_failure;
     bool m_isUnconnected = false;
 };

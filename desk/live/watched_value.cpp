@@ -1,18 +1,16 @@
 #include "desk/live/watched_value.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 
 namespace
 {
 
-const size_t CourseLength = 24;
 const double Gap = std::numeric_limits<double>::quiet_NaN();
 
-const std::array<char16_t, 8> UnicodeBars{u'▁', u'▂', u'▃', u'▄', u'▅', u'▆', u'▇', u'█'};
-const std::array<char16_t, 8> PlainBars{u'_', u'.', u',', u'-', u'=', u'+', u'*', u'#'};
+const QStringView UnicodeBars(u"▁▂▃▄▅▆▇█");
+const QStringView PlainBars(u"_.,-=+*#");
 
 } // namespace
 
@@ -34,7 +32,7 @@ void WatchedValue::addGap()
 void WatchedValue::addToCourse(double number)
 {
     m_course.push_back(number);
-    if (m_course.size() > CourseLength)
+    if (m_course.size() > MaxCourse)
         m_course.pop_front();
 }
 
@@ -51,9 +49,9 @@ QString WatchedValue::note(qint64 now) const
         .arg(valueText(m_row), QString::number(static_cast<double>(now - m_readAt) / 1000, 'f', 1));
 }
 
-QString WatchedValue::sparkline(bool isUnicode) const
+QString WatchedValue::sparkline(bool isUnicode, int length) const
 {
-    const std::array<char16_t, 8> &bars = isUnicode ? UnicodeBars : PlainBars;
+    const QStringView bars = isUnicode ? UnicodeBars : PlainBars;
     double lowest = std::numeric_limits<double>::infinity();
     double highest = -lowest;
     for (const double number : m_course) {
@@ -64,13 +62,10 @@ QString WatchedValue::sparkline(bool isUnicode) const
     }
     QString line;
     for (const double number : m_course) {
-        if (!std::isfinite(number)) {
-            line += QLatin1Char(' ');
-            continue;
-        }
         const double height = highest > lowest ? (number - lowest) / (highest - lowest) : 0;
-        line +=
-            QChar(bars.at(static_cast<size_t>(std::lround(height * static_cast<double>(bars.size() - 1)))));
+        line += std::isfinite(number)
+                    ? bars.at(static_cast<int>(std::lround(height * static_cast<double>(bars.size() - 1))))
+                    : QLatin1Char(' ');
     }
-    return line;
+    return line.right(length);
 }

@@ -23,8 +23,12 @@ public:
     QString text(qint64 now) const;
     /// What it was, and how long ago, when it is not live any more.
     QString note(qint64 now) const;
-    /// The last readings as a line of bars between their smallest and their largest; gaps are blank.
-    QString sparkline(bool isUnicode) const;
+    /// The last readings, as many as \a length, as a line of bars between their smallest and their largest;
+    /// gaps are blank. Where bars do not arrive, characters of ASCII stand for them, "_" to "#".
+    QString sparkline(bool isUnicode, int length = MaxCourse) const;
+
+    /// How many readings a course has.
+    static const int MaxCourse = 24;
 
 private:
     void addToCourse(double number);

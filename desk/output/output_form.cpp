@@ -2,106 +2,108 @@
 
 #include "desk/output/table.h"
 
-#include <QJsonDocument>
-#include <QJsonObject>
-
-#include <algorithm>
-
 namespace
 {
 
-QStringList csvTitles(bool hasTime)
-{
-    QStringList titles{QStringLiteral("station"), QStringLiteral("address"), QStringLiteral("offset"),
-                       QStringLiteral("kind"), QStringLiteral("value")};
-    if (hasTime) {
-        titles.prepend(QStringLiteral("time"));
-        titles.append(QStringLiteral("latency_ms"));
-    }
-    return titles;
-}
-
-double milliseconds(qint64 microseconds)
-{
-    return static_cast<double>(microseconds) / 1000;
-}
+const QJsonValue Unknown(QJsonValue::Undefined);
 
 QString offsetText(const ValueRow &row)
 {
     return row.offset < 0 ? QString() : QString::number(row.offset);
 }
 
-// Texts of commands line up to here may hold anything that --raw lets pass.
-QString quoted(const QString &text)
+QJsonValue numberOf(const ValueRow &row)
 {
-    const QString special = QStringLiteral(",\"\r\n");
-    if (std::none_of(text.begin(), text.end(), [&](QChar letter) { return special.contains(letter); }))
-        return text;
-    return QLatin1Char('"') + QString(text).replace(QLatin1Char('"'), QLatin1String("\"\"")) +
-           QLatin1Char('"');
+    return numberOf(row.value, row.kind, row.form);
 }
 
-QString csvLine(const ValueRow &row)
+Field valueField(const ValueRow &row)
 {
-    QStringList cells{QString::number(row.station), quoted(row.address), offsetText(row), nameOf(row.kind),
-                      valueText(row)};
-    if (!row.time.isEmpty()) {
-        cells.prepend(row.time);
-        cells.append(QString::number(milliseconds(row.latency)));
-    }
-    return cells.join(QLatin1Char(','));
+    return row.failure ? Field("value", QJsonValue()) : Field("value", valueText(row), numberOf(row));
 }
 
-QString jsonLine(const ValueRow &row)
+// Where it is, and what it is.
+Fields valueFields(const ValueRow &row)
 {
-    QJsonObject object{{QStringLiteral("station"), row.station},
-                       {QStringLiteral("address"), row.address},
-                       {QStringLiteral("kind"), nameOf(row.kind)},
-                       {QStringLiteral("value"), numberOf(row.value, row.kind, row.form)},
-                       {QStringLiteral("text"), valueText(row)}};
-    object.insert(QStringLiteral("offset"), row.offset < 0 ? QJsonValue() : QJsonValue(row.offset));
-    if (!row.time.isEmpty()) {
-        object.insert(QStringLiteral("time"), row.time);
-        object.insert(QStringLiteral("latency_ms"), milliseconds(row.latency));
+    return {{"station", row.station},
+            {"address", row.address},
+            {"offset", row.offset < 0 ? QJsonValue() : QJsonValue(row.offset)},
+            {"kind", nameOf(row.kind)},
+            valueField(row),
+            Field::withoutColumn("text", row.failure ? QJsonValue() : QJsonValue(valueText(row)))};
+}
+
+Fields failureFields(const ValueRow &row)
+{
+    return {{"failure", row.failure ? QJsonValue(row.failure->kind) : Unknown},
+            {"error", row.failure ? QJsonValue(row.failure->text) : Unknown}};
+}
+
+Fields earlierFields(const ValueRow &row)
+{
+    if (!row.earlier)
+        return {{"last_value", Unknown}, {"last_time", Unknown}, {"stale", Unknown}};
+    return {{"last_value", formatValue(row.earlier->value, row.kind, row.form),
+             numberOf(row.earlier->value, row.kind, row.form)},
+            {"last_time", row.earlier->time},
+            {"stale", true}};
+}
+
+Fields &operator+=(Fields &fields, const Fields &others)
+{
+    fields.insert(fields.end(), others.begin(), others.end());
+    return fields;
+}
+
+Fields fieldsOf(const ValueRow &row)
+{
+    Fields fields = valueFields(row);
+    return fields += failureFields(row);
+}
+
+Fields seriesFields(const ValueRow &row)
+{
+    Fields fields{{"time", row.time}};
+    fields += valueFields(row);
+    fields += {{"latency_ms", millisecondsValue(row.latency)},
+               {"transaction_ms", millisecondsValue(row.duration)},
+               {"attempts", row.attempts}};
+    fields += failureFields(row);
+    return fields += earlierFields(row);
+}
+
+QStringList tableOf(const std::vector<ValueRow> &rows)
+{
+    Table table({QStringLiteral("address"), QStringLiteral("offset"), QStringLiteral("value")}, {1, 2});
+    for (const ValueRow &row : rows) {
+        if (!row.failure)
+            table.addRow({row.address, offsetText(row), valueText(row)});
     }
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+    const QStringList lines = table.lines();
+    return lines.size() > 1 ? lines : QStringList();
 }
 
 } // namespace
 
-QStringList outputFormatNames()
-{
-    return {QStringLiteral("text"), QStringLiteral("csv"), QStringLiteral("json")};
-}
-
 QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format)
 {
-    if (format == OutputFormat::Text) {
-        Table table({QStringLiteral("address"), QStringLiteral("offset"), QStringLiteral("value")}, {1, 2});
-        for (const ValueRow &row : rows)
-            table.addRow({row.address, offsetText(row), valueText(row)});
-        return table.lines();
-    }
-    QStringList lines;
-    if (format == OutputFormat::Csv)
-        lines += csvTitles(false).join(QLatin1Char(','));
+    if (format == OutputFormat::Text)
+        return tableOf(rows);
+    std::vector<Fields> all;
     for (const ValueRow &row : rows)
-        lines += format == OutputFormat::Csv ? csvLine(row) : jsonLine(row);
-    return lines;
+        all.push_back(fieldsOf(row));
+    return linesForPrograms(fieldsOf(ValueRow()), all, format);
 }
 
 QString seriesTitles(OutputFormat format)
 {
-    return format == OutputFormat::Csv ? csvTitles(true).join(QLatin1Char(',')) : QString();
+    return titleLine(seriesFields(ValueRow()), format);
 }
 
 QString seriesLine(const ValueRow &row, OutputFormat format, int addressWidth)
 {
-    switch (format) {
-    case OutputFormat::Csv: return csvLine(row);
-    case OutputFormat::Json: return jsonLine(row);
-    case OutputFormat::Text: break;
-    }
+    if (format != OutputFormat::Text)
+        return fieldLine(seriesFields(row), format);
     return QStringLiteral("%1  %2  %3")
         .arg(row.time, row.address.leftJustified(addressWidth), valueText(row));
 }

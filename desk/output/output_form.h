@@ -1,17 +1,10 @@
 #pragma once
 
 #include "desk/items/value_row.h"
+#include "desk/output/fields.h"
 
-#include <QStringList>
-
-#include <vector>
-
-enum class OutputFormat { Text, Csv, Json };
-
-/// "text", "csv", "json", in the order of the enumeration.
-QStringList outputFormatNames();
-
-/// Rows as lines of the format, aligned when it is text. CSV and text begin with a line of titles.
+/// Rows as lines of the format. CSV and text begin with a line of titles; text is aligned, and leaves out
+/// what has failed.
 QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format);
 
 /// The same for rows with a time, which come one by one: the line of titles, empty when the format has none,

@@ -84,13 +84,18 @@ void RangeScan::add(int first, int last)
         m_found.push_back({first, last});
 }
 
+QString RangeScan::textOf(const Range &range) const
+{
+    Address first = m_last.address;
+    first.number = range.first;
+    return range.last == range.first ? first.label()
+                                     : first.label() + QStringLiteral("..") + QString::number(range.last);
+}
+
 QStringList RangeScan::found() const
 {
     QStringList texts;
-    for (const Range &range : m_found) {
-        const QString first = m_last.address.areaName + QString::number(range.first);
-        texts +=
-            range.last == range.first ? first : first + QStringLiteral("..") + QString::number(range.last);
-    }
+    for (const Range &range : m_found)
+        texts += textOf(range);
     return texts;
 }

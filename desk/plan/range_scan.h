@@ -17,6 +17,11 @@ enum class RangeAnswer {
 class RangeScan
 {
 public:
+    /// Numbers that count from 1, both included.
+    struct Range {
+        int first;
+        int last;
+    };
     using Reader = std::function<RangeAnswer(const Items &)>;
 
     /// \a probe has the station, the area and the kind; \a reader asks the slave.
@@ -26,7 +31,9 @@ public:
     /// the end.
     bool run(int first, int last, const std::function<bool(int number)> &mayGoOn);
 
-    /// "HR1..100", in rising order.
+    /// What was found, in rising order, also as texts: "HR1..100".
+    const std::vector<Range> &ranges() const { return m_found; }
+    QString textOf(const Range &range) const;
     QStringList found() const;
     /// The last number of which it is known whether it exists.
     int scannedTo() const { return m_scannedTo; }
@@ -37,11 +44,6 @@ private:
     RangeAnswer halve(int first, int last, bool isMissingSome);
     RangeAnswer ask(int first, int last);
     void add(int first, int last);
-
-    struct Range {
-        int first;
-        int last;
-    };
 
     Items m_last;
     Reader m_reader;

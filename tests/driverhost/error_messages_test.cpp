@@ -65,7 +65,7 @@ TEST_F(ErrorMessagesTest, GatewaysThatAnswerForNobodyAreNoStations)
     EXPECT_TRUE(read.err.contains(QLatin1String("the gateway got no answer"))) << read.err.toStdString();
 
     slave.inject(Fault{Fault::Exception, 0x0B});
-    const HostRun scan = host("scan TARGET stations --to 1 --delay 0");
+    const HostRun scan = host("scan TARGET stations --to 1 --delay 0 --passes 1");
     EXPECT_EQ(scan.out, QString());
     EXPECT_TRUE(scan.err.contains(QLatin1String("0 stations answered"))) << scan.err.toStdString();
     EXPECT_TRUE(scan.err.contains(QLatin1String("for 1 more the gateway"))) << scan.err.toStdString();

@@ -49,7 +49,7 @@ TEST(HostDemo, FindsEverythingAsItShouldBe)
             const bool isBitArea = area[0] == 'D' || QLatin1String(area) == QLatin1String("FN5DO");
             const bool isRegisterKind = QLatin1String(kind).contains(QLatin1String("word"));
             const QRegularExpression row(
-                QStringLiteral("^read +%1(?:SW)?\\d+(?:\\.\\d+)? +%2 .* ok +01 0[1-4] ")
+                QStringLiteral("^read +%1(?:SW)?\\d+(?:\\.\\d+)? +%2 .* ok\n +> 01 0[1-4] ")
                     .arg(QLatin1String(area), QLatin1String(kind)),
                 QRegularExpression::MultilineOption);
             EXPECT_EQ(row.match(run.out).hasMatch(), !(isBitArea && isRegisterKind)) << area << ' ' << kind;

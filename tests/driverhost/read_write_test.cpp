@@ -65,10 +65,10 @@ TEST_F(ReadWriteTest, ReadsAsCsvAndJson)
 {
     setHoldingRegister(9, 0xFFFE);
     EXPECT_EQ(host(QStringLiteral("read TARGET HR10 --as signed --format csv")).out,
-              QStringLiteral("station,address,offset,kind,value\n1,HR10,9,word,-2\n"));
+              QStringLiteral("station,address,offset,kind,value,failure,error\n1,HR10,9,word,-2,,\n"));
     const QStringList lines =
         linesOf(host(QStringLiteral("read TARGET HR10 HR11 --as hex --format json")).out);
-    ASSERT_EQ(lines.size(), 2);
+    ASSERT_EQ(lines.size(), 3) << "two values and the summary";
     const QJsonObject first = QJsonDocument::fromJson(lines.at(0).toUtf8()).object();
     EXPECT_EQ(first, (QJsonObject{{"station", 1},
                                   {"address", "HR10"},
@@ -96,7 +96,7 @@ TEST_F(ReadWriteTest, SplitsWhatOneRequestCannotCarryAndSaysSo)
     const HostRun run = host(QStringLiteral("read TARGET HR1 --count 300 --format csv"));
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(linesOf(run.out).size(), 301);
-    EXPECT_EQ(linesOf(run.out).last(), QStringLiteral("1,HR300,299,word,42"));
+    EXPECT_EQ(linesOf(run.out).last(), QStringLiteral("1,HR300,299,word,42,,"));
     EXPECT_TRUE(run.err.contains(QLatin1String("in 3 portions"))) << run.err.toStdString();
     EXPECT_EQ(slave.counts().requests, 3u);
 }
@@ -107,9 +107,9 @@ TEST_F(ReadWriteTest, ReadsBytesOfBitsWithoutAProject)
     slave.setValue(1, Area::Coils, 15, 1);
     EXPECT_EQ(
         linesOf(host(QStringLiteral("read TARGET DO1 --kind byte --count 2 --format csv")).out).value(2),
-        QStringLiteral("1,DO9,8,byte,129"));
+        QStringLiteral("1,DO9,8,byte,129,,"));
     EXPECT_EQ(linesOf(host(QStringLiteral("read TARGET DO9 --raw --kind byte --format csv")).out).value(1),
-              QStringLiteral("1,DO9,,byte,129"));
+              QStringLiteral("1,DO9,,byte,129,,"));
 }
 
 TEST_F(ReadWriteTest, RefusesAddressesBeforeAnythingIsSent)
@@ -183,7 +183,10 @@ TEST_F(ReadWriteTest, OneFailureDoesNotHideTheOtherValues)
 {
     const HostRun run = host(QStringLiteral("read TARGET HR1 HR1000 HR2 --retries 0 --format csv"));
     EXPECT_EQ(run.code, 5);
-    EXPECT_EQ(linesOf(run.out).size(), 3);
+    ASSERT_EQ(linesOf(run.out).size(), 4);
+    EXPECT_EQ(linesOf(run.out).at(2),
+              QStringLiteral("1,HR1000,999,word,,exception,exception code:0x02 (read 1 "
+                             "word(s) from 1-HR1000)"));
 }
 
 TEST_F(ReadWriteTest, TellsWhenTheProjectIsNoUse)

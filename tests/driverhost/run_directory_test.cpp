@@ -66,14 +66,15 @@ protected:
         ASSERT_EQ(peer.receive(8).size(), 8);
         ASSERT_EQ(foldersIn(place.path()).size(), 1);
     }
-    void expectDeathOf(int signal)
+    // What the child does on the signal, this process does after it has removed the folder.
+    void expectEndOf(int signal, QProcess::ExitStatus status, int code)
     {
         QProcess process;
         startRead(process);
         ASSERT_EQ(kill(static_cast<pid_t>(process.processId()), signal), 0);
         ASSERT_TRUE(process.waitForFinished(Patience));
-        EXPECT_EQ(process.exitStatus(), QProcess::CrashExit);
-        EXPECT_EQ(process.exitCode(), signal);
+        EXPECT_EQ(process.exitStatus(), status);
+        EXPECT_EQ(process.exitCode(), code);
         EXPECT_TRUE(peer.seesEnd());
         EXPECT_TRUE(foldersIn(place.path()).isEmpty());
     }
@@ -202,17 +203,22 @@ TEST_F(RunDirectoryTest, ManyRunsAtOnceDoNotGetInEachOthersWay)
 
 TEST_F(RunDirectoryTest, IsRemovedWhenTheRunIsInterrupted)
 {
-    expectDeathOf(SIGINT);
+    expectEndOf(SIGINT, QProcess::NormalExit, 130);
 }
 
 TEST_F(RunDirectoryTest, IsRemovedWhenTheRunIsTerminated)
 {
-    expectDeathOf(SIGTERM);
+    expectEndOf(SIGTERM, QProcess::NormalExit, 130);
 }
 
 TEST_F(RunDirectoryTest, IsRemovedWhenTheTerminalHangsUp)
 {
-    expectDeathOf(SIGHUP);
+    expectEndOf(SIGHUP, QProcess::NormalExit, 130);
+}
+
+TEST_F(RunDirectoryTest, IsRemovedWhenTheChildDiesOfASignal)
+{
+    expectEndOf(SIGQUIT, QProcess::CrashExit, SIGQUIT);
 }
 
 TEST_F(RunDirectoryTest, IsRemovedByTheNextRunAfterAKill)

@@ -72,11 +72,14 @@ TEST_F(WatchTest, WritesCsvAndJson)
 {
     const QStringList csv = host(QStringLiteral("watch TARGET HR1 --interval 0 --count 2 --format csv"))
                                 .out.split(QLatin1Char('\n'));
-    EXPECT_EQ(csv.value(0), QStringLiteral("time,station,address,offset,kind,value,latency_ms"));
+    EXPECT_EQ(csv.value(0),
+              QStringLiteral("time,station,address,offset,kind,value,latency_ms,"
+                             "transaction_ms,attempts,failure,error,last_value,last_time,stale"));
     EXPECT_EQ(csv.value(2).split(QLatin1Char(',')).mid(1, 5).join(QLatin1Char(',')),
               QStringLiteral("1,HR1,0,word,0"));
     const QString json = host(QStringLiteral("watch TARGET HR1 --interval 0 --count 1 --format json")).out;
-    const QJsonObject object = QJsonDocument::fromJson(json.toUtf8()).object();
+    const QJsonObject object =
+        QJsonDocument::fromJson(json.section(QLatin1Char('\n'), 0, 0).toUtf8()).object();
     EXPECT_TRUE(object.value(QStringLiteral("latency_ms")).isDouble());
     EXPECT_TRUE(object.value(QStringLiteral("time")).isString());
     EXPECT_EQ(object.value(QStringLiteral("value")), QJsonValue(0));
@@ -96,14 +99,15 @@ TEST_F(WatchTest, KeepsATableInPlaceOnATerminal)
 {
     setHoldingRegister(0, 100);
     PtyProgram program(arguments(QStringLiteral("HR1 HR2 --interval 0.05")));
-    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 0 +100 "); }))
-        << program.output().toStdString();
+    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
+        return shows(screen, "HR1", " 100 +[0-9.]+ ");
+    })) << program.output().toStdString();
     setHoldingRegister(0, 200);
     ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
-        return shows(screen, "HR1", " 0 +200 +\\* ");
+        return shows(screen, "HR1", " 200 +\\* ");
     })) << "the change is marked";
     ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
-        return shows(screen, "HR1", " 0 +200 +[0-9.]+ ");
+        return shows(screen, "HR1", " 200 +[0-9.]+ ");
     })) << "and then it is no change any more";
     EXPECT_TRUE(
         lineOf(program.screen(), QStringLiteral("HR1")).contains(QRegularExpression(QStringLiteral("▁+█+"))));
@@ -122,12 +126,11 @@ TEST_F(WatchTest, NeverShowsAStaleValueAsIfItWereLive)
 {
     setHoldingRegister(0, 4711);
     PtyProgram program(arguments(QStringLiteral("HR1 --interval 0.05 --retries 0 --timeout 600000")));
-    ASSERT_TRUE(
-        program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 0 +4711 "); }));
+    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 4711 "); }));
     // The slave just stops answering, and the watch waits for it.
     slave.inject(Fault{Fault::HalfOpen, -1}, 1);
     ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
-        return shows(screen, "HR1", " 0 +\\? .* was 4711 [0-9.]+ s ago");
+        return shows(screen, "HR1", " \\? .* was 4711 [0-9.]+ s ago");
     })) << program.screen().text().toStdString();
     program.type("\x03");
     EXPECT_EQ(program.waitForEnd(), 0) << "Ctrl-C must not wait for the reply";
@@ -137,29 +140,19 @@ TEST_F(WatchTest, FindsASlaveAgainThatWentAway)
 {
     setHoldingRegister(0, 7);
     PtyProgram program(arguments(QStringLiteral("HR1 HR2 --interval 0.05 --retries 0")));
-    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 0 +7 "); }));
+    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 7 "); }));
     slave.stop();
     ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
-        return shows(screen, "HR1", " 0 +\\? ") && shows(screen, "HR2", " 1 +\\? ") &&
+        return shows(screen, "HR1", " \\? ") && shows(screen, "HR2", " \\? ") &&
                screen.text().contains(QLatin1String("Connection refused"));
     })) << program.screen().text().toStdString();
     ASSERT_TRUE(slave.start());
     setHoldingRegister(0, 8);
-    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 0 +8 "); }));
+    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "HR1", " 8 "); }));
     EXPECT_TRUE(shows(program.screen(), "HR1", " [1-9]\\d* +\\S*▁")) << "the errors stay counted";
     program.type("\x03");
     EXPECT_EQ(program.waitForEnd(), 0);
     EXPECT_TRUE(program.screen().text().contains(QLatin1String(" x cannot connect to ")));
-}
-
-TEST_F(WatchTest, LeavesOutWhatDoesNotFitTheScreen)
-{
-    PtyProgram program(arguments(QStringLiteral("HR1 --items 50 --interval 0.05")), 40, 12);
-    ASSERT_TRUE(program.waitForScreen(
-        [](const Screen &screen) { return screen.text().contains(QLatin1String("more lines)")); }));
-    for (const QString &line : program.screen().lines())
-        EXPECT_LE(line.size(), 40);
-    EXPECT_LE(program.screen().lines().size(), 12);
 }
 
 TEST_F(WatchTest, InterruptedWithoutATerminalItTellsTheStatisticsToo)
@@ -171,7 +164,7 @@ TEST_F(WatchTest, InterruptedWithoutATerminalItTellsTheStatisticsToo)
     ASSERT_TRUE(process.waitForFinished(Patience));
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(process.exitCode(), 0);
-    EXPECT_TRUE(process.readAllStandardError().contains(" transactions in "));
+    EXPECT_TRUE(process.readAllStandardError().contains(", 0 failed"));
 }
 
 TEST_F(WatchTest, EndsWhenNobodyReadsIt)
@@ -200,20 +193,21 @@ TEST_F(WatchTest, FailsWhenNothingCouldBeRead)
 TEST(Statistics, KnowItsQuantiles)
 {
     Statistics statistics;
-    EXPECT_EQ(statistics.quantile(0.5), -1);
+    EXPECT_EQ(statistics.latencies().quantile(0.5), -1);
     for (int latency = 1; latency <= 100; ++latency)
-        statistics.addSuccess(latency);
+        statistics.addSuccess(latency, 1000 * latency);
     statistics.addFailure(QStringLiteral("packet loss"));
     statistics.addFailure(QStringLiteral("packet loss"));
-    EXPECT_EQ(statistics.quantile(0), 1);
-    EXPECT_EQ(statistics.quantile(0.5), 50);
-    EXPECT_EQ(statistics.quantile(0.99), 99);
-    EXPECT_EQ(statistics.quantile(1), 100);
+    EXPECT_EQ(statistics.latencies().quantile(0), 1);
+    EXPECT_EQ(statistics.latencies().quantile(0.5), 50);
+    EXPECT_EQ(statistics.latencies().quantile(0.99), 99);
+    EXPECT_EQ(statistics.durations().quantile(1), 100000);
     EXPECT_EQ(statistics.transactions(), 102u);
     EXPECT_EQ(statistics.lines(1500),
-              (QStringList{
-                  QStringLiteral("102 transactions in 1.5 s, 2 failed"), QStringLiteral("  2 x packet loss"),
-                  QStringLiteral("latency min 0.001 ms, median 0.05 ms, p99 0.099 ms, max 0.1 ms")}));
+              (QStringList{QStringLiteral("102 transactions in 1.5 s, 2 failed"),
+                           QStringLiteral("  2 x packet loss"),
+                           QStringLiteral("latency min 0.001 ms, median 0.05 ms, p99 0.099 ms, max 0.1 ms"),
+                           QStringLiteral("transaction min 1 ms, median 50 ms, p99 99 ms, max 100 ms")}));
 }
 
 TEST(WatchedValue, IsLiveOnlyForItsTime)

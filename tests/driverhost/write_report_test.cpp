@@ -23,23 +23,54 @@ Exchange exchange(const char *request, const char *reply)
 
 } // namespace
 
-TEST(WriteReport, TellsConfirmedUnknownAndRefusedApart)
+QStringList reported(const char *address, int count, const std::vector<Exchange> &exchanges)
+{
+    Items items;
+    items.address = *parseAddress(QLatin1String(address));
+    items.kind = defaultKind(items.address);
+    items.count = count;
+    WriteReport report(items);
+    report.add(exchanges);
+    return report.lines();
+}
+
+TEST(WriteReport, TellsConfirmedUnknownRefusedAndUnsentApart)
 {
     const Exchange first = exchange("010600000001", "010600000001");
     const Exchange second = exchange("010600010002", "010600010002");
     const Exchange refused = exchange("010600020003", "018602");
     const Exchange silent = exchange("010600020003", "");
-    EXPECT_EQ(writtenBeforeFailure({first, second, refused}), QStringList{"already written: HR1..2"});
-    EXPECT_EQ(writtenBeforeFailure({first, silent}),
-              (QStringList{"already written: HR1", "sent but not confirmed, perhaps written: HR3"}));
-    EXPECT_EQ(writtenBeforeFailure({silent, first, exchange("010600020003", "010600020003")}),
-              QStringList{"already written: HR1 and HR3"});
-    EXPECT_EQ(writtenBeforeFailure({exchange("010500070000", "010500070000")}),
+    EXPECT_EQ(reported("FN6HR1", 4, {first, second, refused}),
+              (QStringList{"already written: HR1..2", "refused: HR3", "not sent: HR4"}));
+    EXPECT_EQ(reported("2-FN6HR1", 3, {first, silent}),
+              (QStringList{"already written: 2-HR1", "sent but not confirmed, perhaps written: 2-HR3",
+                           "not sent: 2-HR2"}));
+    EXPECT_EQ(reported("FN6HR1", 3, {silent, first, exchange("010600020003", "010600020003")}),
+              (QStringList{"already written: HR1 and HR3", "not sent: HR2"}));
+    EXPECT_EQ(reported("FN6HR3", 1, {silent, refused}),
+              QStringList{"sent but not confirmed, perhaps written: HR3"})
+        << "the first attempt may have been executed";
+    EXPECT_EQ(reported("FN5DO8", 1, {exchange("010500070000", "010500070000")}),
               QStringList{"already written: DO8"});
-    EXPECT_EQ(writtenBeforeFailure({exchange("01100004000306000000000000", "")}),
+    EXPECT_EQ(reported("HR5", 3, {exchange("01100004000306000000000000", "")}),
               QStringList{"sent but not confirmed, perhaps written: HR5..7"});
-    EXPECT_TRUE(writtenBeforeFailure({refused}).isEmpty());
-    EXPECT_TRUE(writtenBeforeFailure({exchange("010300000001", "")}).isEmpty());
+    EXPECT_EQ(reported("HR1.3", 1, {exchange("010300000001", "")}), QStringList{"not sent: HR1"});
+}
+
+TEST(WriteReport, AnItemIsAsFarAsItsLeastCertainRegister)
+{
+    Items items;
+    items.address = *parseAddress(QStringLiteral("FN6HR1"));
+    items.kind = DoubleWordItem;
+    items.count = 3;
+    WriteReport report(items);
+    EXPECT_FALSE(report.hasTouched());
+    report.add({exchange("010600000001", "010600000001"), exchange("010600010001", "010600010001"),
+                exchange("010600020001", "010600020001"), exchange("010600030001", "018602")});
+    EXPECT_EQ(report.stateOf(0), WriteState::Written);
+    EXPECT_EQ(report.stateOf(1), WriteState::Unconfirmed) << "half of it is written";
+    EXPECT_EQ(report.stateOf(2), WriteState::NotSent);
+    EXPECT_TRUE(report.hasTouched());
 }
 
 TEST(DryRunChannel, ConfirmsEveryRequestOfTheDriver)
@@ -116,4 +147,43 @@ TEST_F(WriteReportTest, TheTraceHasALineForEachFrame)
     const HostRun junk = host(QStringLiteral("read TARGET HR1 HR2 --trace"));
     EXPECT_EQ(junk.code, 0);
     EXPECT_EQ(junk.err.count(QLatin1String(" ! ")), 1) << junk.err.toStdString();
+}
+
+TEST_F(WriteReportTest, WhatOneRequestCannotCarryIsWrittenInPortions)
+{
+    QString values;
+    for (int i = 1; i <= 300; ++i)
+        values += QStringLiteral(" %1").arg(i);
+    const HostRun run = host(QStringLiteral("write TARGET HR201") + values + QStringLiteral(" --verify"));
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    EXPECT_EQ(run.err, QStringLiteral(
+                           "HR201: 300 items are more than one request carries; writing them in 3 portions, "
+                           "one after the other\nHR201: wrote 300 items of kind word\nHR201: verified\n"));
+    EXPECT_EQ(holdingRegister(200), 1);
+    EXPECT_EQ(holdingRegister(499), 300);
+    EXPECT_EQ(host(QStringLiteral("write TARGET HR201") + values + QStringLiteral(" --dry-run"))
+                  .out.count(QLatin1String(" write multiple registers")),
+              3);
+}
+
+TEST(WriteInPortions, ThatBreaksOffSaysWhatWasConfirmed)
+{
+    SlaveOptions options;
+    ASSERT_TRUE(options.faults.add(QStringLiteral("silence=1/2")));
+    SlaveThread slave(options);
+    ASSERT_TRUE(slave.start());
+    QStringList ones;
+    while (ones.size() < 300)
+        ones += QStringLiteral("1");
+    const HostRun broken =
+        runHost(QStringList{"write", QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(slave.port()), "1-HR1",
+                            "--retries", "0", "--timeout", "60"} +
+                ones);
+    EXPECT_EQ(broken.code, 4);
+    EXPECT_TRUE(broken.err.contains(QLatin1String("driverhost: 1-HR124: PLC no response (")))
+        << broken.err.toStdString();
+    EXPECT_TRUE(broken.err.endsWith(QLatin1String("\n  already written: 1-HR1..123\n"
+                                                  "  sent but not confirmed, perhaps written: 1-HR124..246\n"
+                                                  "  not sent: 1-HR247..300\n")))
+        << broken.err.toStdString();
 }

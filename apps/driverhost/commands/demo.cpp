@@ -41,6 +41,43 @@ QString valuesText(const std::vector<quint32> &values, ItemKind kind)
     return texts.join(QLatin1Char(' '));
 }
 
+// A table of which every row has some lines below it, none longer than a narrow terminal.
+class AnnotatedTable
+{
+public:
+    explicit AnnotatedTable(const QStringList &titles) : m_table(titles) {}
+
+    void addRow(const QStringList &cells, const QStringList &below)
+    {
+        m_table.addRow(cells);
+        m_below.push_back(below);
+    }
+    QStringList lines() const
+    {
+        const QStringList rows = m_table.lines();
+        QStringList lines{rows.first()};
+        for (int i = 1; i < rows.size(); ++i) {
+            lines += rows.at(i);
+            for (const QString &line : m_below[static_cast<size_t>(i - 1)])
+                lines += QStringLiteral("       ") + line;
+        }
+        return lines;
+    }
+
+private:
+    Table m_table;
+    std::vector<QStringList> m_below;
+};
+
+QStringList frameLines(const std::vector<Exchange> &exchanges)
+{
+    QStringList lines;
+    for (const Exchange &exchange : exchanges)
+        lines << QStringLiteral("> ") + hexText(exchange.request)
+              << QStringLiteral("< ") + hexText(exchange.reply);
+    return lines;
+}
+
 class Demonstration
 {
 public:
@@ -60,11 +97,9 @@ private:
 
     Session &m_session;
     SlaveThread &m_slave;
-    Table m_table{{QStringLiteral(""), QStringLiteral("address"), QStringLiteral("kind"),
-                   QStringLiteral("values"), QStringLiteral("result"), QStringLiteral("request"),
-                   QStringLiteral("reply")}};
-    Table m_failures{{QStringLiteral("situation"), QStringLiteral("request"),
-                      QStringLiteral("the driver's text"), QStringLiteral("result")}};
+    AnnotatedTable m_table{{QStringLiteral(""), QStringLiteral("address"), QStringLiteral("kind"),
+                            QStringLiteral("values"), QStringLiteral("result")}};
+    AnnotatedTable m_failures{{QStringLiteral("situation"), QStringLiteral("result")}};
     int m_wrong = 0;
 };
 
@@ -122,11 +157,7 @@ void Demonstration::addRow(const char *what, const DemoCase &demoCase, bool isRi
                       isRight ? QStringLiteral("ok") : QStringLiteral("WRONG")};
     if (demoCase.items.kind == ByteItem || demoCase.items.kind == BlockItem)
         cells[1] = demoCase.items.address.text();
-    for (const Exchange &exchange : m_session.exchanges()) {
-        m_table.addRow(cells + QStringList{hexText(exchange.request), hexText(exchange.reply)});
-        for (QString &cell : cells)
-            cell.clear();
-    }
+    m_table.addRow(cells, frameLines(m_session.exchanges()));
 }
 
 void Demonstration::showFailures()
@@ -174,10 +205,13 @@ void Demonstration::fail(const char *situation, const Items &items, const QStrin
 {
     const bool isRight = !m_session.read(items) && m_session.failure().text == expected;
     m_wrong += isRight ? 0 : 1;
-    const QString request =
-        m_session.exchanges().empty() ? QStringLiteral("-") : hexText(m_session.exchanges().back().request);
-    m_failures.addRow({QLatin1String(situation), request, m_session.failure().text,
-                       isRight ? QStringLiteral("ok") : QStringLiteral("WRONG, expected ") + expected});
+    QStringList below{m_session.failure().text};
+    if (!isRight)
+        below += QStringLiteral("expected: ") + expected;
+    if (!m_session.exchanges().empty())
+        below.prepend(QStringLiteral("> ") + hexText(m_session.exchanges().back().request));
+    m_failures.addRow({QLatin1String(situation), isRight ? QStringLiteral("ok") : QStringLiteral("WRONG")},
+                      below);
 }
 
 int demonstrate(Session &session)

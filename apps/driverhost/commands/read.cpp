@@ -2,9 +2,7 @@
 
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "desk/items/readings.h"
-#include "desk/link/session.h"
-#include "desk/output/output_form.h"
+#include "apps/driverhost/runs/reading_run.h"
 
 namespace
 {
@@ -23,28 +21,22 @@ const CommandLine::Texts Texts = {
     "  driverhost read --host gateway --station 2 DI17 HR7.3 IR1",
 };
 
-// The rows of everything that could be read; the first failure decides the exit code.
 int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat format)
 {
-    int code = Success;
-    std::vector<ValueRow> rows;
-    for (const Reading &reading : readings) {
-        const int station = session.stationFor(reading.items);
-        reportBroadcast(station);
-        if (const std::optional<QByteArray> data = session.read(reading.items)) {
-            const std::vector<ValueRow> more = rowsOf(reading, *data, station);
-            rows.insert(rows.end(), more.begin(), more.end());
-            reportOddSuccess(session, labelOf(reading));
+    InterruptibleRun run(session);
+    ReadingRun values(session);
+    for (size_t i = 0; i < readings.size() && !run.isInterrupted(); ++i) {
+        run.setLabel(labelOf(readings[i]));
+        reportBroadcast(session.stationFor(readings[i].items));
+        if (values.read(readings[i]))
             continue;
-        }
-        reportFailure(session, labelOf(reading));
-        const ExitCode failure = exitCodeOf(session.failure());
-        code = code == Success ? failure : code;
-        if (failure == CannotConnect || failure == DatabaseError)
+        values.fail(readings[i]);
+        if (values.isHopeless()) {
+            values.failOthers(readings, i + 1);
             break;
+        }
     }
-    const bool isPrinted = rows.empty() || print(linesOf(rows, format));
-    return isPrinted ? code : OutputClosed;
+    return values.finish(format, run);
 }
 
 } // namespace

@@ -1,9 +1,13 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/console/link_options.h"
+#include "apps/driverhost/console/interruptible_run.h"
+#include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/progress.h"
-#include "apps/driverhost/console/stop_signal.h"
+#include "apps/driverhost/runs/scan_stations.h"
+#include "apps/driverhost/terminal/progress.h"
+#include "desk/items/number_text.h"
+#include "desk/output/scan_form.h"
+#include "desk/output/summary.h"
 #include "desk/plan/range_scan.h"
 
 namespace
@@ -14,7 +18,7 @@ const CommandLine::Texts Texts = {
     "[rtutcp://HOST:PORT/STATION] stations|HR|IR|DI|DO",
     "Finds which stations answer behind a gateway, or which addresses of an area a slave has. Gentle by "
     "default:\n"
-    "one attempt each (--retries 0), 20 ms between requests (--delay), 300 ms for a reply "
+    "one attempt each (--retries 0), 20 ms between requests (--delay), 600 ms for a reply "
     "(--timeout). Ctrl-C\n"
     "ends with what was found so far.",
     "  driverhost scan rtutcp://192.168.0.10:502 stations --from 1 --to 32\n"
@@ -22,59 +26,15 @@ const CommandLine::Texts Texts = {
 };
 
 const int DefaultLastNumber = 1000;
-const int GentleTimeout = 300;
+// Some slaves and gateways need half a second to get over a request that was not for them.
+const int GentleTimeout = 600;
+const int MaxAfterSilence = 60000;
 const unsigned int GentleDelay = 20;
 
 struct Limits {
     int first = 1;
     int last = 1;
 };
-
-int endOf(int code)
-{
-    return StopSignal::raised() ? Interrupted : code;
-}
-
-int scanStations(Session &session, const Limits &limits, const Items &probe)
-{
-    const StopSignal signal;
-    session.channel().setCancelled(StopSignal::raised);
-    QStringList lines;
-    int absent = 0;
-    int code = Success;
-    {
-        Progress progress(QStringLiteral("stations"), limits.last - limits.first + 1);
-        for (int station = limits.first; station <= limits.last && !StopSignal::raised(); ++station) {
-            progress.show(station - limits.first, QStringLiteral("%1 found").arg(lines.size()));
-            Items items = probe;
-            items.address.station = station;
-            const bool isRead = session.read(items).has_value();
-            if (StopSignal::raised())
-                break;
-            if (isRead) {
-                lines += QStringLiteral("%1  answers").arg(station);
-                continue;
-            }
-            const Failure failure = session.failure();
-            const ExitCode failureCode = exitCodeOf(failure);
-            if (failureCode == CannotConnect || failureCode == DatabaseError) {
-                reportFailure(session, items.label(0));
-                code = failureCode;
-                break;
-            }
-            if (failure.isStationAbsent())
-                ++absent;
-            else if (failure.kind != FailureKind::NoReply)
-                lines += QStringLiteral("%1  %2").arg(QString::number(station), failure.text);
-        }
-    }
-    report(QStringLiteral("%1 stations answered").arg(lines.size()));
-    if (absent > 0)
-        report(QStringLiteral(
-                   "for %1 more the gateway answered that they are not there (exception 0x0A or 0x0B)")
-                   .arg(absent));
-    return print(lines) ? endOf(code) : OutputClosed;
-}
 
 // What a slave's answer says about a range. Exception 3 may mean "too many at once"; with the others named
 // here the addresses make no difference.
@@ -89,27 +49,48 @@ RangeAnswer answerOf(Session &session, const Items &items)
     return failure.exception == modbus::IllegalDataValue ? RangeAnswer::TooMany : RangeAnswer::Missing;
 }
 
-int scanRanges(Session &session, const Limits &limits, const Items &probe)
+int printRanges(Session &session, const RangeScan &scan, OutputFormat format, bool isInterrupted)
 {
-    const StopSignal signal;
-    session.channel().setCancelled(StopSignal::raised);
-    RangeScan scan(probe, [&](const Items &items) { return answerOf(session, items); });
-    bool isComplete = false;
-    {
-        Progress progress(probe.address.areaName, limits.last - limits.first + 1);
-        isComplete = scan.run(limits.first, limits.last, [&](int number) {
-            progress.show(number - limits.first);
-            return !StopSignal::raised();
-        });
+    QStringList lines;
+    if (format == OutputFormat::Text) {
+        lines = scan.found();
+    } else {
+        std::vector<RangeRow> rows;
+        for (const RangeScan::Range &range : scan.ranges())
+            rows.push_back(
+                {session.stationFor(scan.lastItems()), scan.textOf(range), range.first, range.last});
+        lines = linesOf(rows, format);
     }
-    const bool hasFailed = !isComplete && !StopSignal::raised();
-    if (hasFailed)
+    if (format == OutputFormat::Json)
+        lines +=
+            summaryLine(session.counts(), {{QStringLiteral("found"), static_cast<int>(scan.ranges().size())},
+                                           {QStringLiteral("scanned_to"), scan.scannedTo()},
+                                           {QStringLiteral("interrupted"), isInterrupted}});
+    return lines.isEmpty() || print(lines) ? Success : OutputClosed;
+}
+
+int scanRanges(Session &session, const Limits &limits, const Items &probe, OutputFormat format)
+{
+    RangeScan scan(probe, [&](const Items &items) { return answerOf(session, items); });
+    Progress progress(probe.address.areaName, limits.last - limits.first + 1);
+    InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
+    const bool isComplete = scan.run(limits.first, limits.last, [&](int number) {
+        progress.show(number - limits.first);
+        return !run.isInterrupted();
+    });
+    int code = scan.ranges().empty() ? ExceptionReply : Success;
+    if (run.isInterrupted()) {
+        reportError(QStringLiteral("interrupted"));
+    } else if (!isComplete) {
         reportFailure(session, scan.lastItems().label(0));
-    const QStringList found = scan.found();
-    report(
-        QStringLiteral("%1 ranges found up to %2%3")
-            .arg(QString::number(found.size()), probe.address.areaName, QString::number(scan.scannedTo())));
-    return print(found) ? endOf(hasFailed ? exitCodeOf(session.failure()) : Success) : OutputClosed;
+        code = exitCodeOf(session.failure());
+    }
+    report(QStringLiteral("%1 found up to %2%3")
+               .arg(counted(static_cast<qint64>(scan.ranges().size()), "range"), probe.address.areaName,
+                    QString::number(scan.scannedTo())));
+    report(countsText(session.counts().total()));
+    const int printed = printRanges(session, scan, format, run.isInterrupted());
+    return printed == Success ? run.endOf(code) : printed;
 }
 
 Items probeOf(CommandLine &line, const QString &what)
@@ -141,6 +122,16 @@ Job prepareScan(const QStringList &arguments)
         {QStringLiteral("probe"),
          QStringLiteral("What to read from stations (default HR1); an exception is an answer."),
          QStringLiteral("ADDRESS"), QStringLiteral("HR1")},
+        {QStringLiteral("after-silence"),
+         QStringLiteral("Milliseconds from a request to a station that did not answer to the next request "
+                        "(default 600)."),
+         QStringLiteral("MS"), QStringLiteral("600")},
+        {QStringLiteral("passes"),
+         QStringLiteral(
+             "How often to go through the stations: 1, or 2 for a slow second time when the first has "
+             "found little (default 2)."),
+         QStringLiteral("N"), QStringLiteral("2")},
+        formatOption(),
     });
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
@@ -165,10 +156,15 @@ Job prepareScan(const QStringList &arguments)
     limits.last = isStations ? modbus::MaxStation : qMax(DefaultLastNumber, limits.first);
     if (line.isSet("to"))
         limits.last = line.number("to", limits.first, max);
+    const OutputFormat format = formatOf(line);
+    StationScanOptions options{limits.first, limits.last, probe, 0, 0, format};
+    options.afterSilence = line.number("after-silence", 0, MaxAfterSilence);
+    options.passes = line.number("passes", 1, 2);
     if (!line.isValid())
         return line.reportUsageError();
 
     return {link, {}, [=](Session &session) {
-                return isStations ? scanStations(session, limits, probe) : scanRanges(session, limits, probe);
+                return isStations ? scanStations(session, options)
+                                  : scanRanges(session, limits, probe, format);
             }};
 }

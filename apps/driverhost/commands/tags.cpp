@@ -1,10 +1,10 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/commands/watch_options.h"
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/progress.h"
-#include "apps/driverhost/console/stop_signal.h"
+#include "apps/driverhost/runs/reading_run.h"
+#include "apps/driverhost/terminal/progress.h"
+#include "apps/driverhost/watch/watch_options.h"
 #include "desk/plan/tag_plan.h"
 #include "desk/project/project_file.h"
 #include "drivers/tools/project_lookup.h"
@@ -36,68 +36,36 @@ void takeFromNode(LinkSettings &settings, const Project::Node &node, const Comma
         settings.channel.port = node.port;
 }
 
-// Reads one after the other; a range that the slave refuses is read again value by value.
-class TagReader
+// A range that the slave refuses is read again value by value.
+void readOrSplit(ReadingRun &values, Session &session, const Reading &reading)
 {
-public:
-    explicit TagReader(Session &session) : m_session(session) {}
+    if (values.read(reading))
+        return;
+    const bool isSplit = session.failure().kind == FailureKind::Exception && reading.shown.size() > 1;
+    if (!isSplit) {
+        values.fail(reading);
+        return;
+    }
+    for (const Reading &single : oneByOne(reading)) {
+        if (!values.read(single))
+            values.fail(single);
+    }
+}
 
-    int read(const std::vector<Reading> &readings, OutputFormat format);
-
-private:
-    bool readOne(const Reading &reading);
-    void fail(const Reading &reading);
-
-    Session &m_session;
-    std::vector<ValueRow> m_rows;
-    int m_code = Success;
-};
-
-int TagReader::read(const std::vector<Reading> &readings, OutputFormat format)
+int readTags(Session &session, const std::vector<Reading> &readings, OutputFormat format)
 {
-    const StopSignal signal;
-    m_session.channel().setCancelled(StopSignal::raised);
-    {
-        Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
-        for (size_t i = 0; i < readings.size() && !StopSignal::raised(); ++i) {
-            progress.show(static_cast<qint64>(i));
-            if (readOne(readings[i]))
-                continue;
-            const bool isRefused =
-                m_session.failure().kind == FailureKind::Exception && readings[i].shown.size() > 1;
-            if (!isRefused) {
-                fail(readings[i]);
-            } else {
-                for (const Reading &single : oneByOne(readings[i])) {
-                    if (!readOne(single))
-                        fail(single);
-                }
-            }
-            if (m_code == CannotConnect || m_code == DatabaseError)
-                break;
+    Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
+    InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
+    ReadingRun values(session);
+    for (size_t i = 0; i < readings.size() && !run.isInterrupted(); ++i) {
+        progress.show(static_cast<qint64>(i));
+        readOrSplit(values, session, readings[i]);
+        if (values.isHopeless()) {
+            values.failOthers(readings, i + 1);
+            break;
         }
     }
-    if (!m_rows.empty() && !print(linesOf(m_rows, format)))
-        return OutputClosed;
-    return StopSignal::raised() ? Interrupted : m_code;
-}
-
-bool TagReader::readOne(const Reading &reading)
-{
-    const std::optional<QByteArray> data = m_session.read(reading.items);
-    if (!data)
-        return false;
-    const std::vector<ValueRow> rows = rowsOf(reading, *data, m_session.stationFor(reading.items));
-    m_rows.insert(m_rows.end(), rows.begin(), rows.end());
-    return true;
-}
-
-void TagReader::fail(const Reading &reading)
-{
-    if (StopSignal::raised())
-        return;
-    reportFailure(m_session, labelOf(reading));
-    m_code = m_code == Success ? exitCodeOf(m_session.failure()) : m_code;
+    return values.finish(format, run);
 }
 
 // The same readings; those that the slave refuses as a whole value by value.
@@ -163,7 +131,7 @@ Job prepareTags(const QStringList &arguments)
                 for (const QString &skipped : plan.skipped)
                     report(QStringLiteral("skipped: ") + skipped);
                 if (!isWatched)
-                    return TagReader(session).read(plan.readings, run.format);
+                    return readTags(session, plan.readings, run.format);
                 return watchReadings(session, readable(session, plan.readings), watchRunOn(link, run));
             }};
 }

@@ -1,8 +1,8 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/commands/watch_options.h"
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/watch/watch_options.h"
 
 namespace
 {

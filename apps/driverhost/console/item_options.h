@@ -3,7 +3,8 @@
 #include "apps/driverhost/console/command_line.h"
 #include "apps/driverhost/console/link_options.h"
 #include "desk/items/items.h"
-#include "desk/output/output_form.h"
+#include "desk/items/value_form.h"
+#include "desk/output/fields.h"
 
 /// What the addresses on the command line stand for.
 struct ItemOptions {

@@ -1,5 +1,6 @@
 #include "apps/driverhost/console/messages.h"
 
+#include "apps/driverhost/terminal/status_line.h"
 #include "desk/items/number_text.h"
 #include "desk/items/portions.h"
 
@@ -13,6 +14,7 @@ void reportError(const QString &text)
 
 void report(const QString &text)
 {
+    clearStatus();
     std::fprintf(stderr, "%s\n", text.toLocal8Bit().constData());
 }
 
@@ -74,8 +76,19 @@ void reportPortions(const std::vector<Items> &all)
     }
 }
 
+void reportWritePortions(const Items &items)
+{
+    const size_t portions = writePortionsOf(items).size();
+    if (portions > 1)
+        report(
+            QStringLiteral("%1: %2 items are more than one request carries; writing them in %3 portions, one "
+                           "after the other")
+                .arg(items.label(0), QString::number(items.count), QString::number(portions)));
+}
+
 bool print(const QStringList &lines)
 {
+    clearStatus();
     for (const QString &line : lines)
         std::fprintf(stdout, "%s\n", line.toLocal8Bit().constData());
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
@@ -89,6 +102,7 @@ TraceSink stderrTrace()
 {
     return [](const QString &line) {
         const QByteArray bytes = line.toLocal8Bit() + '\n';
+        clearStatus();
         std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
     };
 }

@@ -20,6 +20,7 @@ void reportOddSuccess(const Session &session, const QString &label);
 void reportBroadcast(int station);
 /// Says which items are more than one request carries.
 void reportPortions(const std::vector<Items> &all);
+void reportWritePortions(const Items &items);
 
 /// Writes lines to standard output at once; false when nobody reads it any more.
 bool print(const QStringList &lines);

@@ -6,10 +6,13 @@
 #include <QRegularExpression>
 
 #include <array>
+#include <cstdio>
 #include <poll.h>
 #include <pty.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace
 {
@@ -31,7 +34,7 @@ int incompleteTail(const QByteArray &bytes)
     return 0;
 }
 
-[[noreturn]] void becomeHost(const QStringList &arguments)
+[[noreturn]] void becomeHost(const QStringList &arguments, const QByteArray &locale, const QString &errorFile)
 {
     std::vector<QByteArray> words{hostProgram().toLocal8Bit()};
     for (const QString &argument : arguments)
@@ -41,7 +44,9 @@ int incompleteTail(const QByteArray &bytes)
         argv.push_back(word.data());
     argv.push_back(nullptr);
     setenv("TERM", "xterm", 1);
-    setenv("LC_ALL", "C.UTF-8", 1);
+    setenv("LC_ALL", locale.constData(), 1);
+    if (!errorFile.isEmpty() && std::freopen(errorFile.toLocal8Bit().constData(), "w", stderr) == nullptr)
+        _exit(127);
     execv(argv.front(), argv.data());
     _exit(127);
 }
@@ -88,18 +93,36 @@ void Screen::control(const QString &parameters, QChar command)
         m_lines[m_row].truncate(m_column);
     else if (command == QLatin1Char('J'))
         m_lines = m_lines.mid(0, m_row) << m_lines.at(m_row).left(m_column);
-    else if (parameters == QLatin1String("?25"))
-        m_isCursorShown = command == QLatin1Char('h');
+    else if (command == QLatin1Char('H'))
+        m_row = m_column = 0;
+    else if (command == QLatin1Char('h') || command == QLatin1Char('l'))
+        setMode(parameters, command == QLatin1Char('h'));
 }
 
-PtyProgram::PtyProgram(const QStringList &arguments, int columns, int rows)
+void Screen::setMode(const QString &mode, bool isOn)
+{
+    if (mode == QLatin1String("?25"))
+        m_isCursorShown = isOn;
+    if (mode != QLatin1String("?1049"))
+        return;
+    m_lines.swap(m_otherLines);
+    std::swap(m_row, m_otherRow);
+    m_column = 0;
+    if (isOn) {
+        m_lines = QStringList{QString()};
+        m_row = 0;
+    }
+}
+
+PtyProgram::PtyProgram(const QStringList &arguments, int columns, int rows, const QByteArray &locale,
+                       const QString &errorFile)
 {
     winsize size = {};
     size.ws_col = static_cast<unsigned short>(columns);
     size.ws_row = static_cast<unsigned short>(rows);
     m_pid = forkpty(&m_terminal, nullptr, nullptr, &size);
     if (m_pid == 0)
-        becomeHost(arguments);
+        becomeHost(arguments, locale, errorFile);
 }
 
 PtyProgram::~PtyProgram()
@@ -146,6 +169,14 @@ void PtyProgram::type(const QByteArray &keys)
 {
     if (write(m_terminal, keys.constData(), static_cast<size_t>(keys.size())) != keys.size())
         m_output += QStringLiteral("(the terminal takes no keys)");
+}
+
+void PtyProgram::resize(int columns, int rows)
+{
+    winsize size = {};
+    size.ws_col = static_cast<unsigned short>(columns);
+    size.ws_row = static_cast<unsigned short>(rows);
+    ioctl(m_terminal, TIOCSWINSZ, &size);
 }
 
 int PtyProgram::waitForEnd()

@@ -6,7 +6,8 @@
 #include <functional>
 #include <sys/types.h>
 
-/// What a terminal shows after some output: lines of text, without colours.
+/// What a terminal shows after some output: lines of text, without colours. It knows the other screen that
+/// programs take for themselves.
 class Screen
 {
 public:
@@ -18,11 +19,14 @@ public:
 private:
     void put(QChar character);
     void control(const QString &parameters, QChar command);
+    void setMode(const QString &mode, bool isOn);
 
     QStringList m_lines{QString()};
     int m_row = 0;
     int m_column = 0;
     bool m_isCursorShown = true;
+    QStringList m_otherLines;
+    int m_otherRow = 0;
     QString m_sequence; // an escape sequence that is not complete yet
 };
 
@@ -30,7 +34,9 @@ private:
 class PtyProgram
 {
 public:
-    PtyProgram(const QStringList &arguments, int columns = 100, int rows = 30);
+    /// Standard error goes to \a errorFile where one is named.
+    PtyProgram(const QStringList &arguments, int columns = 100, int rows = 30,
+               const QByteArray &locale = "C.UTF-8", const QString &errorFile = {});
     ~PtyProgram();
     PtyProgram(const PtyProgram &) = delete;
     PtyProgram &operator=(const PtyProgram &) = delete;
@@ -40,6 +46,8 @@ public:
     bool waitForScreen(const std::function<bool(const Screen &)> &condition);
     /// Types, "\x03" for Ctrl-C.
     void type(const QByteArray &keys);
+    /// Gives the terminal another size, as a window does.
+    void resize(int columns, int rows);
     /// Takes the rest of the output; the exit code, 128 + signal after a signal, -1 when it does not end.
     int waitForEnd();
 

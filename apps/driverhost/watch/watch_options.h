@@ -2,7 +2,7 @@
 
 #include "apps/driverhost/console/command_line.h"
 #include "desk/live/watch_loop.h"
-#include "desk/output/output_form.h"
+#include "desk/output/fields.h"
 
 /// What the subcommands have in common that read the same values again and again: `watch`, `tags --watch`.
 struct WatchRun {

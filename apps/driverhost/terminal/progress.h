@@ -3,7 +3,7 @@
 #include <QElapsedTimer>
 #include <QString>
 
-/// How far long work has come, as a bar on standard error when that is a terminal; removed with the object.
+/// How far long work has come, as a bar on the terminal's status line; removed with the object.
 class Progress
 {
 public:
@@ -13,11 +13,13 @@ public:
     Progress &operator=(const Progress &) = delete;
 
     void show(qint64 done, const QString &note = {});
+    /// The same with another note.
+    void showNote(const QString &note);
 
 private:
     QString m_title;
     qint64 m_total;
-    bool m_isScreen;
+    qint64 m_done = 0;
     bool m_isShown = false;
     QElapsedTimer m_lastShown;
 };

@@ -1,8 +1,0 @@
-#pragma once
-
-#include "apps/driverhost/commands/watch_options.h"
-
-#include <memory>
-
-/// How the readings of a watch are shown: a table in place, or lines, as fits the output.
-std::unique_ptr<WatchListener> makeWatchView(const std::vector<Reading> &readings, const WatchRun &run);

@@ -1,0 +1,97 @@
+#include "apps/driverhost/watch/screen_view.h"
+
+#include "apps/driverhost/console/interruptible_run.h"
+#include "apps/driverhost/terminal/live_screen.h"
+#include "apps/driverhost/terminal/terminal.h"
+#include "apps/driverhost/watch/watch_table.h"
+#include "desk/output/summary.h"
+#include "desk/time_text.h"
+
+#include <QElapsedTimer>
+
+namespace
+{
+
+const qint64 Second = 1000; // in milliseconds
+const int MaxErrors = 4;
+
+QString timeText()
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    return now.toString(QStringLiteral("HH:mm:ss")) + utcOffsetText(now);
+}
+
+class ScreenView : public WatchListener
+{
+public:
+    ScreenView(const Session &session, const std::vector<Reading> &readings, const WatchRun &run)
+        : m_session(session),
+          m_title(run.title),
+          m_table(readings, 2 * qint64(run.settings.interval) + Second),
+          m_isUnicode(takesUnicode())
+    {
+        m_clock.start();
+        draw();
+    }
+
+    bool add(size_t reading, const std::vector<ValueRow> &rows) override
+    {
+        m_table.add(reading, rows, m_clock.elapsed());
+        return true;
+    }
+    bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override
+    {
+        m_table.addFailure(reading, rows, error);
+        return true;
+    }
+    bool endRound() override
+    {
+        ++m_rounds;
+        return draw();
+    }
+    // A slave that answers no more must not leave its last values standing.
+    void tick() override
+    {
+        if (m_screen.isOutdated() || m_clock.elapsed() - m_drawnAt >= Second)
+            draw();
+    }
+
+private:
+    bool draw()
+    {
+        m_drawnAt = m_clock.elapsed();
+        const QStringList lines = m_table.lines(m_drawnAt, screenWidth(), m_isUnicode);
+        return m_screen.show({head() << lines.first(), lines.mid(1), foot()});
+    }
+    QStringList head() const
+    {
+        return {QStringLiteral("%1  round %2  %3").arg(m_title, QString::number(m_rounds), timeText()),
+                countsText(m_session.counts().total())};
+    }
+    QStringList foot() const
+    {
+        QStringList lines = m_table.errors();
+        const int others = lines.size() - MaxErrors;
+        if (others > 0)
+            lines = lines.mid(0, MaxErrors) << QStringLiteral("(%1 more)").arg(others);
+        const QString wait = waitText(m_session);
+        return lines << (wait.isEmpty() ? WatchTable::legend(m_isUnicode) : wait);
+    }
+
+    const Session &m_session;
+    QString m_title;
+    WatchTable m_table;
+    bool m_isUnicode;
+    int m_rounds = 0;
+    qint64 m_drawnAt = 0;
+    QElapsedTimer m_clock;
+    LiveScreen m_screen;
+};
+
+} // namespace
+
+std::unique_ptr<WatchListener> makeScreenView(const Session &session, const std::vector<Reading> &readings,
+                                              const WatchRun &run)
+{
+    return std::make_unique<ScreenView>(session, readings, run);
+}
