@@ -19,7 +19,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/runtime/host" "${PROJECT_SOURCE_DIR}/ru
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
 install(FILES "${PROJECT_SOURCE_DIR}/docs/writing-a-driver.md" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
 
-# The Qt line that the library is built with: how CMake finds it, how its targets begin, what pkg-config calls it.
+# The Qt line that the library is built with: how CMake finds it, how its targets start, what pkg-config calls it.
 if(DRIVER_QT EQUAL 5)
   set(qt_dependency "Qt5 5.15 COMPONENTS Core Sql")
   set(qt_target_prefix Qt5::)

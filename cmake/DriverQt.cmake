@@ -1,4 +1,4 @@
-# The Qt line to build on, behind the same names for both: DriverQt::Core and DriverQt::Sql.
+# The Qt line to build on, under the same names for both: DriverQt::Core and DriverQt::Sql.
 
 set(DRIVER_QT 5 CACHE STRING "Qt line: 5 (desk), 4 (panel) or 6 (new desks and panels)")
 set_property(CACHE DRIVER_QT PROPERTY STRINGS 5 4 6)

@@ -5,7 +5,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
 
-longest_file=350
+max_lines=350
 
 main() {
     install_packages "${build_packages[@]}" "${test_packages[@]}" "${ci_packages[@]}"
@@ -32,9 +32,9 @@ check_scripts() {
 
 check_length() {
     local long
-    long=$(sources '*.cpp' '*.h' '*.py' '*.sh' | xargs wc -l | awk -v most="$longest_file" '$2 != "total" && $1 > most')
+    long=$(sources '*.cpp' '*.h' '*.py' '*.sh' | xargs wc -l | awk -v max="$max_lines" '$2 != "total" && $1 > max')
     if [[ -n $long ]]; then
-        printf 'longer than %s lines; one topic a file:\n%s\n' "$longest_file" "$long" >&2
+        printf 'longer than %s lines; one topic a file:\n%s\n' "$max_lines" "$long" >&2
         return 1
     fi
 }

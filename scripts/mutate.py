@@ -81,10 +81,10 @@ class Test:
             return False
 
     def measure(self):
-        begin = time.monotonic()
+        start = time.monotonic()
         if not self.passes(300):
             sys.exit(f"{self.name} fails before anything is changed")
-        self.seconds = time.monotonic() - begin
+        self.seconds = time.monotonic() - start
 
     def rank(self, file):
         """Those that noticed changes of this file before come first, then quick ones."""

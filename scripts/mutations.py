@@ -1,5 +1,5 @@
 """Which small changes of C++ code mutate.py makes: one operator, constant or call, found by their looks. clang-format
-puts blanks around every binary operator and nowhere else, which tells "a * b" from "char *p" and "a < b" from "<int>"."""
+puts blanks around every binary operator and nowhere else, which distinguishes "a * b" from "char *p" and "a < b" from "<int>"."""
 
 import collections
 import os

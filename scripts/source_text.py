@@ -6,7 +6,7 @@ def context(lines, index, size):
 
 
 def place(lines, index):
-    """The line, with as many of those before it as tell it from every other place in the file."""
+    """The line, with as many of those before it as distinguish it from every other place in the file."""
     for size in range(len(lines)):
         text = context(lines, index, size)
         if sum(context(lines, other, size) == text for other in range(len(lines))) == 1:

@@ -21,6 +21,8 @@ const Subcommand Subcommands[] = {
     {"watch", "Read values again and again", prepareWatch},
     {"tags", "Read all tags of a project", prepareTags},
     {"scan", "Find stations, or the addresses that a slave has", prepareScan},
+    {"points", "Check tables of points, or make one", preparePoints},
+    {"target", "Keep targets by name", prepareTarget},
     {"project", "Make, print and explain project databases", prepareProject},
     {"slave", "Be a slave, also a faulty one", prepareSlave},
     {"demo", "Show the plug-in at work against a slave of its own", prepareDemo},
@@ -37,9 +39,10 @@ QString helpText()
                     .arg(QLatin1String(subcommand.name), -8)
                     .arg(QLatin1String(subcommand.summary));
     return text +
-           QStringLiteral("\n\"driverhost SUBCOMMAND --help\" tells more. Exit codes: 0 success, 1 other "
+           QStringLiteral("\n\"driverhost SUBCOMMAND --help\" says more. Exit codes: 0 success, 1 other "
                           "failure, 2 usage,\n3 cannot connect, 4 no or broken reply, 5 exception reply, "
-                          "6 project database,\n7 not verified, 130 interrupted, 141 output closed.\n");
+                          "6 project database,\n7 not verified, 10 differences found, 130 interrupted, 141 "
+                          "output closed.\n");
 }
 
 int refuseName(const QString &name)

@@ -16,5 +16,5 @@ enum class ChannelEvent {
     ResetByOther
 };
 
-/// Is told of every event, with the bytes of Sent, Received and Discarded.
+/// Gets every event, with the bytes of Sent, Received and Discarded.
 typedef std::function<void(ChannelEvent, const QByteArray &)> ChannelObserver;

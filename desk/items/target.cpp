@@ -46,3 +46,9 @@ QString endpointText(const QString &host, quint16 port)
     const QString name = host.contains(QLatin1Char(':')) ? QStringLiteral("[%1]").arg(host) : host;
     return name + QLatin1Char(':') + QString::number(port);
 }
+
+QString targetText(const Target &target)
+{
+    return QStringLiteral("rtutcp://%1/%2")
+        .arg(endpointText(target.host, target.port), QString::number(target.station));
+}

@@ -24,3 +24,5 @@ bool looksLikeEndpoint(const QString &text);
 
 /// "HOST:PORT", with brackets about an IPv6 address.
 QString endpointText(const QString &host, quint16 port);
+/// "rtutcp://HOST:PORT/STATION", as parseTarget() reads it.
+QString targetText(const Target &target);

@@ -13,18 +13,18 @@ struct KnownText {
     const char *advice;
 };
 
+const char RefusedAdvice[] = "the slave is there and refuses; see its manual for the code";
 const char CutAdvice[] = "the reply stopped short: --timeout, or a gateway that cuts frames";
 
 const KnownText KnownTexts[] = {
     {"can not open database", FailureKind::ProjectDatabase,
-     "is the file a project database? driverhost project --why tells"},
+     "is the file a project database? driverhost project --why explains it"},
     {"failed to get default station id", FailureKind::ProjectDatabase,
-     "has the project a link for this device with a default node? driverhost project --why tells"},
+     "has the project a link for this device with a default node? driverhost project --why explains it"},
     {"failed to initialize valid bit addresses table", FailureKind::ProjectDatabase,
-     "has the project a tag table? driverhost project --why tells"},
+     "has the project a tag table? driverhost project --why explains it"},
     {"invalid address", FailureKind::BitNotInProject, "the project has no tag on a bit of this station"},
-    {"exception code:", FailureKind::Exception,
-     "the slave is there and refuses; see its manual for the code"},
+    {"exception code:", FailureKind::Exception, RefusedAdvice},
     {"can't read", FailureKind::NotRequested,
      "the range ends beyond the area, or is more than one request carries"},
     {"can't write", FailureKind::NotRequested,
@@ -86,7 +86,7 @@ QString exceptionAdvice(int code)
         if (known.code == code)
             return QLatin1String(known.advice);
     }
-    return QStringLiteral("the slave is there and refuses; see its manual for the code");
+    return QLatin1String(RefusedAdvice);
 }
 
 const KnownText &knownText(const QString &text)
@@ -108,7 +108,7 @@ bool mayBeOfAnEcho(FailureKind kind)
     return kind == FailureKind::Damaged || kind == FailureKind::Cut;
 }
 
-// The texts tell what the driver saw of the bytes; the line tells more.
+// The texts say what the driver saw of the bytes; the line knows more.
 const KnownText &known(const QString &text, const CommandRecord &record)
 {
     if (!record.hasOpened())

@@ -38,6 +38,6 @@ struct Failure {
     bool isStationAbsent() const;
 };
 
-/// What it means when a command ended with the driver's \a text, after what \a record tells of the line.
+/// What it means when a command ended with the driver's \a text, with what \a record says of the line.
 /// Where the line could not be opened the text is the line's own.
 Failure failureOf(const QString &text, const CommandRecord &record);

@@ -6,7 +6,10 @@
 /// How to reach slaves through the driver.
 struct LinkSettings {
     ChannelSettings channel;
-    QString plugin;  ///< file; empty for the default places
-    QString project; ///< file; empty for one that is made from these settings
-    TraceSink trace; ///< of every frame; empty for none
+    QString plugin;       ///< file; empty for the default places
+    QString project;      ///< file; empty for one that is made from these settings
+    TraceSink trace;      ///< of every frame; empty for none
+    QString targetOrigin; ///< who said where the link leads, for people; empty when nobody did
+
+    Target target() const { return {channel.host, channel.port, channel.station}; }
 };

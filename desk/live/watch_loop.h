@@ -13,7 +13,7 @@ struct WatchSettings {
     qint64 duration = 0; ///< milliseconds; 0: no limit
 };
 
-/// What is told of a watch. Where something is returned, false ends the watch: nobody wants to know more.
+/// What a watch reports. Where something is returned, false ends the watch: nobody wants to know more.
 class WatchListener
 {
 public:

@@ -8,7 +8,8 @@
 namespace
 {
 
-// Slaves with small buffers refuse the largest requests; these pass nearly everywhere, and save little less.
+// Slaves with small buffers refuse requests of the maximum size; these pass nearly everywhere, and save
+// little less.
 const int RegistersAtOnce = 64;
 const int BitsAtOnce = 512;
 

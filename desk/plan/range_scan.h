@@ -10,7 +10,7 @@ enum class RangeAnswer {
     There,   ///< it has all of it
     Missing, ///< it lacks some of it
     TooMany, ///< it does not give as much at once
-    None     ///< nothing that tells; the scan ends
+    None     ///< no answer to go on with; the scan ends
 };
 
 /// Finds which addresses of an area a slave has, by reading ranges and halving those that it refuses.

@@ -9,7 +9,7 @@ namespace
 {
 
 const int MaxSuggestions = 3;
-const int LeastShared = 2;
+const int MinShared = 2;
 
 std::vector<Point> pointsWhere(const std::vector<Point> &points,
                                const std::function<bool(const Point &)> &isMeant)
@@ -56,7 +56,7 @@ std::vector<Point> pointsNamed(const std::vector<Point> &points, const QString &
 QStringList similarNames(const std::vector<Point> &points, const QString &name)
 {
     std::vector<Point> similar = pointsWhere(
-        points, [&](const Point &point) { return sharedLetters(point.name, name) >= LeastShared; });
+        points, [&](const Point &point) { return sharedLetters(point.name, name) >= MinShared; });
     std::stable_sort(similar.begin(), similar.end(), [&](const Point &left, const Point &right) {
         return sharedLetters(left.name, name) > sharedLetters(right.name, name);
     });

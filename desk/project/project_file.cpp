@@ -30,8 +30,8 @@ void insertProject(SqliteFile &database, const Project &project)
     database.run(QStringLiteral("COMMIT"));
 }
 
-// Where a node is, if the table tells: panels of one node a link leave these columns out, and the driver does
-// not ask for them.
+// Where a node is, if the table has it: panels of one node a link leave these columns out, and the driver
+// does not ask for them.
 QString endpointColumns(SqliteFile &database)
 {
     QStringList columns;

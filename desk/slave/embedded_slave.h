@@ -12,7 +12,7 @@
 class ModbusStation;
 
 /// A Modbus slave that speaks RTU framing over TCP. What a request means is QModbusServer's to say; this
-/// class owns the stations and the connections and does wrong what it was told to do wrong.
+/// class owns the stations and the connections and makes the faults that its options ask for.
 class EmbeddedSlave : public QObject
 {
     Q_OBJECT

@@ -3,8 +3,6 @@
 namespace
 {
 
-const int AddressSpace = 65536;
-
 const QModbusDataUnit::RegisterType tables[] = {QModbusDataUnit::DiscreteInputs, QModbusDataUnit::Coils,
                                                 QModbusDataUnit::InputRegisters,
                                                 QModbusDataUnit::HoldingRegisters};
@@ -24,7 +22,7 @@ QModbusDataUnitMap wholeMap()
 {
     QModbusDataUnitMap map;
     for (const QModbusDataUnit::RegisterType table : tables)
-        map.insert(table, QModbusDataUnit(table, 0, QVector<quint16>(AddressSpace)));
+        map.insert(table, QModbusDataUnit(table, 0, QVector<quint16>(modbus::AddressSpace)));
     return map;
 }
 

@@ -19,8 +19,8 @@ bool isRequestFunction(int function)
 // A function whose form is not known here: the CRC alone says where the request ends.
 int sizeByCrc(const QByteArray &bytes)
 {
-    const int longest = qMin(int(bytes.size()), modbus::MaxFrameSize);
-    for (int size = modbus::MinFrameSize; size <= longest; ++size) {
+    const int max = qMin(int(bytes.size()), modbus::MaxFrameSize);
+    for (int size = modbus::MinFrameSize; size <= max; ++size) {
         if (hasGoodCrc(bytes.left(size)))
             return size;
     }

@@ -2,8 +2,8 @@
 
 #include <QByteArray>
 
-/// Finds requests in a byte stream, however it was cut into segments. A request is told by its length, which
-/// its function gives, and its CRC; where both do not fit, bytes are dropped until they do.
+/// Finds requests in a byte stream, however it was cut into segments. A request is recognised by its length,
+/// which its function gives, and its CRC; where both do not fit, bytes are dropped until they do.
 class RtuDeframer
 {
 public:

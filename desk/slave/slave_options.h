@@ -13,8 +13,8 @@
 
 /// Requests for more items than this get exception 3; the protocol's own limits hold in any case.
 struct SlaveLimits {
-    int registers = 125;
-    int bits = 2000;
+    int registers = modbus::MaxReadRegisters;
+    int bits = modbus::MaxReadBits;
 };
 
 struct SlaveOptions {
@@ -27,7 +27,10 @@ struct SlaveOptions {
     SlaveMemory memory;
     SlaveLimits limits;
     /// Requests for other functions get exception 1.
-    QSet<int> functions = {1, 2, 3, 4, 5, 6, 15, 16};
+    QSet<int> functions = {
+        modbus::ReadCoils,          modbus::ReadDiscreteInputs,    modbus::ReadHoldingRegisters,
+        modbus::ReadInputRegisters, modbus::WriteSingleCoil,       modbus::WriteSingleRegister,
+        modbus::WriteMultipleCoils, modbus::WriteMultipleRegisters};
     /// How long the device takes for a reply.
     int latencyMs = 0;
     /// Sent on every new connection.

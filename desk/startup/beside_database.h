@@ -28,7 +28,7 @@ struct RunBesideDatabase {
 };
 
 /// Runs this program with its own arguments beside the project that the settings and tags make, hands signals
-/// on, and removes everything afterwards. \a notify is told, before the run, what the person is to know
+/// on, and removes everything afterwards. \a notify gets, before the run, what the person should know
 /// though it is no error.
 RunBesideDatabase runBesideDatabase(const QString &plugin, const LinkSettings &settings,
                                     const QStringList &tags,

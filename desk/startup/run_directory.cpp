@@ -38,8 +38,8 @@ void removeLocked(const QString &directory, QLockFile &lock)
     QDir().rmdir(directory);
 }
 
-// A lock tells a directory in use from one left behind. The lock of a directory that was made this moment may
-// still be missing; its maker then finds that it has lost it, and makes another one.
+// A directory in use is locked, one that was left is not. The lock of a directory that was made this moment
+// may still be missing; its maker then finds that it has lost it, and makes another one.
 void removeLeftovers(const QString &place)
 {
     QDir folder(place);

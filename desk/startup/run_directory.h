@@ -5,8 +5,8 @@
 
 #include <memory>
 
-/// A temporary directory with a copy of this program; removed with the object. Directories that were left
-/// behind by processes which are gone are removed by the next one.
+/// A temporary directory with a copy of this program; removed with the object. Those that processes left
+/// which are gone are removed by the next one.
 class RunDirectory
 {
 public:

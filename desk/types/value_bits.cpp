@@ -8,7 +8,7 @@ namespace
 {
 
 const int BitsOfDigit = 4;
-const size_t LongestExact = 1100; // of the digits of a double
+const size_t MaxExactSize = 1100; // of the digits of a double
 const int ExactDigits = 766;      // after the first
 
 template <typename To, typename From>
@@ -34,7 +34,7 @@ std::optional<QByteArray> nearest(const QByteArray &text)
 template <typename Float, typename... Form>
 QByteArray textOf(Float number, Form... form)
 {
-    std::array<char, LongestExact> text = {};
+    std::array<char, MaxExactSize> text = {};
     const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(), number, form...);
     return QByteArray(text.data(), static_cast<int>(end.ptr - text.data()));
 }

@@ -25,7 +25,7 @@ inline bool operator==(const ValueType &left, const ValueType &right)
     return left.meaning == right.meaning && left.bits == right.bits;
 }
 
-/// The longest text, in bytes: what one request reads.
+/// The maximum of a text, in bytes: what one request reads.
 const int MaxTextBytes = 250;
 
 /// Reads "u16", "f32", "str7" or a longer name such as "float"; capital letters are as good. The error lists

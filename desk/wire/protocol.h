@@ -2,8 +2,8 @@
 
 #include <QtGlobal>
 
-/// The numbers of the protocol, each once for everything at a desk. The driver has its own; a test holds both
-/// equal.
+/// The numbers of the protocol, each once for everything at a desk. The driver has its own; a test holds
+/// them side by side.
 
 /// The four areas of a Modbus device ("MODBUS Application Protocol V1.1b3", 4.3).
 enum class Area { DiscreteInputs, Coils, InputRegisters, HoldingRegisters };

@@ -4,7 +4,7 @@
 
 #include <QByteArray>
 
-/// What can be told of an RTU frame (station, function, data, CRC) without knowing the slave.
+/// What an RTU frame (station, function, data, CRC) shows without knowing the slave.
 
 /// The frame with its CRC-16 after it, low byte first.
 QByteArray withCrc(const QByteArray &frame);
@@ -31,7 +31,7 @@ int replySize(const QByteArray &bytes);
 int replySizeFor(const QByteArray &request);
 
 /// Whether what came begins with the request itself, or with so much of it as was taken before it was
-/// refused: a line that echoes. The reply to a write of a single coil or register has to be equal, and tells
+/// refused: a line that echoes. The reply to a write of a single coil or register has to be equal, and shows
 /// nothing.
 bool isEcho(const QByteArray &reply, const QByteArray &request);
 

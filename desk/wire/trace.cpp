@@ -86,7 +86,7 @@ void MasterTrace::dropped(const QByteArray &bytes)
               QStringLiteral("not asked for: ") + describeFrame(FrameRole::Reply, others));
 }
 
-// How many of the bytes the frame lacks that was refused after its beginning. Where its own words do not tell
+// How many of the bytes the frame lacks that was refused after its beginning. Where its own bytes do not say
 // its length, all that came with it is its rest.
 int MasterTrace::restSize(const QByteArray &dropped) const
 {

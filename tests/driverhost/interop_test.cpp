@@ -136,7 +136,7 @@ TEST_F(Interop, EveryFrameStandsBeforeTheDissector)
     EXPECT_EQ((QSet<int>{1, 2, 3, 4, 5, 6, 15, 16}), functions);
 }
 
-// The judge does tell good frames from bad ones.
+// The judge does distinguish good frames from bad ones.
 TEST_F(Interop, TheDissectorSeesBadFrames)
 {
     const QDateTime now = QDateTime::currentDateTime();

@@ -106,7 +106,7 @@ TEST(OtherSide, ThatEchoesConfirmsWhatItNeverTook)
     const HostRun run = runOn(peer, "write FN6HR1 7 --verify --retries 0 --timeout 60");
     EXPECT_TRUE(has(run, "FN6HR1: wrote 1 item of kind word\n")) << run.err.toStdString();
     EXPECT_TRUE(has(run, "  check: what came is the request itself: the line echoes"))
-        << "only reading back tells" << run.err.toStdString();
+        << "only reading back shows" << run.err.toStdString();
     EXPECT_EQ(run.code, 4);
 }
 

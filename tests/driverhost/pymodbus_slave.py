@@ -22,7 +22,7 @@ def block(value_at):
 
 
 def station(number):
-    """Inputs hold what tells their address and station; what can be written holds 0."""
+    """Inputs hold what shows their address and station; what can be written holds 0."""
     return ModbusSlaveContext(
         di=block(lambda offset: offset % 3 == 0),
         co=block(lambda offset: False),

@@ -194,8 +194,8 @@ TEST_F(RunDirectoryTest, ManyRunsAtOnceDoNotGetInEachOthersWay)
     for (const std::unique_ptr<QProcess> &process : processes) {
         ASSERT_TRUE(process->waitForFinished(Patience));
         EXPECT_EQ(process->exitCode(), 3);
-        const QByteArray told = process->readAllStandardError();
-        EXPECT_EQ(told.count('\n'), 3) << told.constData();
+        const QByteArray reported = process->readAllStandardError();
+        EXPECT_EQ(reported.count('\n'), 3) << reported.constData();
     }
     EXPECT_TRUE(foldersIn(place.path()).isEmpty());
 }

@@ -24,7 +24,7 @@ SlaveOptions parsed(const QStringList &arguments)
 }
 
 // What the program says is wrong.
-QString mistakeIn(const QStringList &arguments)
+QString errorIn(const QStringList &arguments)
 {
     const HostRun run = runHost(QStringList{"slave", "--port", "0"} + arguments);
     EXPECT_EQ(2, run.code);
@@ -72,13 +72,13 @@ public:
 TEST(SlaveCommand, Defaults)
 {
     const SlaveOptions options = parsed({});
-    const SlaveOptions usual;
+    const SlaveOptions defaults;
     EXPECT_EQ(QHostAddress("127.0.0.1"), options.address);
     EXPECT_EQ(1502, options.port);
-    EXPECT_EQ(usual.stations, options.stations);
-    EXPECT_EQ(usual.functions, options.functions);
-    EXPECT_EQ(usual.limits.registers, options.limits.registers);
-    EXPECT_EQ(usual.limits.bits, options.limits.bits);
+    EXPECT_EQ(defaults.stations, options.stations);
+    EXPECT_EQ(defaults.functions, options.functions);
+    EXPECT_EQ(defaults.limits.registers, options.limits.registers);
+    EXPECT_EQ(defaults.limits.bits, options.limits.bits);
     EXPECT_EQ(0, options.latencyMs);
     EXPECT_TRUE(options.banner.isEmpty());
     EXPECT_TRUE(options.memory.values().isEmpty());
@@ -131,26 +131,23 @@ TEST(SlaveCommand, TheSeedReachesTheFaults)
 TEST(SlaveCommand, SaysWhatIsWrong)
 {
     EXPECT_EQ("--listen \"everywhere\": expected an IPv4 or IPv6 address",
-              mistakeIn({"--listen", "everywhere"}));
-    EXPECT_EQ("--port \"65536\": expected a whole number from 0 to 65535", mistakeIn({"--port", "65536"}));
-    EXPECT_EQ("--station \"0\": expected a whole number from 1 to 247", mistakeIn({"--station", "0"}));
-    EXPECT_EQ("--station \"3\": expected a whole number from 5 to 247", mistakeIn({"--station", "5-3"}));
-    EXPECT_EQ("--station \"\": expected a whole number from 1 to 247", mistakeIn({"--station", "1,"}));
+              errorIn({"--listen", "everywhere"}));
+    EXPECT_EQ("--port \"65536\": expected a whole number from 0 to 65535", errorIn({"--port", "65536"}));
+    EXPECT_EQ("--station \"0\": expected a whole number from 1 to 247", errorIn({"--station", "0"}));
+    EXPECT_EQ("--station \"3\": expected a whole number from 5 to 247", errorIn({"--station", "5-3"}));
+    EXPECT_EQ("--station \"\": expected a whole number from 1 to 247", errorIn({"--station", "1,"}));
     EXPECT_EQ("--max-registers \"126\": expected a whole number from 1 to 125",
-              mistakeIn({"--max-registers", "126"}));
-    EXPECT_EQ("--max-bits \"2001\": expected a whole number from 1 to 2000",
-              mistakeIn({"--max-bits", "2001"}));
-    EXPECT_EQ("--functions \"128\": expected a whole number from 1 to 127",
-              mistakeIn({"--functions", "128"}));
-    EXPECT_EQ("--latency \"soon\": expected a whole number from 0 to 60000",
-              mistakeIn({"--latency", "soon"}));
-    EXPECT_EQ("--hole \"HR\": expected addresses such as HR10 or 2-DO5..20", mistakeIn({"--hole", "HR"}));
-    EXPECT_EQ("--seed \"x\": expected a whole number from 0 to 2147483647", mistakeIn({"--seed", "x"}));
+              errorIn({"--max-registers", "126"}));
+    EXPECT_EQ("--max-bits \"2001\": expected a whole number from 1 to 2000", errorIn({"--max-bits", "2001"}));
+    EXPECT_EQ("--functions \"128\": expected a whole number from 1 to 127", errorIn({"--functions", "128"}));
+    EXPECT_EQ("--latency \"soon\": expected a whole number from 0 to 60000", errorIn({"--latency", "soon"}));
+    EXPECT_EQ("--hole \"HR\": expected addresses such as HR10 or 2-DO5..20", errorIn({"--hole", "HR"}));
+    EXPECT_EQ("--seed \"x\": expected a whole number from 0 to 2147483647", errorIn({"--seed", "x"}));
     EXPECT_EQ("--fault: \"silence\" is not like silence=1% or truncate:4=1/10; =100% means always",
-              mistakeIn({"--fault", "silence"}));
-    EXPECT_EQ("\"more\" is no option", mistakeIn({"more"}));
-    EXPECT_TRUE(mistakeIn({"--values", "/no/such/file"}).startsWith("/no/such/file: "));
-    EXPECT_TRUE(mistakeIn({"--nonsense"}).contains("nonsense"));
+              errorIn({"--fault", "silence"}));
+    EXPECT_EQ("\"more\" is no option", errorIn({"more"}));
+    EXPECT_TRUE(errorIn({"--values", "/no/such/file"}).startsWith("/no/such/file: "));
+    EXPECT_TRUE(errorIn({"--nonsense"}).contains("nonsense"));
 }
 
 TEST(SlaveCommand, HelpHasEveryOptionAndFault)

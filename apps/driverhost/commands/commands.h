@@ -11,6 +11,8 @@ Job prepareWrite(const QStringList &arguments);
 Job prepareWatch(const QStringList &arguments);
 Job prepareTags(const QStringList &arguments);
 Job prepareScan(const QStringList &arguments);
+Job preparePoints(const QStringList &arguments);
+Job prepareTarget(const QStringList &arguments);
 Job prepareProject(const QStringList &arguments);
 Job prepareSlave(const QStringList &arguments);
 Job prepareDemo(const QStringList &arguments);

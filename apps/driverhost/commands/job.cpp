@@ -7,8 +7,18 @@
 namespace
 {
 
+// For the one who sees the trace and wonders.
+void traceTarget(const LinkSettings &link)
+{
+    const QString origin =
+        link.targetOrigin.isEmpty() ? QStringLiteral("by default and options") : link.targetOrigin;
+    if (link.trace)
+        link.trace(QStringLiteral("target %1: %2").arg(targetText(link.target()), origin));
+}
+
 int runTask(const Job &job)
 {
+    traceTarget(job.link);
     Session session(inheritedPlugin(), job.link);
     if (session.isReady())
         return job.task(session);

@@ -12,9 +12,9 @@ namespace
 const CommandLine::Texts Texts = {
     "scan",
     "[rtutcp://HOST:PORT/STATION] stations|HR|IR|DI|DO",
-    "Finds which stations answer behind a gateway, or which addresses of an area a slave has. Gentle unless "
-    "told\n"
-    "otherwise: one attempt each (--retries 0), 20 ms between requests (--delay), 300 ms for a reply "
+    "Finds which stations answer behind a gateway, or which addresses of an area a slave has. Gentle by "
+    "default:\n"
+    "one attempt each (--retries 0), 20 ms between requests (--delay), 300 ms for a reply "
     "(--timeout). Ctrl-C\n"
     "ends with what was found so far.",
     "  driverhost scan rtutcp://192.168.0.10:502 stations --from 1 --to 32\n"
@@ -77,7 +77,7 @@ int scanStations(Session &session, const Limits &limits, const Items &probe)
 }
 
 // What a slave's answer says about a range. Exception 3 may mean "too many at once"; with the others named
-// here no address can be told from another.
+// here the addresses make no difference.
 RangeAnswer answerOf(Session &session, const Items &items)
 {
     if (session.read(items))
@@ -148,11 +148,11 @@ Job prepareScan(const QStringList &arguments)
 
     QStringList words = line.words();
     LinkSettings link = linkSettings(line, words);
-    if (!line.isSet("timeout"))
+    if (!line.isGiven("timeout"))
         link.channel.timeout = GentleTimeout;
-    if (!line.isSet("retries"))
+    if (!line.isGiven("retries"))
         link.channel.retries = 0;
-    if (!line.isSet("delay"))
+    if (!line.isGiven("delay"))
         link.channel.delay = GentleDelay;
     if (words.size() != 1)
         line.addError(QStringLiteral("expected one thing to scan: stations, HR, IR, DI or DO"));

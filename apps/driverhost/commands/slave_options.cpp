@@ -12,11 +12,11 @@ namespace
 const int MaxLatency = 60 * 1000;
 
 QCommandLineOption option(const char *name, const QString &description, const char *value,
-                          const char *defaultText = "")
+                          const QString &defaultText = {})
 {
     const QString shown =
-        qstrlen(defaultText) == 0 ? QString() : QStringLiteral(" (default %1)").arg(defaultText);
-    return {QLatin1String(name), description + shown, QLatin1String(value), QLatin1String(defaultText)};
+        defaultText.isEmpty() ? QString() : QStringLiteral(" (default %1)").arg(defaultText);
+    return {QLatin1String(name), description + shown, QLatin1String(value), defaultText};
 }
 
 // Numbers and ranges of numbers: "1,3,5-7".
@@ -85,6 +85,7 @@ void readFaults(CommandLine &line, SlaveOptions &options)
 
 QList<QCommandLineOption> slaveCommandOptions()
 {
+    const SlaveLimits protocol;
     return {
         option("listen", QStringLiteral("Address to listen on; 0.0.0.0 is all"), "ADDRESS", "127.0.0.1"),
         option("port", QStringLiteral("Port to listen on; 0 takes a free one"), "NUMBER", "1502"),
@@ -97,8 +98,9 @@ QList<QCommandLineOption> slaveCommandOptions()
                               "several times."),
                "RANGE"),
         option("max-registers", QStringLiteral("Maximum of registers in one request; above: exception 3"),
-               "NUMBER", "125"),
-        option("max-bits", QStringLiteral("Maximum of bits in one request"), "NUMBER", "2000"),
+               "NUMBER", QString::number(protocol.registers)),
+        option("max-bits", QStringLiteral("Maximum of bits in one request"), "NUMBER",
+               QString::number(protocol.bits)),
         option("functions", QStringLiteral("Functions that it knows; others: exception 1"), "LIST",
                "1-6,15,16"),
         option("latency", QStringLiteral("Milliseconds that every reply takes"), "MS", "0"),

@@ -26,15 +26,13 @@ const CommandLine::Texts Texts = {
     "  driverhost tags rtutcp://192.168.0.10:502/1 --project project.db --watch --interval 2",
 };
 
-void takeFromNode(LinkSettings &settings, const Project::Node &node, const CommandLine &line, bool hasTarget)
+void takeFromNode(LinkSettings &settings, const Project::Node &node, const CommandLine &line)
 {
-    if (hasTarget)
-        return;
-    if (!line.isSet("station"))
+    if (!line.isGiven("station"))
         settings.channel.station = node.station & 0xFF;
-    if (!line.isSet("host") && !node.host.isEmpty())
+    if (!line.isGiven("host") && !node.host.isEmpty())
         settings.channel.host = node.host;
-    if (!line.isSet("port") && node.port != 0)
+    if (!line.isGiven("port") && node.port != 0)
         settings.channel.port = node.port;
 }
 
@@ -134,7 +132,6 @@ Job prepareTags(const QStringList &arguments)
         return *end;
 
     QStringList words = line.words();
-    const int allWords = words.size();
     LinkSettings link = linkSettings(line, words);
     const ItemOptions options = itemOptionsOf(line);
     const WatchRun run = watchRunOf(line);
@@ -159,7 +156,7 @@ Job prepareTags(const QStringList &arguments)
                         .arg(link.project, link.channel.device));
         return DatabaseError;
     }
-    takeFromNode(link, *node, line, words.size() < allWords);
+    takeFromNode(link, *node, line);
     const TagPlan plan = planTags(tagsOfLink(*project, node->link), kind, options.form);
     const bool isWatched = line.isSet("watch");
     return {link, {}, [=](Session &session) {

@@ -17,9 +17,8 @@ const int MaxRounds = 1000000000;
 
 QString titleOf(const LinkSettings &link, const WatchSettings &settings)
 {
-    return QStringLiteral("rtutcp://%1/%2  every %3 s  Ctrl-C ends")
-        .arg(endpointText(link.channel.host, link.channel.port), QString::number(link.channel.station),
-             QString::number(settings.interval / 1000.0));
+    return QStringLiteral("%1  every %2 s  Ctrl-C ends")
+        .arg(targetText(link.target()), QString::number(settings.interval / 1000.0));
 }
 
 } // namespace

@@ -13,7 +13,8 @@
 namespace
 {
 
-const qint64 Second = 1000; // in milliseconds; as well a millisecond in microseconds
+const qint64 MillisecondsOfSecond = 1000;
+const double MicrosecondsOfMillisecond = 1000;
 
 // One line a value, with its time.
 class LineView : public WatchListener
@@ -57,7 +58,7 @@ public:
     ScreenView(const std::vector<Reading> &readings, const WatchRun &run)
         : m_readings(readings), m_title(run.title), m_states(readings.size()), m_isUnicode(takesUnicode())
     {
-        const qint64 lifetime = 2 * qint64(run.settings.interval) + Second;
+        const qint64 lifetime = 2 * qint64(run.settings.interval) + MillisecondsOfSecond;
         for (size_t i = 0; i < readings.size(); ++i)
             m_states[i].values.resize(readings[i].shown.size(), WatchedValue(lifetime));
         m_clock.start();
@@ -89,7 +90,7 @@ public:
     // A slave that answers no more must not leave its last values standing.
     void tick() override
     {
-        if (m_rounds > 0 && m_clock.elapsed() - m_drawnAt >= Second)
+        if (m_rounds > 0 && m_clock.elapsed() - m_drawnAt >= MillisecondsOfSecond)
             draw();
     }
 
@@ -131,7 +132,9 @@ private:
                 shown.offset < 0 ? QString() : QString::number(shown.offset),
                 value.text(now),
                 isLive && value.hasChanged() ? QStringLiteral("*") : QString(),
-                isLive ? QString::number(static_cast<double>(state.latency) / Second, 'f', 1) : QString(),
+                isLive
+                    ? QString::number(static_cast<double>(state.latency) / MicrosecondsOfMillisecond, 'f', 1)
+                    : QString(),
                 QString::number(state.errors),
                 value.sparkline(m_isUnicode),
                 value.note(now)};

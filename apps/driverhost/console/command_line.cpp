@@ -46,6 +46,33 @@ bool CommandLine::isSet(const char *option) const
     return m_options.contains(QLatin1String(option)) && m_parser.isSet(QLatin1String(option));
 }
 
+void CommandLine::setDefaults(const std::map<QString, QString> &values, const QString &origin)
+{
+    m_defaults = values;
+    m_defaultsOrigin = origin;
+}
+
+bool CommandLine::isGiven(const char *option) const
+{
+    return isSet(option) || m_defaults.count(QLatin1String(option)) > 0;
+}
+
+QString CommandLine::text(const char *option) const
+{
+    const QString name = QLatin1String(option);
+    const auto value = m_defaults.find(name);
+    if (!isSet(option) && value != m_defaults.end())
+        return value->second;
+    return m_options.contains(name) ? m_parser.value(name) : QString();
+}
+
+QString CommandLine::nameInErrors(const char *option) const
+{
+    const QString name = QLatin1String(option);
+    return isSet(option) || !isGiven(option) ? QStringLiteral("--") + name
+                                             : QStringLiteral("%1: %2").arg(m_defaultsOrigin, name);
+}
+
 std::optional<int> CommandLine::parse(const QStringList &arguments)
 {
     QStringList words{QLatin1String(m_texts.name)};
@@ -64,8 +91,7 @@ std::optional<int> CommandLine::parse(const QStringList &arguments)
 
 int CommandLine::number(const char *option, int min, int max)
 {
-    const Result<int> number =
-        parseNumber(QStringLiteral("--") + QLatin1String(option), withPlainMinus(text(option)), min, max);
+    const Result<int> number = parseNumber(nameInErrors(option), withPlainMinus(text(option)), min, max);
     if (!number)
         addError(number.errorText());
     return number.valueOr(min);
@@ -115,7 +141,7 @@ int CommandLine::reportUsageError() const
 
 QString CommandLine::helpText() const
 {
-    // The parser would begin with the program's path and knows no subcommands.
+    // The parser would start with the program's path and knows no subcommands.
     const QString parsers = m_parser.helpText();
     const QString options = parsers.mid(parsers.indexOf(QLatin1String("Options:")));
     return QStringLiteral("Usage: driverhost %1 [options] %2\n\n%3\n\n%4\nExample:\n%5\n")

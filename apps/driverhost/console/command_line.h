@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QStringList>
 
+#include <map>
 #include <optional>
 
 /// The arguments of one subcommand: its options, what is wrong with them, and its help.
@@ -24,9 +25,16 @@ public:
     /// asked for, or an option is unknown.
     std::optional<int> parse(const QStringList &arguments);
 
-    /// False also for an option that the subcommand does not have.
+    /// Values of options that are not among the arguments, by their names; \a origin says in errors who set
+    /// them. They count before the options' own defaults.
+    void setDefaults(const std::map<QString, QString> &values, const QString &origin);
+
+    /// Whether it is among the arguments; false also for an option that the subcommand does not have.
     bool isSet(const char *option) const;
-    QString text(const char *option) const { return m_parser.value(QLatin1String(option)); }
+    /// Whether it is among the arguments or the values set besides.
+    bool isGiven(const char *option) const;
+    /// Empty also for an option that the subcommand does not have.
+    QString text(const char *option) const;
     QStringList texts(const char *option) const { return m_parser.values(QLatin1String(option)); }
     /// The option's number; one outside the limits is an error and gives \a min.
     int number(const char *option, int min, int max);
@@ -46,10 +54,13 @@ public:
 
 private:
     QString helpText() const;
+    QString nameInErrors(const char *option) const;
 
     Texts m_texts;
     QCommandLineParser m_parser;
     QStringList m_options;
+    std::map<QString, QString> m_defaults;
+    QString m_defaultsOrigin;
     QString m_error;
 };
 

@@ -10,8 +10,9 @@ enum ExitCode : int {
     CannotConnect = 3, ///< no connection to the slave
     NoReply = 4,       ///< no reply, or one that was cut, damaged or from another station
     ExceptionReply = 5,
-    DatabaseError = 6, ///< the project database cannot be used, or has no such link or bits
-    NotVerified = 7,   ///< what was read back is not what was written
+    DatabaseError = 6,   ///< the project database cannot be used, or has no such link or bits
+    NotVerified = 7,     ///< what was read back is not what was written
+    FoundDifferent = 10, ///< what was compared differs, or points overlap
     Interrupted = 130,
     OutputClosed = 141 ///< nobody reads the standard output any more, or its disk is full
 };

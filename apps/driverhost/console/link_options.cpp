@@ -1,6 +1,7 @@
 #include "apps/driverhost/console/link_options.h"
 
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/console/target_choice.h"
 #include "desk/items/target.h"
 #include "desk/project/device_text.h"
 
@@ -41,39 +42,25 @@ QString hostOf(CommandLine &line)
         line.addError(QStringLiteral("--host \"%1\": expected a name or an address alone; the port goes to "
                                      "--port, the station to --station")
                           .arg(host));
+    if (host.isEmpty())
+        line.addError(QStringLiteral("--host is empty"));
     return host;
 }
 
-Target targetOf(CommandLine &line, QStringList &words)
+// Takes the target out of the words and sets what it says where no option says something else. Who said it.
+QString takeTarget(CommandLine &line, QStringList &words)
 {
-    Target target;
-    QStringList others;
-    int targets = 0;
-    for (const QString &word : qAsConst(words)) {
-        if (!looksLikeTarget(word)) {
-            if (!line.isSet("raw") && looksLikeEndpoint(word))
-                line.addError(
-                    QStringLiteral("\"%1\": a target begins with rtutcp://, as rtutcp://%1").arg(word));
-            others += word;
-            continue;
-        }
-        if (++targets > 1)
-            line.addError(QStringLiteral("\"%1\": one target is there already").arg(word));
-        const Result<Target> given = parseTarget(word);
-        if (!given)
-            line.addError(given.errorText());
-        target = given.valueOr(target);
+    const Result<TargetChoice> choice = chooseTarget(words);
+    if (!choice) {
+        line.addError(choice.errorText());
+        return {};
     }
-    words = others;
-    if (line.isSet("host"))
-        target.host = hostOf(line);
-    if (line.isSet("port"))
-        target.port = static_cast<quint16>(line.number("port", 1, MaxPort));
-    if (line.isSet("station"))
-        target.station = line.number("station", modbus::BroadcastStation, modbus::MaxStationNumber);
-    if (target.host.isEmpty())
-        line.addError(QStringLiteral("--host is empty"));
-    return target;
+    for (const QString &word : qAsConst(words)) {
+        if (!line.isSet("raw") && looksLikeEndpoint(word))
+            line.addError(QStringLiteral("\"%1\": a target begins with rtutcp://, as rtutcp://%1").arg(word));
+    }
+    line.setDefaults(choice->settings, choice->origin);
+    return choice->origin;
 }
 
 } // namespace
@@ -119,11 +106,11 @@ TraceSink traceOf(const CommandLine &line)
 
 LinkSettings linkSettings(CommandLine &line, QStringList &words)
 {
-    const Target target = targetOf(line, words);
     LinkSettings settings;
-    settings.channel.host = target.host;
-    settings.channel.port = target.port;
-    settings.channel.station = target.station;
+    settings.targetOrigin = takeTarget(line, words);
+    settings.channel.host = hostOf(line);
+    settings.channel.port = static_cast<quint16>(line.number("port", 1, MaxPort));
+    settings.channel.station = line.number("station", modbus::BroadcastStation, modbus::MaxStationNumber);
     settings.channel.device = line.text("device");
     settings.channel.timeout = line.number("timeout", 1, MaxTimeout);
     settings.channel.connectTimeout = line.number("connect-timeout", 1, MaxTimeout);

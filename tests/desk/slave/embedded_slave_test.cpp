@@ -120,7 +120,7 @@ TEST(EmbeddedSlave, GoesOnAfterNoise)
     EXPECT_EQ(quint64(5 + 8), slave.counts().droppedBytes);
 }
 
-// The begin of a large write swallows what follows until the line has been silent.
+// The beginning of a large write swallows what follows until the line has been silent.
 TEST(EmbeddedSlave, GoesOnAfterAnUnfinishedRequest)
 {
     RunningSlave slave;

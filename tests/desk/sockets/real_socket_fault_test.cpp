@@ -256,7 +256,7 @@ TEST_F(RealSocketFault, EchoedRequests)
 }
 
 // A read of 17 to 24 bits has a reply of the length of its request. The driver does not compare byte counts,
-// so it cannot tell an echo from the reply there; the next exchange is right again.
+// so an echo and the reply are the same to it there; the next exchange is right again.
 TEST_F(RealSocketFault, EchoThatLooksLikeTheReply)
 {
     startSlave();

@@ -174,7 +174,7 @@ private:
         for (int i = 0; i < count; ++i)
             values.push_back(pick(0, 0xFFFF));
         link->writeWords(QStringLiteral("%1%2").arg(area).arg(offset + 1), values);
-        // A spoilt reply tells nothing of what the slave has done, a refusal does.
+        // A spoilt reply says nothing of what the slave has done, a refusal does.
         if (fault.kind != Fault::Exception)
             std::copy(values.begin(), values.end(), registers.begin() + offset);
     }
@@ -200,9 +200,9 @@ private:
         return bytes;
     }
 
-    int pick(int smallest, int largest)
+    int pick(int min, int max)
     {
-        return smallest + static_cast<int>(random() % static_cast<quint32>(largest - smallest + 1));
+        return min + static_cast<int>(random() % static_cast<quint32>(max - min + 1));
     }
 
     static const int Size = 2000;

@@ -13,13 +13,13 @@
 namespace
 {
 
-const int LongestRun = 60000;
+const int MaxRunMs = 60000;
 
 QStringList judgedLines()
 {
     QProcess python;
     python.start(QStringLiteral("/usr/bin/python3"), {sourceFile("tests/desk/types/pymodbus_values.py")});
-    python.waitForFinished(LongestRun);
+    python.waitForFinished(MaxRunMs);
     EXPECT_EQ(python.readAllStandardError().toStdString(), "");
     return QString::fromUtf8(python.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }

@@ -3,7 +3,7 @@
 namespace
 {
 
-const int LongestRun = 60000;
+const int MaxRunMs = 60000;
 const int SignalExit = 128;
 
 } // namespace
@@ -20,7 +20,7 @@ HostRun runHost(const QStringList &arguments, const QProcessEnvironment &environ
     process.setStandardInputFile(QProcess::nullDevice());
     process.start(hostProgram(), arguments);
     HostRun run;
-    if (process.waitForFinished(LongestRun))
+    if (process.waitForFinished(MaxRunMs))
         run.code = process.exitStatus() == QProcess::CrashExit ? SignalExit + process.exitCode()
                                                                : process.exitCode();
     run.out = QString::fromLocal8Bit(process.readAllStandardOutput());

@@ -12,7 +12,7 @@ QString hostProgram();
 
 /// How a run of driverhost ended, and what it wrote.
 struct HostRun {
-    int code = -1; ///< 128 + signal when it died of one, as a shell tells it
+    int code = -1; ///< 128 + signal when it died of one, as a shell reports it
     QString out;
     QString err;
 };

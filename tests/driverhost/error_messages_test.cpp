@@ -3,7 +3,7 @@
 #include <QFile>
 
 // What the program says when it is used wrongly, or when the world is not as it should be.
-class MistakesTest : public SlaveTest
+class ErrorMessagesTest : public SlaveTest
 {
 protected:
     void expectRefusal(const QString &arguments, const QString &text)
@@ -14,7 +14,7 @@ protected:
     }
 };
 
-TEST_F(MistakesTest, TargetsAreHalfWritten)
+TEST_F(ErrorMessagesTest, TargetsAreHalfWritten)
 {
     expectRefusal("read localhost:15102/1 HR1", "rtutcp://localhost:15102/1");
     expectRefusal("read 10.0.0.5:502 HR1", "rtutcp://10.0.0.5:502");
@@ -25,7 +25,7 @@ TEST_F(MistakesTest, TargetsAreHalfWritten)
     expectRefusal("read --host rtutcp://127.0.0.1 HR1", "--port");
 }
 
-TEST_F(MistakesTest, BracketsOfAnAddressAreNoMistake)
+TEST_F(ErrorMessagesTest, BracketsOfAnAddressAreNoError)
 {
     const HostRun run = host("read --host [::1] --port 9 HR1 --retries 0");
     EXPECT_EQ(run.code, 3);
@@ -33,7 +33,7 @@ TEST_F(MistakesTest, BracketsOfAnAddressAreNoMistake)
     EXPECT_FALSE(run.err.contains(QLatin1String("not found"))) << run.err.toStdString();
 }
 
-TEST_F(MistakesTest, NumbersAreNamedAsTheyWereGiven)
+TEST_F(ErrorMessagesTest, NumbersAreNamedAsTheyWereGiven)
 {
     expectRefusal("read TARGET 40001", "40001 is HR1");
     expectRefusal("read TARGET HR1 --count 0", "--count \"0\"");
@@ -43,7 +43,7 @@ TEST_F(MistakesTest, NumbersAreNamedAsTheyWereGiven)
     EXPECT_FALSE(host("watch TARGET HR1 --duration=-1").err.contains(QLatin1String("e+")));
 }
 
-TEST_F(MistakesTest, OutputThatCannotBeWrittenIsTold)
+TEST_F(ErrorMessagesTest, OutputThatCannotBeWrittenIsReported)
 {
     if (!QFile::exists("/dev/full"))
         GTEST_SKIP() << "no full device here";
@@ -52,11 +52,12 @@ TEST_F(MistakesTest, OutputThatCannotBeWrittenIsTold)
     process.start(hostProgram(), {"read", target(), "HR1"});
     ASSERT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.exitCode(), 141);
-    const QByteArray told = process.readAllStandardError();
-    EXPECT_TRUE(told.contains("cannot write the output: No space left on device")) << told.constData();
+    const QByteArray reported = process.readAllStandardError();
+    EXPECT_TRUE(reported.contains("cannot write the output: No space left on device"))
+        << reported.constData();
 }
 
-TEST_F(MistakesTest, GatewaysThatAnswerForNobodyAreNoStations)
+TEST_F(ErrorMessagesTest, GatewaysThatAnswerForNobodyAreNoStations)
 {
     slave.inject(Fault{Fault::Exception, 0x0B});
     const HostRun read = host("read TARGET HR1 --retries 0");
@@ -70,7 +71,7 @@ TEST_F(MistakesTest, GatewaysThatAnswerForNobodyAreNoStations)
     EXPECT_TRUE(scan.err.contains(QLatin1String("for 1 more the gateway"))) << scan.err.toStdString();
 }
 
-TEST_F(MistakesTest, LineBreaksInAnAddressStayInTheirCell)
+TEST_F(ErrorMessagesTest, LineBreaksInAnAddressStayInTheirCell)
 {
     const HostRun run = runHost({"read", target(), "--raw", "IR\n1", "--format", "csv"});
     EXPECT_TRUE(run.out.contains(QLatin1String("\"IR\n1\""))) << run.out.toStdString();
