@@ -3,6 +3,7 @@
 #include "tests/support/gtest_qt.h"
 
 #include <QDataStream>
+#include <QIODevice>
 
 #include <vector>
 

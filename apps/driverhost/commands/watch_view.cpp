@@ -5,6 +5,7 @@
 #include "desk/live/watched_value.h"
 #include "desk/output/table.h"
 #include "desk/time_text.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <QElapsedTimer>
 
@@ -24,7 +25,7 @@ public:
     {
         for (const Reading &reading : readings) {
             for (const Reading::Shown &shown : reading.shown)
-                m_addressWidth = std::max(m_addressWidth, shown.address.size());
+                m_addressWidth = std::max(m_addressWidth, sizeOf(shown.address));
         }
         const QString titles = seriesTitles(format);
         m_isOpen = titles.isEmpty() || print({titles});

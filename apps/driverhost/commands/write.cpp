@@ -68,7 +68,7 @@ WriteRequest writeRequest(const QStringList &words, const ItemOptions &options, 
         return request;
     }
     ItemOptions itemOptions = options;
-    itemOptions.count = words.size() - 1;
+    itemOptions.count = int(words.size()) - 1;
     request.items = itemsAt(words.first(), itemOptions, line);
     request.form = options.form;
     for (const QString &word : words.mid(1)) {

@@ -1,8 +1,9 @@
 #include "apps/driverhost/console/terminal.h"
 
-#include <QTextCodec>
+#include <QByteArray>
 
 #include <cstdio>
+#include <langinfo.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -46,7 +47,7 @@ int screenHeight()
 
 bool takesUnicode()
 {
-    return QTextCodec::codecForLocale()->name() == "UTF-8";
+    return qstrcmp(nl_langinfo(CODESET), "UTF-8") == 0;
 }
 
 LiveLines::LiveLines()
@@ -73,7 +74,7 @@ bool LiveLines::show(const QStringList &lines)
     for (const QString &line : qAsConst(fitting))
         text += '\r' + line.left(screenWidth()).toLocal8Bit() + EraseToEndOfLine + '\n';
     text += EraseBelow;
-    m_shown = fitting.size();
+    m_shown = int(fitting.size());
     return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout) ==
                static_cast<size_t>(text.size()) &&
            std::fflush(stdout) == 0;

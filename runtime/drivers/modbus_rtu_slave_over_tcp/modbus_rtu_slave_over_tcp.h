@@ -5,7 +5,6 @@
 #include "host/driver_interface.h"
 
 #include <QMap>
-#include <QRegExp>
 
 /// The driver of one link to Modbus slaves that speak RTU framing over a TCP byte stream.
 ///
@@ -133,7 +132,6 @@ private:
     bool debugMode;
     bool dbConnected;
     bool dbLoaded;
-    QRegExp bitAddressPattern;
     QString lastError;
     QString connectionName;
     QMap<unsigned char, ModbusBitSet> validBitAddressesMap;
