@@ -19,10 +19,19 @@ else()
   set(DRIVER_FOR_PANEL OFF)
 endif()
 
+# driver_standard(TARGET STANDARD): Qt 6 needs C++17 whatever the target could do with.
+function(driver_standard target standard)
+  if(DRIVER_QT EQUAL 6)
+    set(standard 17)
+  endif()
+  set_target_properties(${target} PROPERTIES
+    CXX_STANDARD ${standard} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF)
+endfunction()
+
 # What runs on a panel: C++11, no exceptions, nothing visible but what is exported by name.
 function(driver_runtime_options target)
+  driver_standard(${target} 11)
   set_target_properties(${target} PROPERTIES
-    CXX_STANDARD 11 CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   target_compile_options(${target} PRIVATE ${DRIVER_WARNINGS} -fno-exceptions)
@@ -39,7 +48,6 @@ endfunction()
 
 # Programs and tests.
 function(driver_program_options target standard)
-  set_target_properties(${target} PROPERTIES
-    CXX_STANDARD ${standard} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF)
+  driver_standard(${target} ${standard})
   target_compile_options(${target} PRIVATE ${DRIVER_WARNINGS})
 endfunction()

@@ -1,5 +1,7 @@
 #include "desk/channel/line_channel.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <algorithm>
 
 namespace
@@ -26,7 +28,7 @@ int LineChannel::readData(char *buffer, int maxLength)
         if (m_line.now() >= deadline)
             break;
     }
-    const int size = std::min(maxLength, m_received.size());
+    const int size = std::min(maxLength, sizeOf(m_received));
     std::copy(m_received.constData(), m_received.constData() + size, buffer);
     m_received.remove(0, size);
     if (size > 0)

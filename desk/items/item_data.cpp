@@ -1,5 +1,6 @@
 #include "desk/items/item_data.h"
 
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/bit_array.h"
 
 quint32 valueAt(const QByteArray &data, ItemKind kind, int position)
@@ -26,7 +27,7 @@ QByteArray dataOf(const std::vector<quint32> &values, ItemKind kind)
 {
     const CommunicatorCommand command{kind, static_cast<int>(values.size()), QString()};
     QByteArray data(GetSafeDataLen(command), '\0');
-    const int size = values.empty() ? 0 : data.size() / static_cast<int>(values.size());
+    const int size = values.empty() ? 0 : sizeOf(data) / static_cast<int>(values.size());
     for (int i = 0; i < command.count; ++i) {
         const quint32 value = values[static_cast<size_t>(i)];
         if (isBitKind(kind)) {

@@ -1,6 +1,7 @@
 #include "desk/link/command_record.h"
 
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 void CommandRecord::begin(int station, qint64 now)
 {
@@ -24,7 +25,7 @@ void CommandRecord::add(ChannelEvent event, const QByteArray &bytes, qint64 now)
         break;
     case ChannelEvent::Sent: addSent(bytes, now); break;
     case ChannelEvent::Received: addReceived(bytes, now); break;
-    case ChannelEvent::Discarded: m_discardedBytes += bytes.size(); break;
+    case ChannelEvent::Discarded: m_discardedBytes += sizeOf(bytes); break;
     case ChannelEvent::ClosedByOther:
     case ChannelEvent::ResetByOther: addEnd(); break;
     case ChannelEvent::Closed: break;

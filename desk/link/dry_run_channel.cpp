@@ -1,6 +1,7 @@
 #include "desk/link/dry_run_channel.h"
 
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 
@@ -26,7 +27,7 @@ DryRunChannel::DryRunChannel(int station, const QString &device)
 
 int DryRunChannel::readData(char *buffer, int maxLength)
 {
-    const int size = std::min(maxLength, m_reply.size());
+    const int size = std::min(maxLength, sizeOf(m_reply));
     std::copy_n(m_reply.constData(), size, buffer);
     m_reply.remove(0, size);
     return size;

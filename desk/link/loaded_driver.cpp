@@ -1,26 +1,15 @@
 #include "desk/link/loaded_driver.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <QLibrary>
 #include <QRandomGenerator>
 
-namespace
-{
-
-// The driver draws its connection's name from the thread's random numbers, which start the same in every
-// process unless the host seeds them.
-void seedRandomNumbers()
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    qsrand(QRandomGenerator::system()->generate());
-#pragma GCC diagnostic pop
-}
-
-} // namespace
-
 LoadedDriver::LoadedDriver(const QString &path) : m_loader(path)
 {
-    seedRandomNumbers();
+    // The driver draws its connection's name from the thread's random numbers, which start the same in every
+    // process unless the host seeds them.
+    seedRandomNumbers(QRandomGenerator::system()->generate());
     m_driver = qobject_cast<DriverInterface *>(m_loader.instance());
 }
 

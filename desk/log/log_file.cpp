@@ -37,8 +37,8 @@ Result<LogRotation> parseLogRotation(const QString &text)
     static const QRegularExpression form(QStringLiteral("^(\\d{1,6})([kMG]?)$"));
     const QRegularExpressionMatch match = form.match(text);
     qint64 size = match.captured(1).toLongLong();
-    for (int i = QStringLiteral("kMG").indexOf(match.captured(2)); !match.captured(2).isEmpty() && i >= 0;
-         --i)
+    for (qsizetype i = QStringLiteral("kMG").indexOf(match.captured(2));
+         !match.captured(2).isEmpty() && i >= 0; --i)
         size *= 1024;
     if (size > 0)
         return LogRotation{size, false};

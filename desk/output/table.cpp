@@ -1,5 +1,7 @@
 #include "desk/output/table.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <algorithm>
 
 Table::Table(const QStringList &titles, const std::vector<int> &rightAligned) : m_rightAligned(rightAligned)
@@ -19,7 +21,7 @@ QStringList Table::lines() const
         widths.resize(std::max(widths.size(), static_cast<size_t>(cells.size())));
         for (int i = 0; i < cells.size(); ++i) {
             int &width = widths[static_cast<size_t>(i)];
-            width = std::max(width, cells.at(i).size());
+            width = std::max(width, sizeOf(cells.at(i)));
         }
     }
     QStringList lines;

@@ -1,6 +1,6 @@
 #include "desk/points/csv_table.h"
 
-#include <QTextCodec>
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 
@@ -118,7 +118,7 @@ private:
     {
         if (m_problem.isEmpty())
             m_problem = QStringLiteral("%1: %2").arg(QString::number(line), problem);
-        m_at = m_text.size();
+        m_at = sizeOf(m_text);
     }
 
     QString m_text;
@@ -128,19 +128,21 @@ private:
     int m_line = 1;
 };
 
+QString withoutMark(const QString &text)
+{
+    return text.startsWith(QChar(QChar::ByteOrderMark)) ? text.mid(1) : text;
+}
+
 } // namespace
 
 QString decodedText(const QByteArray &bytes)
 {
-    QTextCodec::ConverterState state;
-    QTextCodec *const utf8 = QTextCodec::codecForName("UTF-8");
-    QTextCodec *const codec = QTextCodec::codecForUtfText(bytes, utf8);
-    QString text = codec->toUnicode(bytes.constData(), bytes.size(), &state);
-    if (codec == utf8 && state.invalidChars > 0)
-        text = QString::fromLatin1(bytes);
-    if (text.startsWith(QChar(QChar::ByteOrderMark)))
-        text.remove(0, 1);
-    return text;
+    if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF"))
+        return withoutMark(
+            QString::fromUtf16(reinterpret_cast<const char16_t *>(bytes.constData()), sizeOf(bytes) / 2));
+    const QString text = QString::fromUtf8(bytes);
+    const bool isUtf8 = !text.contains(QChar(QChar::ReplacementCharacter)) || bytes.contains("\xEF\xBF\xBD");
+    return isUtf8 ? withoutMark(text) : QString::fromLatin1(bytes);
 }
 
 Result<CsvTable> parseCsv(const QString &text)

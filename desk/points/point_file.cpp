@@ -38,7 +38,7 @@ private:
     {
         for (int i = 0; i < row.cells.size(); ++i) {
             const QString title = row.cells.at(i).toLower();
-            const int known = columnTitles().indexOf(title);
+            const int known = int(columnTitles().indexOf(title));
             if (title.isEmpty())
                 continue;
             if (known < 0)

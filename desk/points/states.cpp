@@ -39,8 +39,8 @@ Result<States> States::parse(const QString &text, int bits)
 {
     States states;
     for (const QString &part : text.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
-        const int equal = part.indexOf(QLatin1Char('='));
-        const int colon = part.indexOf(QLatin1Char(':'));
+        const int equal = int(part.indexOf(QLatin1Char('=')));
+        const int colon = int(part.indexOf(QLatin1Char(':')));
         const bool isBit = colon >= 0 && (equal < 0 || colon < equal);
         const int at = isBit ? colon : equal;
         bool isNumber = false;

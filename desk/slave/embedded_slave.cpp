@@ -3,6 +3,7 @@
 #include "desk/slave/modbus_station.h"
 #include "desk/slave/slave_connection.h"
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <QTcpSocket>
 
@@ -55,7 +56,7 @@ void EmbeddedSlave::acceptConnections()
 SlaveCounts EmbeddedSlave::counts() const
 {
     SlaveCounts counts = m_count;
-    counts.openConnections = findChildren<SlaveConnection *>().size();
+    counts.openConnections = sizeOf(findChildren<SlaveConnection *>());
     return counts;
 }
 

@@ -1,6 +1,7 @@
 #include "desk/slave/reply_shape.h"
 
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 namespace
 {
@@ -35,7 +36,7 @@ QByteArray foreignFunction(const Fault &fault, const QByteArray &reply)
 QByteArray brokenCrc(QByteArray reply, FaultPlan &plan)
 {
     const int bit = plan.pick(0, 15);
-    const int index = reply.size() - 1 - bit / 8;
+    const int index = sizeOf(reply) - 1 - bit / 8;
     reply[index] = static_cast<char>(byteAt(reply, index) ^ (1 << bit % 8));
     return reply;
 }
@@ -50,7 +51,7 @@ QByteArray junk(const Fault &fault, FaultPlan &plan)
 
 QByteArray truncated(const Fault &fault, const QByteArray &reply, FaultPlan &plan)
 {
-    return reply.left(valueOr(fault, plan.pick(1, reply.size() - 1)));
+    return reply.left(valueOr(fault, plan.pick(1, sizeOf(reply) - 1)));
 }
 
 QList<QByteArray> singleBytes(const QByteArray &reply)

@@ -3,6 +3,7 @@
 #include "desk/slave/embedded_slave.h"
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <sys/socket.h>
 
@@ -111,7 +112,7 @@ void SlaveConnection::reportDropped()
     const QByteArray dropped = m_deframer.takeDropped();
     if (dropped.isEmpty())
         return;
-    m_owner->countDropped(dropped.size());
+    m_owner->countDropped(sizeOf(dropped));
     if (isTracing())
         traceFrame(FrameDirection::Dropped, dropped,
                    QStringLiteral("no request: ") + describeFrame(FrameRole::Request, dropped));

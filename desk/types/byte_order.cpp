@@ -1,5 +1,7 @@
 #include "desk/types/byte_order.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -70,7 +72,7 @@ Result<ByteOrder> parseOrder(const QString &name, const ValueType &type)
     if (type.isBit())
         return Error{QStringLiteral("order \"%1\": a bit has no order of bytes").arg(name)};
     for (const NamedOrder &named : NamedOrders) {
-        if (name.compare(QLatin1String(named.name), Qt::CaseInsensitive) == 0 && fits(name.size(), type))
+        if (name.compare(QLatin1String(named.name), Qt::CaseInsensitive) == 0 && fits(sizeOf(name), type))
             return named.order;
     }
     return Error{

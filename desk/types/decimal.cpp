@@ -1,5 +1,7 @@
 #include "desk/types/decimal.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <QRegularExpression>
 
 namespace
@@ -43,7 +45,7 @@ std::optional<Decimal> parseDecimal(const QString &text)
     Decimal number;
     number.isNegative = match.captured(1) == QLatin1String("-");
     number.digits = match.captured(2).toLatin1() + fraction;
-    number.exponent = match.captured(4).toInt() - fraction.size();
+    number.exponent = match.captured(4).toInt() - sizeOf(fraction);
     return normal(number);
 }
 
@@ -53,12 +55,12 @@ Decimal rounded(const Decimal &number)
         return number;
     Decimal whole = number;
     whole.exponent = 0;
-    const int kept = number.digits.size() + number.exponent;
+    const int kept = sizeOf(number.digits) + number.exponent;
     const bool isUp = kept >= 0 && number.digits.at(kept) >= '5';
     whole.digits = kept > 0 ? number.digits.left(kept) : QByteArray();
     if (isUp) {
         whole.digits.prepend('0');
-        int digit = whole.digits.size() - 1;
+        int digit = sizeOf(whole.digits) - 1;
         for (; whole.digits.at(digit) == '9'; --digit)
             whole.digits[digit] = '0';
         ++whole.digits.data()[digit];

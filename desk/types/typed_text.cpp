@@ -32,9 +32,9 @@ Result<TypedText> parseTypeAndCount(const QString &text)
 
 Result<TypedText> parseTypedText(const QString &text)
 {
-    const int at = text.indexOf(QLatin1Char('@'));
+    const int at = int(text.indexOf(QLatin1Char('@')));
     const QString items = text.left(at);
-    const int colon = items.indexOf(QLatin1Char(':'));
+    const int colon = int(items.indexOf(QLatin1Char(':')));
     TypedText typed;
     if (colon >= 0) {
         const Result<TypedText> suffix = parseTypeAndCount(items.mid(colon + 1));

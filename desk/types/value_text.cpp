@@ -1,6 +1,7 @@
 #include "desk/types/value_text.h"
 
 #include "desk/types/value_bits.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <cmath>
 #include <limits>
@@ -19,7 +20,7 @@ QString digitsOf(const QByteArray &value, int bits, int base, int bitsOfDigit)
 
 QString hexOf(const QByteArray &value)
 {
-    return QStringLiteral("0x") + digitsOf(value, value.size() * 8, 16, BitsOfHexDigit);
+    return QStringLiteral("0x") + digitsOf(value, sizeOf(value) * 8, 16, BitsOfHexDigit);
 }
 
 QString bcdText(const QByteArray &value)

@@ -1,6 +1,7 @@
 #include "desk/wire/frame_text.h"
 
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <QStringList>
 
@@ -173,13 +174,13 @@ QStringList describeEnd(const QByteArray &frame, int size)
 {
     if (size == SizeNeedsMoreBytes || size > frame.size()) {
         if (size == SizeNeedsMoreBytes)
-            return {QStringLiteral("incomplete: ") + bytes(frame.size())};
+            return {QStringLiteral("incomplete: ") + bytes(sizeOf(frame))};
         return {QStringLiteral("incomplete: %1 of %2").arg(frame.size()).arg(bytes(size))};
     }
     const int end = size == SizeUnknown ? int(frame.size()) : size;
     QStringList parts{hasGoodCrc(frame.left(end)) ? QStringLiteral("CRC good") : QStringLiteral("CRC bad")};
     if (frame.size() > end)
-        parts << QStringLiteral("then ") + bytes(frame.size() - end);
+        parts << QStringLiteral("then ") + bytes(sizeOf(frame) - end);
     return parts;
 }
 
@@ -205,14 +206,14 @@ QString exceptionName(int code)
 QString describeFrame(FrameRole role, const QByteArray &frame, const QByteArray &request)
 {
     if (frame.size() < 2)
-        return QStringLiteral("incomplete: ") + bytes(frame.size());
+        return QStringLiteral("incomplete: ") + bytes(sizeOf(frame));
     QStringList parts{QStringLiteral("station %1").arg(byteAt(frame, 0))};
     if (role == FrameRole::Request) {
         parts << functionName(functionOf(frame)) << describeRequest(frame);
         parts << describeEnd(frame, requestSize(frame));
     } else if (isEcho(frame, request)) {
         parts << functionName(functionOf(frame)) << QStringLiteral("the request itself: an echo");
-        parts << describeEnd(frame, request.size());
+        parts << describeEnd(frame, sizeOf(request));
     } else {
         parts << functionName(functionOf(frame) & ~modbus::ExceptionFlag) << describeReply(frame, request);
         parts << contradictions(frame, request) << describeEnd(frame, replySize(frame));

@@ -1,5 +1,7 @@
 #include "desk/wire/rtu_frame.h"
 
+#include "drivers/qt/qt_lines.h"
+
 namespace
 {
 
@@ -35,13 +37,13 @@ int readReplySize(int dataSize)
 
 QByteArray withCrc(const QByteArray &frame)
 {
-    const quint16 crc = crcOf(frame.constData(), frame.size());
+    const quint16 crc = crcOf(frame.constData(), sizeOf(frame));
     return frame + static_cast<char>(crc & 0xFF) + static_cast<char>(crc >> 8);
 }
 
 bool hasGoodCrc(const QByteArray &frame)
 {
-    const int size = frame.size() - modbus::CrcSize;
+    const int size = sizeOf(frame) - modbus::CrcSize;
     if (frame.size() < modbus::MinFrameSize)
         return false;
     const quint16 crc = crcOf(frame.constData(), size);

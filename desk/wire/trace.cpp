@@ -3,6 +3,7 @@
 #include "desk/time_text.h"
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 #include <utility>
@@ -93,8 +94,8 @@ int MasterTrace::restSize(const QByteArray &dropped) const
     if (m_refused.isEmpty())
         return 0;
     const bool isEchoed = isEcho(m_refused, m_request);
-    const int size = isEchoed ? m_request.size() : replySize(m_refused + dropped);
-    return size == SizeUnknown ? dropped.size() : std::clamp(size - m_refused.size(), 0, dropped.size());
+    const int size = isEchoed ? sizeOf(m_request) : replySize(m_refused + dropped);
+    return size == SizeUnknown ? sizeOf(dropped) : std::clamp(size - sizeOf(m_refused), 0, sizeOf(dropped));
 }
 
 void MasterTrace::event(const QString &text)

@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
 # The sources of the runtime compile from themselves alone: every .cpp, one include root, Qt's headers and moc, no
 # generated header and no definition that only a build file gives. Other builds than this one rely on it.
-#   compiles_alone.sh COMPILER MOC QT_HEADERS RUNTIME
+#   compiles_alone.sh COMPILER MOC QT_HEADERS RUNTIME STANDARD
 set -euo pipefail
 
-compiler=$1 moc=$2 headers=$3
+compiler=$1 moc=$2 headers=$3 standard=$5
 cd "$4"
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 compile() {
-    "$compiler" -std=c++11 -fPIC -Wall -Wextra -Werror -I. \
+    "$compiler" -std="$standard" -fPIC -Wall -Wextra -Werror -I. \
         -isystem "$headers" -isystem "$headers/QtCore" -isystem "$headers/QtSql" -c "$1" -o "$2"
 }
 

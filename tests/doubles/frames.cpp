@@ -69,12 +69,13 @@ QByteArray fieldsFrame(int station, int function, int first, int second)
 QByteArray writeMultipleFrame(int station, int function, int start, int quantity, const QByteArray &data)
 {
     return framed(QByteArray(1, byteOf(station)) + byteOf(function) + bigEndian(start) + bigEndian(quantity) +
-                  byteOf(data.size()) + data);
+                  byteOf(static_cast<int>(data.size())) + data);
 }
 
 QByteArray readReply(int station, int function, const QByteArray &data)
 {
-    return framed(QByteArray(1, byteOf(station)) + byteOf(function) + byteOf(data.size()) + data);
+    return framed(QByteArray(1, byteOf(station)) + byteOf(function) + byteOf(static_cast<int>(data.size())) +
+                  data);
 }
 
 QByteArray exceptionReply(int station, int function, int code)

@@ -202,7 +202,7 @@ int ScriptedChannel::takeBytes(char *buffer, int maxLength)
     if (incoming.empty() || maxLength <= 0)
         return 0;
     QByteArray &piece = incoming.front();
-    const int size = std::min(maxLength, piece.size());
+    const int size = std::min(maxLength, static_cast<int>(piece.size()));
     std::memcpy(buffer, piece.constData(), static_cast<size_t>(size));
     piece.remove(0, size);
     if (piece.isEmpty())

@@ -79,7 +79,7 @@ TEST(DryRunChannel, ConfirmsEveryRequestOfTheDriver)
     char reply[256] = {};
     const auto answerTo = [&](const char *request) {
         const QByteArray frame = withCrc(QByteArray::fromHex(request));
-        EXPECT_EQ(channel.writeData(frame.constData(), frame.size()), frame.size());
+        EXPECT_EQ(channel.writeData(frame.constData(), int(frame.size())), frame.size());
         return QByteArray(reply, channel.readData(reply, 5)) +
                QByteArray(reply, channel.readData(reply, 200));
     };

@@ -1,5 +1,7 @@
 #include "tests/support/transactions.h"
 
+#include "drivers/qt/qt_lines.h"
+
 // Every reader and writer with every fault in every reply and in every call of the channel: the exact text,
 // closed or not, how many attempts, and never a byte of a refused reply in a result.
 
@@ -252,7 +254,7 @@ TEST_F(FaultMatrix, EverySendFallsShort)
 {
     for (const Transaction &transaction : transactions)
         for (size_t at = 0; at < transaction.exchanges.size(); ++at) {
-            const int whole = transaction.exchanges[at].request.size();
+            const int whole = sizeOf(transaction.exchanges[at].request);
             for (int sent = -1; sent < whole; ++sent) {
                 SCOPED_TRACE(transaction.name + (", request " + std::to_string(at)) + ", sent " +
                              std::to_string(sent));

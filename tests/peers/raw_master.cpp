@@ -96,7 +96,7 @@ QByteArray RawMaster::ask(const char *request)
     QByteArray reply = receive(5);
     const int size = replySize(reply);
     if (size > reply.size())
-        reply += receive(size - reply.size());
+        reply += receive(size - int(reply.size()));
     const QByteArray digits = reply.left(reply.size() - modbus::CrcSize).toHex().toUpper();
     return hasGoodCrc(reply) ? digits : "bad CRC: " + reply.toHex().toUpper();
 }

@@ -1,4 +1,4 @@
-#include "drivers/modbus_rtu_slave_over_tcp/bit_runs.h"
+#include "drivers/modbus_rtu_slave_over_tcp/project/bit_runs.h"
 #include "tests/support/random_data.h"
 
 #include <gtest/gtest.h>

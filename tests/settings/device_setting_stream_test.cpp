@@ -6,6 +6,7 @@
 
 #include <QBuffer>
 #include <QDataStream>
+#include <QIODevice>
 
 #include <vector>
 

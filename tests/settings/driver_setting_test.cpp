@@ -4,6 +4,7 @@
 #include "tests/support/message_capture.h"
 
 #include <QDataStream>
+#include <QIODevice>
 #include <QStringList>
 
 namespace

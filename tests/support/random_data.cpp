@@ -11,14 +11,6 @@ unsigned int chosenSeed()
 
 } // namespace
 
-void seedRandomNumbers(unsigned int seed)
-{
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
-    qsrand(seed);
-#pragma GCC diagnostic pop
-}
-
 RandomData::RandomData() : seed(chosenSeed()), engine(seed) {}
 
 std::string RandomData::trace() const

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "drivers/qt/qt_lines.h"
+
 #include <QByteArray>
 
 #include <random>
 #include <string>
-
-/// Seeds qrand() in this thread.
-void seedRandomNumbers(unsigned int seed);
 
 /// Random data of one test. Every run draws a new seed; trace() has it for a failure to show, as in
 /// `SCOPED_TRACE(random.trace())`, and the environment variable DRIVER_TEST_SEED sets it.

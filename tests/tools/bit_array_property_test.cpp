@@ -1,3 +1,4 @@
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/bit_array.h"
 #include "tests/doubles/frames.h"
 #include "tests/support/gtest_qt.h"
@@ -69,7 +70,7 @@ TEST_F(BitArrayProperty, Copy)
         QByteArray target = random.bytes(random.between(0, 6));
         const QByteArray source = random.bytes(random.between(0, 6));
         const int start = random.between(0, 40);
-        const int count = random.between(0, 8 * source.size());
+        const int count = random.between(0, 8 * sizeOf(source));
         const QByteArray before = target;
         Bits expected = unpacked(target);
         const Bits from = unpacked(source);
@@ -87,7 +88,7 @@ TEST_F(BitArrayProperty, FitAndClear)
 {
     for (int round = 0; round < 3000; ++round) {
         const QByteArray original = random.bytes(random.between(0, 9));
-        const int count = random.between(0, 8 * original.size());
+        const int count = random.between(0, 8 * sizeOf(original));
         QByteArray bytes = original;
         FitBitArray(bytes, count);
         clearUnnecessaryBits(bytes, count);
@@ -118,11 +119,11 @@ TEST_F(BitArrayProperty, Shift)
 {
     for (int round = 0; round < 3000; ++round) {
         const QByteArray original = random.bytes(random.between(1, 12));
-        const int n = random.between(0, 8 * original.size() - 1);
+        const int n = random.between(0, 8 * sizeOf(original) - 1);
         // What stays moves down, zeros follow, and the whole bytes that went out stand at the end.
         const Bits before = unpacked(original);
         Bits expected(before.begin() + n, before.end());
-        expected.resize(at(8 * (original.size() - n / 8)), false);
+        expected.resize(at(8 * (sizeOf(original) - n / 8)), false);
         expected.insert(expected.end(), before.begin(), before.begin() + (n - n % 8));
         QByteArray shifted = original;
         RightShiftNBits(shifted, n);
@@ -134,8 +135,8 @@ TEST_F(BitArrayProperty, CutOutOfABlock)
 {
     for (int round = 0; round < 3000; ++round) {
         const QByteArray block = random.bytes(random.between(1, 30));
-        const int first = random.between(0, 8 * block.size() - 1);
-        const int count = random.between(1, 8 * block.size() - first);
+        const int first = random.between(0, 8 * sizeOf(block) - 1);
+        const int count = random.between(1, 8 * sizeOf(block) - first);
         QByteArray cut = block;
         RightShiftNBits(cut, first);
         FitBitArray(cut, count);

@@ -1,3 +1,4 @@
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/checksum.h"
 #include "tests/doubles/frames.h"
 #include "tests/support/gtest_qt.h"
@@ -136,7 +137,7 @@ TEST(Checksum, AgreesWithPlainSums)
 
 TEST(Crc, PublishedCheckValues)
 {
-    EXPECT_EQ(CRC16Calculate(bytesOf(CheckInput), CheckInput.size()), 0xBB3D);
+    EXPECT_EQ(CRC16Calculate(bytesOf(CheckInput), sizeOf(CheckInput)), 0xBB3D);
     EXPECT_EQ(crcOver(CheckInput, update_crc_16, 0xFFFF), 0x4B37);
     EXPECT_EQ(crcOver(CheckInput, update_crc_ccitt, 0xFFFF), 0x29B1);
     EXPECT_EQ(crcOver(CheckInput, update_crc_ccitt, 0), 0x31C3);

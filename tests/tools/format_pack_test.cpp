@@ -1,3 +1,4 @@
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/format_pack.h"
 #include "tests/doubles/frames.h"
 #include "tests/support/gtest_qt.h"
@@ -38,7 +39,7 @@ void expectPacked(const Packed &buffer, const char *hexText)
 {
     const QByteArray expected = fromHex(hexText);
     EXPECT_EQ(buffer.result, expected.size());
-    EXPECT_EQ(buffer.first(expected.size()), expected);
+    EXPECT_EQ(buffer.first(sizeOf(expected)), expected);
     EXPECT_EQ(buffer.bytes.at(static_cast<size_t>(expected.size())), Untouched);
 }
 

@@ -131,7 +131,8 @@ TEST(HexToUInt, OnlyHexadecimalDigitsCount)
 {
     for (int c = 1; c < 256; ++c) {
         const char text[] = {'1', static_cast<char>(c), '\0'};
-        const int digit = QByteArray("0123456789abcdef").indexOf(QByteArray(text + 1).toLower());
+        const int digit =
+            static_cast<int>(QByteArray("0123456789abcdef").indexOf(QByteArray(text + 1).toLower()));
         EXPECT_EQ(HexToUInt(text, 2), digit < 0 ? 0u : 16u + static_cast<unsigned int>(digit)) << c;
     }
 }

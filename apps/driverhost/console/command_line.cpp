@@ -111,7 +111,7 @@ int CommandLine::milliseconds(const char *option, int min, int max)
 
 int CommandLine::choice(const char *option, const QStringList &choices)
 {
-    const int index = choices.indexOf(text(option));
+    const int index = int(choices.indexOf(text(option)));
     if (index < 0)
         addError(QStringLiteral("--%1 \"%2\": expected %3")
                      .arg(QLatin1String(option), text(option), choices.join(QStringLiteral(", "))));

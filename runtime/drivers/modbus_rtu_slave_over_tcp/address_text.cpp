@@ -1,5 +1,7 @@
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
 
+#include "drivers/qt/qt_lines.h"
+
 namespace
 {
 
@@ -37,7 +39,7 @@ const QChar *endOfArea(const QChar *c, const QChar *end)
 
 void appendLatin1(QByteArray &bytes, const QChar *c, const QChar *end)
 {
-    const int before = bytes.size();
+    const int before = sizeOf(bytes);
     bytes.resize(before + static_cast<int>(end - c));
     for (char *out = bytes.data() + before; c != end; ++c)
         *out++ = c->unicode() > 0xFF ? '?' : static_cast<char>(c->unicode());

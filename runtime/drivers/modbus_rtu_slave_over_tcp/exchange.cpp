@@ -2,6 +2,7 @@
 
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <cstring>
 
@@ -20,7 +21,7 @@ const int EchoRest = 3;
 bool DriverModbusRtuSlaveOverTcp::exchange(AbstractDeviceInterface *device, const QByteArray &request,
                                            int restSize, Reply &reply)
 {
-    if (device->writeData(request.constData(), request.size()) != request.size())
+    if (device->writeData(request.constData(), sizeOf(request)) != request.size())
         return failAndClose(device, device->errorString());
 
     std::memset(reply, 0, sizeof reply);

@@ -16,7 +16,6 @@ DriverModbusRtuSlaveOverTcp::DriverModbusRtuSlaveOverTcp()
       debugMode(false),
       dbConnected(false),
       dbLoaded(false),
-      bitAddressPattern(QLatin1String("^(\\d+)-((?:FN5)?DO|DI)(\\d+)"), Qt::CaseInsensitive),
       connectionName(QString::number(nextRandomNumber()))
 {
 }

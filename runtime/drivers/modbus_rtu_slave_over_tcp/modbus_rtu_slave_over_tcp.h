@@ -6,7 +6,6 @@
 
 #include <QMap>
 #include <QPointer>
-#include <QRegExp>
 
 class QSqlDatabase;
 
@@ -139,7 +138,6 @@ private:
     bool debugMode;
     bool dbConnected;
     bool dbLoaded;
-    QRegExp bitAddressPattern;
     QString lastError;
     QString connectionName;
     QMap<unsigned char, ModbusBitSet> validBitAddressesMap;

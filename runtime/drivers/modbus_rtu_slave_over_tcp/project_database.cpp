@@ -1,6 +1,6 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
-#include "drivers/modbus_rtu_slave_over_tcp/used_bits.h"
+#include "drivers/modbus_rtu_slave_over_tcp/project/used_bits.h"
 #include "drivers/tools/project_lookup.h"
 
 #include <QFile>
@@ -101,7 +101,7 @@ bool DriverModbusRtuSlaveOverTcp::initValidBitAddressesMap(int connectorId, unsi
     if (!query.isActive())
         return false;
 
-    UsedBits used(defaultStation, bitAddressPattern);
+    UsedBits used(defaultStation);
     while (query.next())
         used.add(query.value(0).toString());
     // A file that ends within the table: the addresses after its end would count as unused.

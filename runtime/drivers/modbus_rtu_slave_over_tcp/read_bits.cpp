@@ -1,9 +1,9 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
-#include "drivers/modbus_rtu_slave_over_tcp/bit_runs.h"
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
 #include "drivers/modbus_rtu_slave_over_tcp/memory_check.h"
+#include "drivers/modbus_rtu_slave_over_tcp/project/bit_runs.h"
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "drivers/tools/bit_array.h"
 #include "drivers/tools/command_data.h"

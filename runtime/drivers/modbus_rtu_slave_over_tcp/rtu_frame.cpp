@@ -1,5 +1,7 @@
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <cstddef>
 #include <cstring>
 
@@ -97,7 +99,7 @@ void putCrc(unsigned char *frame, int size)
 inline QByteArray writeMultipleRequest(unsigned char station, unsigned char function, unsigned short start,
                                        unsigned short quantity, const QByteArray &data)
 {
-    const int size = 7 + data.size();
+    const int size = 7 + sizeOf(data);
     QByteArray request(size + RtuCrcSize, Qt::Uninitialized);
     unsigned char *frame = bytesOf(request);
     putHeader(frame, station, function, start);
@@ -132,7 +134,7 @@ QByteArray ModbusRTUSlaveBuildReadDevicesRequest(unsigned char station, unsigned
 QByteArray ModbusRTUSlaveBuildWriteSingleRequest(unsigned char station, unsigned char function,
                                                  unsigned short address, const QByteArray &value)
 {
-    const int size = 4 + value.size();
+    const int size = 4 + sizeOf(value);
     QByteArray request(size + RtuCrcSize, Qt::Uninitialized);
     unsigned char *frame = bytesOf(request);
     putHeader(frame, station, function, address);

@@ -2,6 +2,7 @@
 
 #include "drivers/modbus_rtu_slave_over_tcp/exchange.h"
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/byte_order.h"
 #include "drivers/tools/command_data.h"
 #include "drivers/tools/timing.h"
@@ -20,14 +21,14 @@ QByteArray doubleWordRegisters(const QByteArray &data, bool swapWords)
 bool DriverModbusRtuSlaveOverTcp::writeWords(AbstractDeviceInterface *device, unsigned short offset,
                                              const QByteArray &data)
 {
-    return checkRegisterRange("word", offset, data.size()) &&
+    return checkRegisterRange("word", offset, sizeOf(data)) &&
            writeRegistersWithFN16(device, offset, toBigEndianUShortArray(data));
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeDWords(AbstractDeviceInterface *device, unsigned short offset,
                                               const QByteArray &data, bool swapWords)
 {
-    return checkRegisterRange("double word", offset, data.size()) &&
+    return checkRegisterRange("double word", offset, sizeOf(data)) &&
            writeRegistersWithFN16(device, offset, doubleWordRegisters(data, swapWords));
 }
 
@@ -35,7 +36,7 @@ bool DriverModbusRtuSlaveOverTcp::writeDWords(AbstractDeviceInterface *device, u
 bool DriverModbusRtuSlaveOverTcp::writeBytes(AbstractDeviceInterface *device, unsigned short offset,
                                              const QByteArray &data)
 {
-    return checkRegisterRange("byte", offset, data.size()) &&
+    return checkRegisterRange("byte", offset, sizeOf(data)) &&
            writeRegistersWithFN16(device, offset, toBigEndianUShortArray(data));
 }
 
@@ -49,7 +50,7 @@ bool DriverModbusRtuSlaveOverTcp::writeRegistersWithFN16(AbstractDeviceInterface
 bool DriverModbusRtuSlaveOverTcp::writeWordWithFN6(AbstractDeviceInterface *device, unsigned short offset,
                                                    const QByteArray &value)
 {
-    if (!checkRegisterRange("word", offset, value.size()))
+    if (!checkRegisterRange("word", offset, sizeOf(value)))
         return false;
     return confirmed(
         device, ModbusRTUSlaveBuildWriteSingleRequest(stationOf(device), WriteSingleRegister, offset, value));
@@ -58,21 +59,21 @@ bool DriverModbusRtuSlaveOverTcp::writeWordWithFN6(AbstractDeviceInterface *devi
 bool DriverModbusRtuSlaveOverTcp::writeWordsWithFN6(AbstractDeviceInterface *device, unsigned short offset,
                                                     const QByteArray &data)
 {
-    return checkRegisterRange("word", offset, data.size()) &&
+    return checkRegisterRange("word", offset, sizeOf(data)) &&
            writeRegistersWithFN6(device, offset, toBigEndianUShortArray(data));
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeDWordsWithFN6(AbstractDeviceInterface *device, unsigned short offset,
                                                      const QByteArray &data, bool swapWords)
 {
-    return checkRegisterRange("double word", offset, data.size()) &&
+    return checkRegisterRange("double word", offset, sizeOf(data)) &&
            writeRegistersWithFN6(device, offset, doubleWordRegisters(data, swapWords));
 }
 
 bool DriverModbusRtuSlaveOverTcp::writeBytesWithFN6(AbstractDeviceInterface *device, unsigned short offset,
                                                     const QByteArray &data)
 {
-    return checkRegisterRange("byte", offset, data.size()) &&
+    return checkRegisterRange("byte", offset, sizeOf(data)) &&
            writeRegistersWithFN6(device, offset, toBigEndianUShortArray(data));
 }
 

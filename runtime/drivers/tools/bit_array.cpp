@@ -1,5 +1,7 @@
 #include "drivers/tools/bit_array.h"
 
+#include "drivers/qt/qt_lines.h"
+
 namespace
 {
 
@@ -178,7 +180,7 @@ void RightShiftNBits(QByteArray &bits, int n)
         return;
     unsigned char *bytes = bytesOf(bits);
     const int shiftedOut = n / 8;
-    const int left = bits.size() - shiftedOut;
+    const int left = sizeOf(bits) - shiftedOut;
     RotateArray(bytes, shiftedOut, left);
     shiftWithinBytes(bytes, left, n % 8);
 }

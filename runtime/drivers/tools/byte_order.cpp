@@ -1,5 +1,7 @@
 #include "drivers/tools/byte_order.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <QtEndian>
 
 #include <cstring>
@@ -19,14 +21,14 @@ QByteArray littleEndian(unsigned int value, int size)
 unsigned int fromLittleEndian(const QByteArray &bytes, int maxSize)
 {
     unsigned int value = 0;
-    for (int i = qMin(bytes.size(), maxSize) - 1; i >= 0; --i)
+    for (int i = qMin(sizeOf(bytes), maxSize) - 1; i >= 0; --i)
         value = (value << 8) | static_cast<unsigned char>(bytes.at(i));
     return value;
 }
 
 QByteArray paddedToMultipleOf(int itemSize, const QByteArray &bytes)
 {
-    const int partial = bytes.size() % itemSize;
+    const int partial = sizeOf(bytes) % itemSize;
     return partial == 0 ? bytes : bytes + QByteArray(itemSize - partial, '\0');
 }
 
@@ -114,26 +116,26 @@ QByteArray fromBigEndianULongArray(const unsigned char *source, int count)
 
 QByteArray toBigEndianUShortArray(const QByteArray &bytes)
 {
-    return bytes.size() % 2 == 0 ? fromBigEndianUShortArray(bytesOf(bytes), bytes.size() / 2)
+    return bytes.size() % 2 == 0 ? fromBigEndianUShortArray(bytesOf(bytes), sizeOf(bytes) / 2)
                                  : toBigEndianUShortArray(To16bitsData(bytes));
 }
 
 QByteArray toBigEndianULongArray(const QByteArray &bytes)
 {
-    return bytes.size() % 4 == 0 ? fromBigEndianULongArray(bytesOf(bytes), bytes.size() / 4)
+    return bytes.size() % 4 == 0 ? fromBigEndianULongArray(bytesOf(bytes), sizeOf(bytes) / 4)
                                  : toBigEndianULongArray(To32bitsData(bytes));
 }
 
 void toLittleEndianUShortArray(QByteArray &bytes)
 {
     char *data = bytes.data();
-    reverseItems<quint16>(bytesOf(bytes), data, bytes.size() / 2);
+    reverseItems<quint16>(bytesOf(bytes), data, sizeOf(bytes) / 2);
 }
 
 void toLittleEndianULongArray(QByteArray &bytes)
 {
     char *data = bytes.data();
-    reverseItems<quint32>(bytesOf(bytes), data, bytes.size() / 4);
+    reverseItems<quint32>(bytesOf(bytes), data, sizeOf(bytes) / 4);
 }
 
 QByteArray To16bitsData(const QByteArray &bytes)

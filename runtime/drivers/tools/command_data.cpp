@@ -1,5 +1,6 @@
 #include "drivers/tools/command_data.h"
 
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/bit_array.h"
 
 #include <limits>
@@ -15,8 +16,7 @@ unsigned int dividedUp(unsigned int value, unsigned int divisor)
 
 int times(int itemSize, int count)
 {
-    return static_cast<int>(qBound<qint64>(std::numeric_limits<int>::min(), qint64(itemSize) * count,
-                                           std::numeric_limits<int>::max()));
+    return boundedInt(qint64(itemSize) * count);
 }
 
 } // namespace

@@ -9,8 +9,8 @@ QString dumpByteArray(const QByteArray &bytes)
         text += QLatin1String("0X") + QString::number(static_cast<unsigned char>(bytes.at(i)), 16) +
                 QLatin1Char(' ');
     // Raw data that the array only refers to has no zero byte at its end.
-    const uint length = qstrnlen(bytes.constData(), static_cast<uint>(bytes.size()));
-    return text + QLatin1String(") : ") + QString::fromLatin1(bytes.constData(), static_cast<int>(length));
+    const auto length = static_cast<int>(qstrnlen(bytes.constData(), static_cast<uint>(bytes.size())));
+    return text + QLatin1String(") : ") + QString::fromLatin1(bytes.constData(), length);
 }
 
 QByteArray reverseArray(const QByteArray &bytes)

@@ -1,5 +1,6 @@
 #include "drivers/tools/project_lookup.h"
 
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/tool_assert.h"
 
 #include <QCoreApplication>
@@ -49,7 +50,7 @@ int DevStrToHmiPort(const QString &dev_str)
 {
     if (dev_str.startsWith(QLatin1String("ETHERNET"), Qt::CaseInsensitive))
         return EthernetHmiPort;
-    int i = dev_str.size() - 1;
+    int i = sizeOf(dev_str) - 1;
     while (i >= 0 && dev_str.at(i) >= QLatin1Char('0') && dev_str.at(i) <= QLatin1Char('9'))
         --i;
     TOOL_ASSERT(i >= 0 && i + 1 < dev_str.size(), "i >= 0 && (i+1) < dev_str.size()");

@@ -1,5 +1,6 @@
 #include "drivers/tools/tx_package.h"
 
+#include "drivers/qt/qt_lines.h"
 #include "drivers/tools/byte_order.h"
 #include "drivers/tools/checksum.h"
 #include "drivers/tools/diagnostics.h"
@@ -16,7 +17,7 @@ const unsigned char *bytesOf(const QByteArray &bytes)
 
 unsigned char sumOf(const QByteArray &bytes)
 {
-    return UInt8CheckSum(bytesOf(bytes), bytes.size());
+    return UInt8CheckSum(bytesOf(bytes), sizeOf(bytes));
 }
 
 qint64 sumOfFirst(int count, const QList<int> &sizes)
@@ -27,18 +28,11 @@ qint64 sumOfFirst(int count, const QList<int> &sizes)
     return sum;
 }
 
-// Stays within what an int holds.
-int toInt(qint64 value)
-{
-    return static_cast<int>(
-        qBound<qint64>(std::numeric_limits<int>::min(), value, std::numeric_limits<int>::max()));
-}
-
 } // namespace
 
 bool TxPackage::appendSection(const QByteArray &bytes)
 {
-    sectionSizes.append(bytes.size());
+    sectionSizes.append(sizeOf(bytes));
     buffer.append(bytes);
     return true;
 }
@@ -85,7 +79,7 @@ bool TxPackage::appendFCSAscii(int /*unused*/)
 
 int TxPackage::calculateFCS(const TxPackage *package, int excludeTail)
 {
-    return XorUInt8CheckSum(bytesOf(package->buffer), package->buffer.size() - qMax(excludeTail, 0));
+    return XorUInt8CheckSum(bytesOf(package->buffer), sizeOf(package->buffer) - qMax(excludeTail, 0));
 }
 
 bool TxPackage::setData(const QByteArray &bytes)
@@ -102,7 +96,7 @@ bool TxPackage::setData(const char *bytes, int length)
 void TxPackage::setSectionSize(const QList<int> &sizes)
 {
     sectionSizes = sizes;
-    const qint64 sum = sumOfFirst(sizes.size(), sizes);
+    const qint64 sum = sumOfFirst(sizeOf(sizes), sizes);
     const int size = sum < 0 || sum > std::numeric_limits<int>::max() ? 0 : static_cast<int>(sum);
     buffer = buffer.leftJustified(size, '\0', true);
 }
@@ -125,12 +119,12 @@ QByteArray TxPackage::byteArrayData() const
 
 int TxPackage::totalSize() const
 {
-    return buffer.size();
+    return sizeOf(buffer);
 }
 
 int TxPackage::numberOfSections() const
 {
-    return sectionSizes.size();
+    return sizeOf(sectionSizes);
 }
 
 bool TxPackage::validSectionNumber(int i) const
@@ -140,7 +134,7 @@ bool TxPackage::validSectionNumber(int i) const
 
 int TxPackage::sectionStartIndex(int i) const
 {
-    return validSectionNumber(i) ? toInt(sumOfFirst(i, sectionSizes)) : -1;
+    return validSectionNumber(i) ? boundedInt(sumOfFirst(i, sectionSizes)) : -1;
 }
 
 // The section whose first byte is the size of section `i`, -1 when there is no such section.

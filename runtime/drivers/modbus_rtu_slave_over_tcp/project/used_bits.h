@@ -4,7 +4,6 @@
 #include "drivers/modbus_bit_set.h"
 
 #include <QMap>
-#include <QRegExp>
 #include <QString>
 
 #include <memory>
@@ -14,9 +13,8 @@
 class UsedBits
 {
 public:
-    /// Tags without a station are of \a stationOfLink. \a stationPattern splits the others' address texts
-    /// into station, area and number.
-    UsedBits(unsigned char stationOfLink, const QRegExp &stationPattern);
+    /// Tags without a station are of \a stationOfLink.
+    explicit UsedBits(unsigned char stationOfLink);
 
     /// Adds the bit that the address text of a tag names: "DI5", "DO5" or "FN5DO5" of the link's station,
     /// "2-DO5" of station 2, in any case. Registers, and texts that are no address, are left out.
@@ -30,6 +28,7 @@ public:
 
 private:
     void addByRules(const QString &text);
+    void addWithStation(const QString &text);
     void validBitAddressesMapInsertDI(unsigned char station, unsigned short address);
     void validBitAddressesMapInsertDO(unsigned char station, unsigned short address);
 
@@ -40,7 +39,6 @@ private:
     };
 
     unsigned char defaultStation;
-    QRegExp pattern;
     /// One for each station there can be, at its number: a search in a map would cost more than the rest of a
     /// tag.
     std::vector<Station> stations;

@@ -1,5 +1,6 @@
-#include "drivers/modbus_rtu_slave_over_tcp/used_bits.h"
+#include "drivers/modbus_rtu_slave_over_tcp/project/used_bits.h"
 
+#include "drivers/modbus_rtu_slave_over_tcp/project/station_tag.h"
 #include "drivers/tools/plc_address.h"
 
 namespace
@@ -107,10 +108,7 @@ UShortVector addressesOf(const std::unique_ptr<AddressMarks> &marks)
 
 } // namespace
 
-UsedBits::UsedBits(unsigned char stationOfLink, const QRegExp &stationPattern)
-    : defaultStation(stationOfLink), pattern(stationPattern), stations(256)
-{
-}
+UsedBits::UsedBits(unsigned char stationOfLink) : defaultStation(stationOfLink), stations(256) {}
 
 void UsedBits::add(const QString &text)
 {
@@ -123,6 +121,17 @@ void UsedBits::add(const QString &text)
         validBitAddressesMapInsertDO(toStation(tag.station), zeroBased(tag.number));
 }
 
+void UsedBits::addWithStation(const QString &text)
+{
+    StationTag tag = {0, false, 0};
+    if (!splitStationTag(text, tag))
+        return;
+    if (tag.isCoil)
+        validBitAddressesMapInsertDO(toStation(tag.station), zeroBased(tag.number));
+    else
+        validBitAddressesMapInsertDI(toStation(tag.station), zeroBased(tag.number));
+}
+
 // The rules in full. A plain tag comes out the same by them.
 void UsedBits::addByRules(const QString &text)
 {
@@ -132,13 +141,8 @@ void UsedBits::addByRules(const QString &text)
         validBitAddressesMapInsertDI(defaultStation, addressIn(text));
     } else if (startsWith(text, "DO")) {
         validBitAddressesMapInsertDO(defaultStation, addressIn(text));
-    } else if (pattern.indexIn(text) == 0) {
-        const unsigned char station = toStation(pattern.cap(1).toUInt());
-        const unsigned short address = zeroBased(pattern.cap(3).toUInt());
-        if (startsWith(pattern.cap(2), "DI"))
-            validBitAddressesMapInsertDI(station, address);
-        else
-            validBitAddressesMapInsertDO(station, address);
+    } else {
+        addWithStation(text);
     }
 }
 

@@ -1,4 +1,4 @@
-#include "drivers/modbus_rtu_slave_over_tcp/used_bits.h"
+#include "drivers/modbus_rtu_slave_over_tcp/project/used_bits.h"
 #include "drivers/tools/plc_address.h"
 #include "tests/support/random_data.h"
 
@@ -50,7 +50,7 @@ QRegExp stationPattern()
 
 std::string bitsOf(const QString &tag)
 {
-    UsedBits bits(DefaultStation, stationPattern());
+    UsedBits bits(DefaultStation);
     bits.add(tag);
     return described(bits.sortedByStation());
 }
