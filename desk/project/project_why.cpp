@@ -152,9 +152,14 @@ bool Explanation::canOpen()
 {
     const QByteArray magic("SQLite format 3", 16);
     QFile file(m_path);
+    const QFileInfo info(m_path);
+    if (info.exists() && !info.isFile() && !info.isDir()) {
+        step(QStringLiteral("it is a device or a pipe and no file"));
+        return false;
+    }
     if (!file.open(QIODevice::ReadOnly)) {
-        step(QFileInfo::exists(m_path) ? QStringLiteral("it cannot be opened: ") + file.errorString()
-                                       : QStringLiteral("there is no such file"));
+        step(info.exists() ? QStringLiteral("it cannot be opened: ") + file.errorString()
+                           : QStringLiteral("there is no such file"));
         return false;
     }
     const QByteArray header = file.read(magic.size());

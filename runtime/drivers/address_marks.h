@@ -11,6 +11,7 @@ public:
     /// None is.
     AddressMarks() : words() {}
 
+    /// Marks \a address; once more changes nothing.
     void mark(ushort address) { words[address / BitsInWord] |= 1u << address % BitsInWord; }
     /// The marked ones, ascending, in memory of just their size.
     std::vector<ushort> addresses() const;

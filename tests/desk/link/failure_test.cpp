@@ -44,6 +44,8 @@ const Meaning Meanings[] = {
      "can't read any double word from IR65535"},
     {"can't read any byte from …", FailureKind::NotRequested, "can't read any byte from HR1"},
     {"can't read … bits from …", FailureKind::NotRequested, "can't read 2009 bits from DO1"},
+    {"can't read … bits from …", FailureKind::NotRequested, "can't read 1 bits from AAAA"},
+    {"can't write … bits to …", FailureKind::NotRequested, "can't write 1 bits to AAAA"},
     {"can't write any word to HR…", FailureKind::NotRequested, "can't write any word to HR1"},
     {"can't write any double word to HR…", FailureKind::NotRequested, "can't write any double word to HR1"},
     {"can't write any byte to HR…", FailureKind::NotRequested, "can't write any byte to HR1"},

@@ -41,7 +41,7 @@ TEST_F(ProjectWhyFileTest, NoFile)
     EXPECT_EQ(comparedReport("folder").firstText, QStringLiteral("can not open database"));
     removeFiles();
     ASSERT_TRUE(QFile::link(QStringLiteral("/dev/null"), path()));
-    EXPECT_EQ(comparedReport("device").firstText, QStringLiteral("failed to get default station id"));
+    EXPECT_EQ(comparedReport("device").firstText, QStringLiteral("can not open database"));
 }
 
 TEST_F(ProjectWhyFileTest, NoFolders)
