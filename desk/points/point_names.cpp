@@ -55,8 +55,8 @@ std::vector<Point> pointsNamed(const std::vector<Point> &points, const QString &
 
 QStringList similarNames(const std::vector<Point> &points, const QString &name)
 {
-    std::vector<Point> similar = pointsWhere(
-        points, [&](const Point &point) { return sharedLetters(point.name, name) >= MinShared; });
+    std::vector<Point> similar =
+        pointsWhere(points, [&](const Point &point) { return sharedLetters(point.name, name) >= MinShared; });
     std::stable_sort(similar.begin(), similar.end(), [&](const Point &left, const Point &right) {
         return sharedLetters(left.name, name) > sharedLetters(right.name, name);
     });
