@@ -36,43 +36,25 @@ int maxInOneRequest(const TypedItems &typed, const Limits &limits)
     return typed.type.isByte() ? max * modbus::RegisterBytes : max / typed.type.registers();
 }
 
-std::vector<Items> portionsWithin(const Items &items, const Limits &limits)
+std::vector<TypedItems> portionsWithin(const TypedItems &typed, const Limits &limits)
 {
-    if (items.isRaw())
-        return {items};
-    std::vector<Items> portions;
-    const int max = maxInOneRequest(items, limits);
-    for (int first = 0; first < items.count; first += max) {
-        Items portion = items;
-        portion.address = items.addressOf(first);
-        portion.count = std::min(max, items.count - first);
-        portions.push_back(portion);
-    }
+    if (typed.items.isRaw())
+        return {typed};
+    std::vector<TypedItems> portions;
+    const int max = maxInOneRequest(typed, limits);
+    for (int first = 0; first < typed.count; first += max)
+        portions.push_back(partOf(typed, first, std::min(max, typed.count - first)));
     return portions;
 }
 
 } // namespace
 
-std::vector<Items> portionsOf(const Items &items)
-{
-    return portionsWithin(items, ReadLimits);
-}
-
-std::vector<Items> writePortionsOf(const Items &items)
-{
-    return portionsWithin(items, WriteLimits);
-}
-
 std::vector<TypedItems> portionsOf(const TypedItems &typed)
 {
-    std::vector<TypedItems> portions;
-    const int max = maxInOneRequest(typed, ReadLimits);
-    for (int first = 0; first < typed.count; first += max) {
-        TypedItems portion = typed;
-        portion.address = typed.addressOf(first);
-        portion.count = std::min(max, typed.count - first);
-        portion.items = itemsOf(portion);
-        portions.push_back(portion);
-    }
-    return portions;
+    return portionsWithin(typed, ReadLimits);
+}
+
+std::vector<TypedItems> writePortionsOf(const TypedItems &typed)
+{
+    return portionsWithin(typed, WriteLimits);
 }

@@ -4,7 +4,6 @@
 
 #include <vector>
 
-/// The same items in portions that one request each can read, or write.
-std::vector<Items> portionsOf(const Items &items);
+/// The same values in portions that one request each can read, or write.
 std::vector<TypedItems> portionsOf(const TypedItems &typed);
-std::vector<Items> writePortionsOf(const Items &items);
+std::vector<TypedItems> writePortionsOf(const TypedItems &typed);

@@ -51,31 +51,6 @@ bool isDriversDoubleWord(const ValueType &type, const ByteOrder &order)
     return type.bits == 2 * modbus::RegisterBits && !type.isText() && !order.isLowByteFirst;
 }
 
-// What the driver has made of the registers: of a double word its low word is always the first.
-ByteOrder orderInData(const TypedItems &typed)
-{
-    return typed.items.kind == DoubleWordItem ? ByteOrder() : typed.order;
-}
-
-} // namespace
-
-Address TypedItems::addressOf(int index) const
-{
-    if (items.kind == BitItem || items.kind == ByteItem)
-        return items.addressOf(index);
-    Address value = address;
-    value.number += type.isByte() ? index / 2 : index * type.registers();
-    return value;
-}
-
-QString TypedItems::label(int index) const
-{
-    if (!type.isByte() || address.isBitArea())
-        return addressOf(index).text();
-    const bool isLow = (index % 2 == 0) == order.isLowByteFirst;
-    return addressOf(index).text() + (isLow ? QStringLiteral(" low") : QStringLiteral(" high"));
-}
-
 Items itemsOf(const TypedItems &typed)
 {
     const Address &address = typed.address;
@@ -97,6 +72,33 @@ Items itemsOf(const TypedItems &typed)
     return items;
 }
 
+// What the driver has made of the registers: of a double word its low word is always the first.
+ByteOrder orderInData(const TypedItems &typed)
+{
+    return typed.items.kind == DoubleWordItem ? ByteOrder() : typed.order;
+}
+
+} // namespace
+
+Address TypedItems::addressOf(int index) const
+{
+    if (isBitKind(items.kind) || isByteKind(items.kind))
+        return items.addressOf(index);
+    Address value = address;
+    value.number += type.isByte() ? index / 2 : index * type.registers();
+    return value;
+}
+
+QString TypedItems::label(int index) const
+{
+    if (items.isRaw())
+        return items.label(index);
+    if (!type.isByte() || address.isBitArea())
+        return addressOf(index).label();
+    const bool isLow = (index % 2 == 0) == order.isLowByteFirst;
+    return addressOf(index).label() + (isLow ? QStringLiteral(" low") : QStringLiteral(" high"));
+}
+
 Result<TypedItems> typedItems(const Address &address, const ValueType &type, int count, const QString &order)
 {
     const QString problem = problemWith(address, type);
@@ -115,11 +117,35 @@ Result<TypedItems> typedItems(const Address &address, const ValueType &type, int
             return at(address, byteOrder.errorText());
         typed.order = *byteOrder;
     }
+    typed.isTyped = true;
     typed.items = itemsOf(typed);
     const Result<> check = checkItems(typed.items);
     if (!check)
         return check.error();
     return typed;
+}
+
+TypedItems typedItems(const Items &items, ValueForm form)
+{
+    TypedItems typed;
+    typed.address = items.address;
+    typed.items = items;
+    typed.type = typeOf(items.kind, form);
+    typed.order = defaultOrder(typed.type);
+    typed.count = items.count;
+    return typed;
+}
+
+TypedItems partOf(const TypedItems &typed, int first, int count)
+{
+    TypedItems part = typed;
+    part.address = typed.addressOf(first);
+    part.count = count;
+    const bool isPacked = typed.type.isByte() && typed.items.kind == WordItem;
+    const int perValue = typed.items.kind == WordItem ? typed.type.registers() : 1;
+    part.items.address = typed.items.addressOf(isPacked ? first / 2 : first * perValue);
+    part.items.count = isPacked ? (count + 1) / 2 : count * perValue;
+    return part;
 }
 
 Result<> checkWritable(const TypedItems &typed)
@@ -132,23 +158,11 @@ Result<> checkWritable(const TypedItems &typed)
                                  .arg(typed.count + 1));
 }
 
-std::vector<QByteArray> valuesIn(const QByteArray &data, const TypedItems &typed)
-{
-    if (typed.items.kind != BitItem && typed.items.kind != ByteItem)
-        return valuesIn(registersIn(data), typed.type, orderInData(typed), typed.count);
-    std::vector<QByteArray> values;
-    values.reserve(static_cast<size_t>(typed.count));
-    for (int i = 0; i < typed.count; ++i)
-        values.push_back(typed.items.kind == ByteItem ? data.mid(i, 1)
-                                                      : QByteArray(1, getBit(data, i) ? '\1' : '\0'));
-    return values;
-}
-
 QByteArray dataOf(const std::vector<QByteArray> &values, const TypedItems &typed)
 {
-    if (typed.items.kind != BitItem && typed.items.kind != ByteItem)
+    if (!isBitKind(typed.items.kind) && !isByteKind(typed.items.kind))
         return driverDataOf(registersOf(values, typed.type, orderInData(typed)));
-    if (typed.items.kind == ByteItem) {
+    if (isByteKind(typed.items.kind)) {
         QByteArray data;
         for (const QByteArray &value : values)
             data += value;

@@ -1,8 +1,7 @@
 #include "desk/items/value_form.h"
 
-#include <array>
-#include <charconv>
-#include <cmath>
+#include "desk/types/value_bits.h"
+
 #include <cstring>
 
 namespace
@@ -10,33 +9,11 @@ namespace
 
 const int BitsOfHexDigit = 4;
 
-float toFloat(quint32 value)
-{
-    float number = 0;
-    static_assert(sizeof number == sizeof value, "a float is 32 bits");
-    std::memcpy(&number, &value, sizeof number);
-    return number;
-}
-
 quint32 toBits(float number)
 {
     quint32 value = 0;
     std::memcpy(&value, &number, sizeof value);
     return value;
-}
-
-qint64 toSigned(quint32 value, int width)
-{
-    const qint64 range = qint64(1) << width;
-    return value >= range / 2 ? qint64(value) - range : value;
-}
-
-// The shortest text that reads back as the same number.
-QString shortest(float number)
-{
-    std::array<char, 64> text = {};
-    const std::to_chars_result end = std::to_chars(text.data(), text.data() + text.size(), number);
-    return QString::fromLatin1(text.data(), static_cast<int>(end.ptr - text.data()));
 }
 
 int baseOf(ValueForm form)
@@ -113,40 +90,14 @@ QStringList valueFormNames()
             QStringLiteral("binary"), QStringLiteral("float")};
 }
 
-QString formatValue(quint32 value, ItemKind kind, ValueForm form)
+ValueType typeOf(ItemKind kind, ValueForm form)
 {
-    const int width = widthOf(kind);
-    const QChar zero = QLatin1Char('0');
-    if (width == 1)
-        return QString::number(value);
-    switch (form) {
-    case ValueForm::Signed: return QString::number(toSigned(value, width));
-    case ValueForm::Hex:
-        return QStringLiteral("0x") +
-               QString::number(value, 16).toUpper().rightJustified(width / BitsOfHexDigit, zero);
-    case ValueForm::Binary:
-        return QStringLiteral("0b") + QString::number(value, 2).rightJustified(width, zero);
-    case ValueForm::Float: return shortest(toFloat(value));
-    case ValueForm::Unsigned: break;
-    }
-    return QString::number(value);
+    static const Meaning meanings[] = {Meaning::Unsigned, Meaning::Signed, Meaning::Hex, Meaning::Binary,
+                                       Meaning::Float};
+    return {isBitKind(kind) ? Meaning::Bit : meanings[static_cast<int>(form)], widthOf(kind)};
 }
 
-QJsonValue numberOf(quint32 value, ItemKind kind, ValueForm form)
-{
-    if (form == ValueForm::Float) {
-        // By its text: the nearest double of 0.1f would be written as 0.10000000149011612.
-        const float number = toFloat(value);
-        if (!std::isfinite(number))
-            return QJsonValue();
-        // There is no negative zero among whole numbers, which some readers make of "-0".
-        return number == 0 ? 0.0 : shortest(number).toDouble();
-    }
-    const bool isSigned = form == ValueForm::Signed && widthOf(kind) > 1;
-    return isSigned ? toSigned(value, widthOf(kind)) : qint64(value);
-}
-
-Result<quint32> parseValue(const QString &text, ItemKind kind, ValueForm form)
+Result<QByteArray> parseValue(const QString &text, ItemKind kind, ValueForm form)
 {
     const int width = widthOf(kind);
     std::optional<quint32> value;
@@ -157,7 +108,7 @@ Result<quint32> parseValue(const QString &text, ItemKind kind, ValueForm form)
     else
         value = parseWhole(text, width, form);
     if (value)
-        return *value;
+        return valueOf(*value, typeOf(kind, form).bytes());
     return Error{QStringLiteral("value \"%1\" does not fit a %2; expected %3")
                      .arg(text, form == ValueForm::Float ? QStringLiteral("float") : nameOf(kind),
                           expectedText(width, form))};

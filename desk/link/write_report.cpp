@@ -1,6 +1,6 @@
 #include "desk/link/write_report.h"
 
-#include "desk/items/area_range.h"
+#include "desk/items/value_place.h"
 #include "desk/wire/rtu_frame.h"
 
 #include <algorithm>
@@ -66,10 +66,11 @@ QString rangesText(const QString &area, const std::vector<int> &offsets)
 
 } // namespace
 
-WriteReport::WriteReport(const Items &items) : m_items(items), m_area(areaText(items, items.address.area))
+WriteReport::WriteReport(const TypedItems &typed)
+    : m_typed(typed), m_area(areaText(typed.items, typed.items.address.area))
 {
-    const int first = items.address.wireOffset();
-    for (int i = 0; !items.isRaw() && i < extentOf(items); ++i)
+    const int first = typed.items.address.wireOffset();
+    for (int i = 0; !typed.items.isRaw() && i < extentOf(typed.items); ++i)
         m_states[first + i] = WriteState::NotSent;
 }
 
@@ -84,29 +85,26 @@ void WriteReport::add(const std::vector<Exchange> &exchanges)
 // A refusal says nothing of an earlier attempt that was not confirmed.
 void WriteReport::add(const Exchange &exchange)
 {
-    m_area = areaText(m_items, areaOf(exchange.request));
+    m_area = areaText(m_typed.items, areaOf(exchange.request));
     const WriteState after = stateAfter(exchange);
     const int first = wordAt(exchange.request, 2);
     for (int i = 0; i < quantityOf(exchange.request); ++i)
         m_states[first + i] = std::max(m_states[first + i], after);
 }
 
-WriteState WriteReport::stateOf(int item) const
+WriteState WriteReport::stateOf(int value) const
 {
-    if (m_items.isRaw())
+    if (m_typed.items.isRaw())
         return m_states.empty() ? WriteState::NotSent : m_states.begin()->second;
-    Items single = m_items;
-    single.address = m_items.addressOf(item);
-    single.count = 1;
-    const int first = single.address.wireOffset();
+    const AreaRange range = rangeOf(m_typed, value);
     WriteState least = WriteState::Written;
     bool isTouched = false;
-    for (int i = 0; i < extentOf(single); ++i) {
-        const WriteState state = m_states.at(first + i);
+    for (int offset = range.first; offset <= range.last; ++offset) {
+        const WriteState state = m_states.at(offset);
         least = std::min(least, state);
         isTouched = isTouched || state >= WriteState::Unconfirmed;
     }
-    // Half an item is written, the other half is not: nobody knows its value.
+    // Half a value is written, the other half is not: nobody knows it.
     return isTouched ? std::max(least, WriteState::Unconfirmed) : least;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/items/items.h"
+#include "desk/items/typed_items.h"
 #include "desk/link/exchange.h"
 
 #include <QStringList>
@@ -8,7 +8,7 @@
 #include <map>
 #include <vector>
 
-/// How far a write has come. What an item has of several registers counts as its least certain one.
+/// How far a write has come. What a value has of several registers counts as its least certain one.
 enum class WriteState {
     NotSent,
     Refused,     ///< with an exception, and so not executed
@@ -21,12 +21,12 @@ class WriteReport
 {
 public:
     /// Nothing is sent yet. Where raw items lie is not known before their requests are.
-    explicit WriteReport(const Items &items);
+    explicit WriteReport(const TypedItems &typed);
 
     /// Counts the requests that write and what came of them; others change nothing.
     void add(const std::vector<Exchange> &exchanges);
 
-    WriteState stateOf(int item) const;
+    WriteState stateOf(int value) const;
     /// Whether anything may have changed in the slave.
     bool hasTouched() const;
     /// For people, a line for each state that occurs: "already written: HR1..2", "not sent: HR3".
@@ -35,7 +35,7 @@ public:
 private:
     void add(const Exchange &exchange);
 
-    Items m_items;
+    TypedItems m_typed;
     QString m_area;                     // as messages name it, "2-HR"
     std::map<int, WriteState> m_states; // by offset
 };

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "desk/items/readings.h"
 #include "desk/link/session.h"
 #include "desk/live/statistics.h"
+#include "desk/readings/readings.h"
 
 #include <QElapsedTimer>
 

@@ -16,11 +16,11 @@ const QStringView PlainBars(u"_.,-=+*#");
 
 void WatchedValue::add(const ValueRow &row, qint64 now)
 {
-    m_hasChanged = m_readAt >= 0 && row.value != m_row.value;
+    m_hasChanged = m_readAt >= 0 && row.value.raw != m_row.value.raw;
     m_row = row;
     m_readAt = now;
     m_isRead = true;
-    addToCourse(numberOf(row.value, row.kind, row.form).toDouble(Gap));
+    addToCourse(row.value.number.toDouble(Gap));
 }
 
 void WatchedValue::addGap()
@@ -38,7 +38,12 @@ void WatchedValue::addToCourse(double number)
 
 QString WatchedValue::text(qint64 now) const
 {
-    return isLive(now) ? valueText(m_row) : QStringLiteral("?");
+    return isLive(now) ? shownText() : QStringLiteral("?");
+}
+
+QString WatchedValue::shownText() const
+{
+    return m_row.value.withUnit(m_row.unit);
 }
 
 QString WatchedValue::note(qint64 now) const
@@ -46,7 +51,7 @@ QString WatchedValue::note(qint64 now) const
     if (isLive(now) || m_readAt < 0)
         return {};
     return QStringLiteral("was %1 %2 s ago")
-        .arg(valueText(m_row), QString::number(static_cast<double>(now - m_readAt) / 1000, 'f', 1));
+        .arg(shownText(), QString::number(static_cast<double>(now - m_readAt) / 1000, 'f', 1));
 }
 
 QString WatchedValue::sparkline(bool isUnicode, int length) const

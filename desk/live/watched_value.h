@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/items/value_row.h"
+#include "desk/readings/value_row.h"
 
 #include <deque>
 
@@ -31,6 +31,7 @@ public:
     static const int MaxCourse = 24;
 
 private:
+    QString shownText() const;
     void addToCourse(double number);
 
     qint64 m_lifetime;

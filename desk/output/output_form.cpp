@@ -2,6 +2,8 @@
 
 #include "desk/output/table.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -12,14 +14,20 @@ QString offsetText(const ValueRow &row)
     return row.offset < 0 ? QString() : QString::number(row.offset);
 }
 
-QJsonValue numberOf(const ValueRow &row)
+QJsonValue known(const ValueRow &row, const QJsonValue &value)
 {
-    return numberOf(row.value, row.kind, row.form);
+    return row.failure ? QJsonValue() : value;
 }
 
-Field valueField(const ValueRow &row)
+Field valueField(const char *name, const ValueRow &row, const QString &text, const QJsonValue &number)
 {
-    return row.failure ? Field("value", QJsonValue()) : Field("value", valueText(row), numberOf(row));
+    return row.failure ? Field(name, QJsonValue()) : Field(name, text, number);
+}
+
+Fields &operator+=(Fields &fields, const Fields &others)
+{
+    fields.insert(fields.end(), others.begin(), others.end());
+    return fields;
 }
 
 // Where it is, and what it is.
@@ -28,9 +36,27 @@ Fields valueFields(const ValueRow &row)
     return {{"station", row.station},
             {"address", row.address},
             {"offset", row.offset < 0 ? QJsonValue() : QJsonValue(row.offset)},
-            {"kind", nameOf(row.kind)},
-            valueField(row),
-            Field::withoutColumn("text", row.failure ? QJsonValue() : QJsonValue(valueText(row)))};
+            {"kind", row.kind},
+            valueField("value", row, row.value.text, row.value.number),
+            Field::withoutColumn("text", known(row, row.value.withUnit(row.unit)))};
+}
+
+// What only points have.
+Fields pointFields(const ValueRow &row)
+{
+    return {{"unit", row.unit},
+            {"state", known(row, row.value.state)},
+            valueField("raw", row, row.value.raw, row.value.rawNumber),
+            {"limit", known(row, row.value.limit)}};
+}
+
+Fields itemFields(const ValueRow &row, bool hasNames)
+{
+    if (!hasNames)
+        return valueFields(row);
+    Fields fields{{"name", row.name}};
+    fields += valueFields(row);
+    return fields += pointFields(row);
 }
 
 Fields failureFields(const ValueRow &row)
@@ -43,28 +69,21 @@ Fields earlierFields(const ValueRow &row)
 {
     if (!row.earlier)
         return {{"last_value", Unknown}, {"last_time", Unknown}, {"stale", Unknown}};
-    return {{"last_value", formatValue(row.earlier->value, row.kind, row.form),
-             numberOf(row.earlier->value, row.kind, row.form)},
+    return {{"last_value", row.earlier->value.text, row.earlier->value.number},
             {"last_time", row.earlier->time},
             {"stale", true}};
 }
 
-Fields &operator+=(Fields &fields, const Fields &others)
+Fields fieldsOf(const ValueRow &row, bool hasNames)
 {
-    fields.insert(fields.end(), others.begin(), others.end());
-    return fields;
-}
-
-Fields fieldsOf(const ValueRow &row)
-{
-    Fields fields = valueFields(row);
+    Fields fields = itemFields(row, hasNames);
     return fields += failureFields(row);
 }
 
-Fields seriesFields(const ValueRow &row)
+Fields seriesFields(const ValueRow &row, bool hasNames)
 {
     Fields fields{{"time", row.time}};
-    fields += valueFields(row);
+    fields += itemFields(row, hasNames);
     fields += {{"latency_ms", millisecondsValue(row.latency)},
                {"transaction_ms", millisecondsValue(row.duration)},
                {"attempts", row.attempts}};
@@ -72,38 +91,63 @@ Fields seriesFields(const ValueRow &row)
     return fields += earlierFields(row);
 }
 
-QStringList tableOf(const std::vector<ValueRow> &rows)
+bool hasName(const ValueRow &row)
+{
+    return !row.name.isEmpty();
+}
+
+QStringList linesOf(const Table &table)
+{
+    const QStringList lines = table.lines();
+    return lines.size() > 1 ? lines : QStringList();
+}
+
+QStringList addressTable(const std::vector<ValueRow> &rows)
 {
     Table table({QStringLiteral("address"), QStringLiteral("offset"), QStringLiteral("value")}, {1, 2});
     for (const ValueRow &row : rows) {
         if (!row.failure)
-            table.addRow({row.address, offsetText(row), valueText(row)});
+            table.addRow({row.address, offsetText(row), row.value.text});
     }
-    const QStringList lines = table.lines();
-    return lines.size() > 1 ? lines : QStringList();
+    return linesOf(table);
+}
+
+QStringList pointTable(const std::vector<ValueRow> &rows)
+{
+    Table table({QStringLiteral("name"), QStringLiteral("value"), QStringLiteral("raw"),
+                 QStringLiteral("address"), QString()});
+    for (const ValueRow &row : rows) {
+        if (!row.failure)
+            table.addRow(
+                {labelOf(row), row.value.withUnit(row.unit), row.value.raw, row.address, row.value.limit});
+    }
+    return linesOf(table);
 }
 
 } // namespace
 
 QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format)
 {
+    const bool hasNames = std::any_of(rows.begin(), rows.end(), hasName);
     if (format == OutputFormat::Text)
-        return tableOf(rows);
+        return hasNames ? pointTable(rows) : addressTable(rows);
     std::vector<Fields> all;
     for (const ValueRow &row : rows)
-        all.push_back(fieldsOf(row));
-    return linesForPrograms(fieldsOf(ValueRow()), all, format);
+        all.push_back(fieldsOf(row, hasNames));
+    return linesForPrograms(fieldsOf(ValueRow(), hasNames), all, format);
 }
 
-QString seriesTitles(OutputFormat format)
+QString seriesTitles(const SeriesForm &form)
 {
-    return titleLine(seriesFields(ValueRow()), format);
+    return titleLine(seriesFields(ValueRow(), form.hasNames), form.format);
 }
 
-QString seriesLine(const ValueRow &row, OutputFormat format, int addressWidth)
+QString seriesLine(const ValueRow &row, const SeriesForm &form)
 {
-    if (format != OutputFormat::Text)
-        return fieldLine(seriesFields(row), format);
-    return QStringLiteral("%1  %2  %3")
-        .arg(row.time, row.address.leftJustified(addressWidth), valueText(row));
+    if (form.format != OutputFormat::Text)
+        return fieldLine(seriesFields(row, form.hasNames), form.format);
+    QStringList cells{row.time, labelOf(row).leftJustified(form.labelWidth), row.value.withUnit(row.unit)};
+    if (form.hasNames)
+        cells << QStringLiteral("raw ") + row.value.raw << row.value.limit;
+    return cells.join(QStringLiteral("  ")).trimmed();
 }

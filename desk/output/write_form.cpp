@@ -1,28 +1,26 @@
 #include "desk/output/write_form.h"
 
+#include <algorithm>
+
 namespace
 {
 
 const QJsonValue Unknown(QJsonValue::Undefined);
 
-Field numberField(const char *name, quint32 value, const ValueRow &item)
-{
-    return {name, formatValue(value, item.kind, item.form), numberOf(value, item.kind, item.form)};
-}
-
 Fields fieldsOf(const WrittenRow &row)
 {
     const ValueRow &item = row.item;
-    return {{"station", item.station},
-            {"address", item.address},
-            {"offset", item.offset < 0 ? QJsonValue() : QJsonValue(item.offset)},
-            {"kind", nameOf(item.kind)},
-            row.isKnown ? numberField("value", item.value, item) : Field("value", QJsonValue()),
-            Field::withoutColumn("text", row.isKnown ? QJsonValue(valueText(item)) : QJsonValue()),
-            numberField("wanted", row.wanted, item),
-            {"result", row.result},
-            {"failure", item.failure ? QJsonValue(item.failure->kind) : Unknown},
-            {"error", item.failure ? QJsonValue(item.failure->text) : Unknown}};
+    return {
+        {"station", item.station},
+        {"address", item.address},
+        {"offset", item.offset < 0 ? QJsonValue() : QJsonValue(item.offset)},
+        {"kind", item.kind},
+        row.isKnown ? Field("value", item.value.text, item.value.number) : Field("value", QJsonValue()),
+        Field::withoutColumn("text", row.isKnown ? QJsonValue(item.value.withUnit(item.unit)) : QJsonValue()),
+        {"wanted", row.wanted.text, row.wanted.number},
+        {"result", row.result},
+        {"failure", item.failure ? QJsonValue(item.failure->kind) : Unknown},
+        {"error", item.failure ? QJsonValue(item.failure->text) : Unknown}};
 }
 
 Fields fieldsOf(const FrameRow &row)
@@ -39,10 +37,23 @@ std::vector<Fields> fieldsOfAll(const std::vector<Row> &rows)
     return all;
 }
 
+// A column for names where there are any.
+std::vector<Fields> withNames(const std::vector<WrittenRow> &rows)
+{
+    std::vector<Fields> all = fieldsOfAll(rows);
+    for (size_t i = 0; i < rows.size(); ++i)
+        all[i].insert(all[i].begin(), {"name", rows[i].item.name});
+    return all;
+}
+
 } // namespace
 
 QStringList linesOf(const std::vector<WrittenRow> &rows, OutputFormat format)
 {
+    const bool hasNames =
+        std::any_of(rows.begin(), rows.end(), [](const WrittenRow &row) { return !row.item.name.isEmpty(); });
+    if (hasNames)
+        return linesForPrograms(withNames({WrittenRow()}).front(), withNames(rows), format);
     return linesForPrograms(fieldsOf(WrittenRow()), fieldsOfAll(rows), format);
 }
 

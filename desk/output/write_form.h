@@ -1,12 +1,12 @@
 #pragma once
 
-#include "desk/items/value_row.h"
 #include "desk/output/fields.h"
+#include "desk/readings/value_row.h"
 
 /// What became of one item that was to be written.
 struct WrittenRow {
     ValueRow item; ///< its value is what is known of the slave; none with a failure
-    quint32 wanted = 0;
+    PointValue wanted;
     bool isKnown = false; ///< whether the slave has confirmed the value, or given it back
     QString result; ///< "written", "verified", "different", "sent", "unconfirmed", "refused" or "not-sent"
 };

@@ -8,10 +8,12 @@
 namespace
 {
 
-struct Tag {
-    QString text;
-    Address address;
-};
+using Tag = std::shared_ptr<const Point>;
+
+const Address &addressOf(const Tag &tag)
+{
+    return tag->at.address;
+}
 
 // What one request may ask for together: tags of one station and area.
 using GroupKey = std::tuple<int, Area>;
@@ -19,20 +21,45 @@ using Groups = std::map<GroupKey, std::vector<Tag>>;
 
 bool isBefore(const Tag &left, const Tag &right)
 {
-    return std::make_tuple(left.address.number, left.address.bit) <
-           std::make_tuple(right.address.number, right.address.bit);
+    return std::make_tuple(addressOf(left).number, addressOf(left).bit) <
+           std::make_tuple(addressOf(right).number, addressOf(right).bit);
+}
+
+Items itemsOf(const Address &address, ItemKind registerKind)
+{
+    Items items;
+    items.address = address;
+    const bool isRegister = !address.isBitArea() && address.bit < 0;
+    items.kind = !isRegister ? BitItem : address.highWordFirst ? DoubleWordItem : registerKind;
+    return items;
+}
+
+// A tag is one value; a text may say its type.
+Result<TypedItems> parseTag(const QString &text, ItemKind registerKind, ValueForm form)
+{
+    const Result<TypedText> typed = parseTypedText(text);
+    const Result<Address> address = typed ? parseAddress(typed->address) : Result<Address>(typed.error());
+    if (!address)
+        return address.error();
+    if (!typed->type)
+        return typedItems(itemsOf(*address, registerKind), form);
+    if (typed->count || (address->isBitArea() && !typed->type->isBit()))
+        return Error{
+            QStringLiteral("tag \"%1\": expected one value, and of %2 a bit").arg(text, address->areaName)};
+    return typedItems(*address, *typed->type, 1, typed->order);
 }
 
 // Tags of each group in the order of their addresses.
-Groups grouped(const QStringList &tags, QStringList &skipped)
+Groups grouped(const QStringList &tags, ItemKind registerKind, ValueForm form, QStringList &skipped)
 {
     Groups groups;
     for (const QString &text : tags) {
-        const Result<Address> address = parseAddress(text);
-        if (address)
-            groups[{address->station, address->area}].push_back({text, *address});
+        const Result<TypedItems> tag = parseTag(text, registerKind, form);
+        if (tag)
+            groups[{tag->address.station, tag->address.area}].push_back(
+                std::make_shared<const Point>(namelessPoint(*tag)));
         else
-            skipped += address.errorText();
+            skipped += tag.errorText();
     }
     for (auto &[key, group] : groups)
         std::sort(group.begin(), group.end(), isBefore);
@@ -41,57 +68,56 @@ Groups grouped(const QStringList &tags, QStringList &skipped)
 
 using Position = std::vector<Tag>::const_iterator;
 
-// Bytes from the first tag on, as many as one request may need when every bit of them is used.
-Reading bitReading(Position &tag, Position end, ValueForm form)
+// Shows the tags in what is read from an offset on.
+void show(Reading &reading, Position tag, Position end)
 {
-    const int first = std::min(tag->address.number, modbus::AddressSpace - modbus::ByteBits + 1);
+    AreaRange range;
+    range.first = reading.items.address.wireOffset();
+    for (; tag != end; ++tag)
+        reading.shown.push_back({*tag, 0, placeIn(range, (*tag)->at)});
+}
+
+// Bytes from the first tag on, as many as one request may need when every bit of them is used.
+Reading bitReading(Position &tag, Position end)
+{
+    const Position begin = tag;
+    const int first = std::min(addressOf(*tag).number, modbus::AddressSpace - modbus::ByteBits + 1);
     Reading reading;
-    reading.items.address = tag->address;
-    reading.items.address.number = first;
+    reading.items.address = addressOf(*tag);
     reading.items.kind = ByteItem;
-    for (; tag != end && tag->address.number < first + modbus::MaxReadBits; ++tag) {
-        const int position = tag->address.number - first;
-        reading.items.count = position / modbus::ByteBits + 1;
-        reading.shown.push_back({tag->text, tag->address.wireOffset(), BitItem, form, position});
-    }
+    for (; tag != end && addressOf(*tag).number < first + modbus::MaxReadBits; ++tag)
+        reading.items.count = (addressOf(*tag).number - first) / modbus::ByteBits + 1;
     const int excess = first - 1 + reading.items.count * modbus::ByteBits - modbus::AddressSpace;
-    if (excess > 0) {
-        reading.items.address.number -= excess;
-        for (Reading::Shown &shown : reading.shown)
-            shown.position += excess;
-    }
+    reading.items.address.number = first - std::max(excess, 0);
+    show(reading, begin, tag);
     return reading;
 }
 
 // Registers that follow each other without a gap.
-Reading registerReading(Position &tag, Position end, ValueForm form)
+Reading registerReading(Position &tag, Position end)
 {
-    const int first = tag->address.number;
+    const Position begin = tag;
+    const int first = addressOf(*tag).number;
     Reading reading;
-    reading.items.address = tag->address;
+    reading.items.address = addressOf(*tag);
     reading.items.address.bit = -1;
     reading.items.kind = WordItem;
     reading.items.count = 0;
-    for (; tag != end && tag->address.number <= first + reading.items.count; ++tag) {
-        const int position = tag->address.number - first;
+    for (; tag != end && addressOf(*tag).number <= first + reading.items.count; ++tag) {
+        const int position = addressOf(*tag).number - first;
         if (position >= modbus::MaxReadRegisters)
             break;
-        const int bit = tag->address.bit;
         reading.items.count = position + 1;
-        reading.shown.push_back({tag->text, tag->address.wireOffset(), bit < 0 ? WordItem : BitItem, form,
-                                 bit < 0 ? position : position * modbus::RegisterBits + bit});
     }
+    show(reading, begin, tag);
     return reading;
 }
 
-// Double words need not lie an even number of registers apart, and the driver knows their word order.
-Reading doubleWordReading(const Tag &tag, ValueForm form)
+// Values of several registers need not lie a multiple of their size apart, and the driver knows the word
+// order of some.
+bool isReadAlone(const Tag &tag)
 {
-    Reading reading;
-    reading.items.address = tag.address;
-    reading.items.kind = DoubleWordItem;
-    reading.shown.push_back({tag.text, tag.address.wireOffset(), DoubleWordItem, form, 0});
-    return reading;
+    return !addressOf(tag).isBitArea() && (tag->at.type.registers() > 1 || tag->at.type.isByte());
 }
 
 } // namespace
@@ -99,20 +125,15 @@ Reading doubleWordReading(const Tag &tag, ValueForm form)
 TagPlan planTags(const QStringList &tags, ItemKind registerKind, ValueForm form)
 {
     TagPlan plan;
-    for (auto &[key, group] : grouped(tags, plan.skipped)) {
-        const auto isDouble = [&](const Tag &tag) {
-            return !tag.address.isBitArea() && tag.address.bit < 0 &&
-                   (registerKind == DoubleWordItem || tag.address.highWordFirst);
-        };
-        std::stable_partition(group.begin(), group.end(), std::not_fn(isDouble));
-        const auto doubles = std::find_if(group.cbegin(), group.cend(), isDouble);
-        const bool isBitArea = group.front().address.isBitArea();
+    for (auto &[key, group] : grouped(tags, registerKind, form, plan.skipped)) {
+        std::stable_partition(group.begin(), group.end(), std::not_fn(isReadAlone));
+        const auto alone = std::find_if(group.cbegin(), group.cend(), isReadAlone);
+        const bool isBitArea = addressOf(group.front()).isBitArea();
         auto tag = group.cbegin();
-        while (tag != doubles)
-            plan.readings.push_back(isBitArea ? bitReading(tag, doubles, form)
-                                              : registerReading(tag, doubles, form));
+        while (tag != alone)
+            plan.readings.push_back(isBitArea ? bitReading(tag, alone) : registerReading(tag, alone));
         for (; tag != group.cend(); ++tag)
-            plan.readings.push_back(doubleWordReading(*tag, form));
+            plan.readings.push_back(readingsOf(*tag).front());
     }
     return plan;
 }
@@ -120,13 +141,7 @@ TagPlan planTags(const QStringList &tags, ItemKind registerKind, ValueForm form)
 std::vector<Reading> oneByOne(const Reading &reading)
 {
     std::vector<Reading> readings;
-    for (const Reading::Shown &shown : reading.shown) {
-        Reading single;
-        single.items.address = parseAddress(shown.address).valueOr(reading.items.address);
-        single.items.kind = shown.kind;
-        single.shown = {shown};
-        single.shown.front().position = 0;
-        readings.push_back(single);
-    }
+    for (const Reading::Shown &shown : reading.shown)
+        readings.push_back(readingsOf(shown.point).front());
     return readings;
 }

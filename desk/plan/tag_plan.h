@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/items/readings.h"
+#include "desk/readings/readings.h"
 
 /// How to read all tags of a link as a panel would: bits of areas as bytes, which the driver asks for run by
 /// run of those that are used; neighbouring registers together; bits of registers with their registers.

@@ -3,33 +3,53 @@
 namespace
 {
 
-Limit limitOf(const Point &point, std::optional<double> number)
+QString limitOf(const Point &point, double number)
 {
     if (point.low && number < *point.low)
-        return Limit::Below;
-    return point.high && number > *point.high ? Limit::Above : Limit::Within;
+        return QStringLiteral("below %1").arg(*point.low);
+    return point.high && number > *point.high ? QStringLiteral("above %1").arg(*point.high) : QString();
 }
 
 // Numbers that can have states are whole and fit.
-qint64 wholeNumber(const QByteArray &value, const ValueType &type)
+qint64 wholeNumber(const QJsonValue &number)
 {
-    return jsonOf(value, type).toVariant().toLongLong();
+    return number.toVariant().toLongLong();
+}
+
+QString statesText(const States &states)
+{
+    if (states.isEmpty() || states.isOfBits())
+        return {};
+    return QStringLiteral(", or one of ") + states.names().join(QStringLiteral(", "));
 }
 
 } // namespace
 
-PointValue shownOf(const Point &point, const QByteArray &value, TextEncoding encoding)
+QString PointValue::withUnit(const QString &unit) const
+{
+    if (!state.isEmpty())
+        return state;
+    return unit.isEmpty() || text.isEmpty() ? text : text + QLatin1Char(' ') + unit;
+}
+
+QString labelOf(const Point &point)
+{
+    return point.name.isEmpty() ? point.at.label(0) : point.name;
+}
+
+PointValue shownOf(const Point &point, const QByteArray &value)
 {
     const ValueType &type = point.at.type;
     PointValue shown;
-    shown.raw = textOf(value, type, encoding);
+    shown.raw = textOf(value, type, point.encoding);
+    shown.rawNumber = jsonOf(value, type, point.encoding);
     shown.text = shown.raw;
-    shown.number = jsonOf(value, type, encoding);
+    shown.number = shown.rawNumber;
     const std::optional<double> number = numberOf(value, type);
     if (!number)
         return shown;
     if (!point.states.isEmpty())
-        shown.state = point.states.nameOf(wholeNumber(value, type));
+        shown.state = point.states.nameOf(wholeNumber(shown.rawNumber));
     if (!point.scaling.isNeutral()) {
         shown.text = scaledText(value, type, point.scaling);
         shown.number = shown.text.toDouble();
@@ -38,31 +58,13 @@ PointValue shownOf(const Point &point, const QByteArray &value, TextEncoding enc
     return shown;
 }
 
-Result<QByteArray> parsePointValue(const Point &point, const QString &text, const ValueParsing &parsing)
+Result<QByteArray> parsePointValue(const Point &point, const QString &text, bool mayRound)
 {
+    const ValueParsing parsing{point.encoding, mayRound};
     if (const std::optional<qint64> state = point.states.valueOf(text))
         return parseValue(QString::number(*state), point.at.type, parsing);
     Result<QByteArray> value = parseScaled(text, point.at.type, point.scaling, parsing);
     if (value)
         return value;
-    const QString states =
-        point.states.isEmpty() || point.states.isOfBits()
-            ? QString()
-            : QStringLiteral(", or one of ") + point.states.names().join(QStringLiteral(", "));
-    return Error{value.errorText() + states};
-}
-
-QString valueWithUnit(const Point &point, const PointValue &value)
-{
-    if (!value.state.isEmpty())
-        return value.state;
-    return point.unit.isEmpty() ? value.text : value.text + QLatin1Char(' ') + point.unit;
-}
-
-QString limitText(const Point &point, Limit limit)
-{
-    if (limit == Limit::Within)
-        return {};
-    return limit == Limit::Below ? QStringLiteral("below %1").arg(*point.low)
-                                 : QStringLiteral("above %1").arg(*point.high);
+    return Error{value.errorText() + statesText(point.states)};
 }

@@ -55,7 +55,7 @@ private:
         const Result<Address> address = typed ? parseAddress(typed->address) : Result<Address>(typed.error());
         if (!address)
             return fail(Column::Address, address.errorText());
-        if (typed->count != 1)
+        if (typed->count)
             return fail(
                 Column::Address,
                 QStringLiteral("\"%1\": a point is one value; expected no count").arg(cell(Column::Address)));

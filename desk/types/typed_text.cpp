@@ -22,8 +22,9 @@ Result<TypedText> parseTypeAndCount(const QString &text)
     typed.type = *type;
     if (!hasCount)
         return typed;
-    typed.count = match.captured(2).toInt();
-    if (typed.count < 1 || typed.count > MaxCount)
+    const int count = match.captured(2).toInt();
+    typed.count = count;
+    if (count < 1 || count > MaxCount)
         return Error{QStringLiteral("count \"%1\": expected 1 to %2").arg(match.captured(2)).arg(MaxCount)};
     return typed;
 }

@@ -8,7 +8,7 @@
 struct TypedText {
     QString address;
     std::optional<ValueType> type;
-    int count = 1;
+    std::optional<int> count;
     QString order; ///< empty when there is none
 };
 

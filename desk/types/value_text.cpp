@@ -49,6 +49,12 @@ QString withoutControls(const QString &text)
     return plain;
 }
 
+// There is no negative zero among whole numbers, which some readers make of "-0".
+double withoutMinusZero(double number)
+{
+    return number == 0 ? 0.0 : number;
+}
+
 } // namespace
 
 QString stringOf(const QByteArray &value, TextEncoding encoding)
@@ -98,7 +104,7 @@ QJsonValue jsonOf(const QByteArray &value, const ValueType &type, TextEncoding e
         return {};
     // By its text: the nearest double of 0.1f would be written as 0.10000000149011612.
     if (type.meaning == Meaning::Float)
-        return shortestText(value).toDouble();
+        return withoutMinusZero(shortestText(value).toDouble());
     if (type.meaning == Meaning::Signed)
         return signedOf(bitsOf(value), type.bits);
     const quint64 number = type.meaning == Meaning::Bcd ? *numberOfBcd(bitsOf(value)) : bitsOf(value);

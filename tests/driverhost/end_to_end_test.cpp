@@ -1,6 +1,6 @@
 #include "apps/driverhost/commands/demo_cases.h"
-#include "desk/items/item_data.h"
 #include "desk/items/value_form.h"
+#include "desk/items/value_place.h"
 #include "desk/link/loaded_driver.h"
 #include "desk/link/tcp_channel.h"
 #include "desk/project/project_file.h"
@@ -112,7 +112,8 @@ TEST_F(EndToEndTest, RandomReadsAndWritesAgreeWithTheSlave)
         SCOPED_TRACE(testing::Message()
                      << nameOf(items.kind).toStdString() << ' ' << items.label(0).toStdString());
         if (demoCase.isWritten) {
-            ASSERT_TRUE(driver->write(&channel, items.command(), dataOf(values, items.kind)))
+            ASSERT_TRUE(
+                driver->write(&channel, items.command(), dataOf(valuesOf(values, items), typed(items))))
                 << driver->getLastError().toStdString();
             ASSERT_EQ(inSlave(items), values);
         } else {
@@ -121,7 +122,7 @@ TEST_F(EndToEndTest, RandomReadsAndWritesAgreeWithTheSlave)
         }
         const QByteArray data = read(channel, items);
         ASSERT_FALSE(driver->hasError()) << driver->getLastError().toStdString();
-        ASSERT_EQ(valuesIn(data, items), values);
+        ASSERT_EQ(numbersOf(valuesIn(data, typed(items))), values);
     }
     EXPECT_EQ(slave.counts().connections, 1u);
 }

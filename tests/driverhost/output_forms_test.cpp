@@ -1,4 +1,5 @@
 #include "desk/output/output_form.h"
+#include "desk/readings/readings.h"
 #include "tests/driverhost/support/slave_test.h"
 
 #include <QJsonDocument>
@@ -157,10 +158,11 @@ TEST_F(OutputFormsTest, TimesSayHowFarTheyAreFromUtc)
 
 TEST(OutputForm, HasNoNegativeZero)
 {
+    Address address;
+    address.number = 1;
     ValueRow row;
-    row.kind = DoubleWordItem;
-    row.form = ValueForm::Float;
-    row.value = 0x80000000;
+    row.value =
+        shownOf(namelessPoint(*typedItems(address, *parseType("f32"))), QByteArray::fromHex("80000000"));
     EXPECT_TRUE(linesOf({row}, OutputFormat::Json).value(0).contains("\"value\":0}"))
         << linesOf({row}, OutputFormat::Json).value(0).toStdString();
 }

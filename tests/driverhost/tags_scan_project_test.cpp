@@ -247,7 +247,7 @@ TEST(TagPlan, KeepsRangesToWhatOneRequestCarries)
     const TagPlan words = planTags(tags, WordItem, ValueForm::Unsigned);
     ASSERT_EQ(words.readings.size(), 3u);
     EXPECT_EQ(words.readings[0].items.count, 125);
-    EXPECT_EQ(words.readings[2].shown.back().address, QStringLiteral("HR300"));
+    EXPECT_EQ(labelOf(words.readings[2].shown.back()), "HR300");
     EXPECT_EQ(planTags(tags, DoubleWordItem, ValueForm::Unsigned).readings.size(), 300u);
 
     const TagPlan bits = planTags({"DO1", "DO2000", "DO2001"}, WordItem, ValueForm::Unsigned);

@@ -29,10 +29,12 @@ bool shows(const Screen &screen, const QString &address, const QString &pattern)
     return QRegularExpression(pattern).match(lineOf(screen, address)).hasMatch();
 }
 
-ValueRow wordRow(quint32 value)
+ValueRow wordRow(int value)
 {
     ValueRow row;
-    row.value = value;
+    row.value.text = QString::number(value);
+    row.value.raw = row.value.text;
+    row.value.number = value;
     return row;
 }
 
@@ -230,7 +232,7 @@ TEST(WatchedValue, IsLiveOnlyForItsTime)
 TEST(WatchedValue, DrawsItsCourseBetweenItsOwnLimits)
 {
     WatchedValue value(100);
-    for (const quint32 number : {10u, 17u, 10u})
+    for (const int number : {10, 17, 10})
         value.add(wordRow(number), 0);
     value.addGap();
     value.add(wordRow(13), 0);

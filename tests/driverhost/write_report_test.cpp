@@ -29,7 +29,7 @@ QStringList reported(const char *address, int count, const std::vector<Exchange>
     items.address = *parseAddress(QLatin1String(address));
     items.kind = defaultKind(items.address);
     items.count = count;
-    WriteReport report(items);
+    WriteReport report(typedItems(items, ValueForm::Unsigned));
     report.add(exchanges);
     return report.lines();
 }
@@ -63,7 +63,7 @@ TEST(WriteReport, AnItemIsAsFarAsItsLeastCertainRegister)
     items.address = *parseAddress(QStringLiteral("FN6HR1"));
     items.kind = DoubleWordItem;
     items.count = 3;
-    WriteReport report(items);
+    WriteReport report(typedItems(items, ValueForm::Unsigned));
     EXPECT_FALSE(report.hasTouched());
     report.add({exchange("010600000001", "010600000001"), exchange("010600010001", "010600010001"),
                 exchange("010600020001", "010600020001"), exchange("010600030001", "018602")});

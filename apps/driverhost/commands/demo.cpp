@@ -3,11 +3,11 @@
 #include "apps/driverhost/commands/demo_cases.h"
 #include "apps/driverhost/console/link_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "desk/items/item_data.h"
-#include "desk/items/value_form.h"
+#include "desk/items/value_place.h"
 #include "desk/output/table.h"
 #include "desk/project/needed_tags.h"
 #include "desk/slave/slave_thread.h"
+#include "desk/types/value_text.h"
 
 namespace
 {
@@ -33,11 +33,11 @@ QString hexText(const QByteArray &bytes)
     return QString::fromLatin1(bytes.toHex(' ').toUpper());
 }
 
-QString valuesText(const std::vector<quint32> &values, ItemKind kind)
+QString valuesText(const std::vector<quint32> &values, const Items &items)
 {
     QStringList texts;
-    for (const quint32 value : values)
-        texts += formatValue(value, kind, widthOf(kind) == 1 ? ValueForm::Unsigned : ValueForm::Hex);
+    for (const QByteArray &value : valuesOf(values, items))
+        texts += textOf(value, typed(items).type);
     return texts.join(QLatin1Char(' '));
 }
 
@@ -134,7 +134,8 @@ void Demonstration::show(const DemoCase &demoCase)
 
 void Demonstration::showWrite(const DemoCase &demoCase)
 {
-    bool isRight = m_session.write(demoCase.items, dataOf(demoCase.values, demoCase.items.kind));
+    bool isRight = m_session.write(demoCase.items,
+                                   dataOf(valuesOf(demoCase.values, demoCase.items), typed(demoCase.items)));
     for (int i = 0; i < demoCase.items.count; ++i)
         isRight =
             valueInSlave(m_slave, demoCase.items, i) == demoCase.values[static_cast<size_t>(i)] && isRight;
@@ -145,7 +146,7 @@ void Demonstration::showRead(const DemoCase &demoCase)
 {
     const std::optional<QByteArray> data = m_session.read(demoCase.items);
     DemoCase read = demoCase;
-    read.values = data ? valuesIn(*data, demoCase.items) : std::vector<quint32>();
+    read.values = data ? numbersOf(valuesIn(*data, typed(demoCase.items))) : std::vector<quint32>();
     addRow("read", read, read.values == demoCase.values);
 }
 
@@ -153,7 +154,7 @@ void Demonstration::addRow(const char *what, const DemoCase &demoCase, bool isRi
 {
     m_wrong += isRight ? 0 : 1;
     QStringList cells{QLatin1String(what), demoCase.items.label(0), nameOf(demoCase.items.kind),
-                      valuesText(demoCase.values, demoCase.items.kind),
+                      valuesText(demoCase.values, demoCase.items),
                       isRight ? QStringLiteral("ok") : QStringLiteral("WRONG")};
     if (demoCase.items.kind == ByteItem || demoCase.items.kind == BlockItem)
         cells[1] = demoCase.items.address.text();

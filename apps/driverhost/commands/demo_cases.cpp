@@ -1,6 +1,7 @@
 #include "apps/driverhost/commands/demo_cases.h"
 
 #include "desk/slave/slave_thread.h"
+#include "desk/types/value_bits.h"
 
 #include <algorithm>
 
@@ -103,6 +104,27 @@ std::vector<DemoCase> demoCases()
         cases.push_back(demoCase);
     }
     return cases;
+}
+
+TypedItems typed(const Items &items)
+{
+    return typedItems(items, ValueForm::Hex);
+}
+
+std::vector<QByteArray> valuesOf(const std::vector<quint32> &numbers, const Items &items)
+{
+    std::vector<QByteArray> values;
+    for (const quint32 number : numbers)
+        values.push_back(valueOf(number, typed(items).type.bytes()));
+    return values;
+}
+
+std::vector<quint32> numbersOf(const std::vector<QByteArray> &values)
+{
+    std::vector<quint32> numbers;
+    for (const QByteArray &value : values)
+        numbers.push_back(static_cast<quint32>(bitsOf(value)));
+    return numbers;
 }
 
 quint32 valueInSlave(SlaveThread &slave, const Items &items, int index)

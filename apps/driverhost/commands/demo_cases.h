@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/items/items.h"
+#include "desk/items/typed_items.h"
 
 #include <vector>
 
@@ -15,6 +15,11 @@ struct DemoCase {
 
 /// Every item kind of every area.
 std::vector<DemoCase> demoCases();
+
+/// The items as values in hexadecimal digits; the values of their numbers, and back.
+TypedItems typed(const Items &items);
+std::vector<QByteArray> valuesOf(const std::vector<quint32> &numbers, const Items &items);
+std::vector<quint32> numbersOf(const std::vector<QByteArray> &values);
 
 /// The value of item \a index as the slave's memory has it, by the rules of the protocol and of addresses,
 /// without the driver.

@@ -13,7 +13,8 @@ void traceTarget(const LinkSettings &link)
     const QString origin =
         link.targetOrigin.isEmpty() ? QStringLiteral("by default and options") : link.targetOrigin;
     if (link.trace)
-        link.trace(QStringLiteral("target %1: %2").arg(targetText(link.target()), origin));
+        link.trace(traceEvent(QDateTime::currentDateTime(),
+                              QStringLiteral("target %1: %2").arg(targetText(link.target()), origin)));
 }
 
 int runTask(const Job &job)

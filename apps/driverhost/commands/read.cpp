@@ -1,7 +1,7 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/console/point_options.h"
 #include "apps/driverhost/runs/reading_run.h"
 
 namespace
@@ -45,17 +45,18 @@ Job prepareRead(const QStringList &arguments)
 {
     CommandLine line(Texts);
     line.addOptions(itemOptions());
+    line.addOptions(pointOptions());
     line.addOptions({itemCountOption({QStringLiteral("count")}), formatOption()});
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
 
-    const AddressedItems addressed = addressedItems(line, "count");
+    const AddressedPoints addressed = addressedPoints(line, "count");
     const OutputFormat format = formatOf(line);
     if (!line.isValid())
         return line.reportUsageError();
     return {addressed.link, addressed.tags, [=](Session &session) {
-                reportPortions(addressed.items);
-                return readAll(session, readingsOf(addressed.items, addressed.form), format);
+                reportPortions(addressed.points);
+                return readAll(session, readingsOf(addressed.points), format);
             }};
 }

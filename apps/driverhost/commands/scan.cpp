@@ -2,6 +2,7 @@
 
 #include "apps/driverhost/console/interruptible_run.h"
 #include "apps/driverhost/console/item_options.h"
+#include "apps/driverhost/console/link_options.h"
 #include "apps/driverhost/console/messages.h"
 #include "apps/driverhost/runs/scan_stations.h"
 #include "apps/driverhost/terminal/progress.h"
@@ -95,18 +96,14 @@ int scanRanges(Session &session, const Limits &limits, const Items &probe, Outpu
 
 Items probeOf(CommandLine &line, const QString &what)
 {
-    Items probe;
     const bool isStations = what == QLatin1String("stations");
     const QString text = isStations ? line.text("probe") : what + QStringLiteral("1");
-    const Result<Address> address = parseAddress(text);
-    if (!address || (!isStations && address->number != 1)) {
-        line.addError(isStations ? address.errorText()
-                                 : QStringLiteral("\"%1\": expected stations, HR, IR, DI or DO").arg(what));
-        return probe;
-    }
-    probe.address = *address;
-    probe.kind = defaultKind(*address);
-    return probe;
+    const Result<TypedItems> probe = itemsAt(text, ItemOptions(), ItemCounts());
+    if (probe && (isStations || probe->address.number == 1))
+        return probe->items;
+    line.addError(isStations ? probe.errorText()
+                             : QStringLiteral("\"%1\": expected stations, HR, IR, DI or DO").arg(what));
+    return {};
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "apps/driverhost/commands/commands.h"
 
 #include "apps/driverhost/console/item_options.h"
+#include "apps/driverhost/console/link_options.h"
 #include "apps/driverhost/console/messages.h"
 #include "apps/driverhost/runs/reading_run.h"
 #include "apps/driverhost/terminal/progress.h"

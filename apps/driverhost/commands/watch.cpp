@@ -1,7 +1,7 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/console/point_options.h"
 #include "apps/driverhost/watch/watch_options.h"
 
 namespace
@@ -27,17 +27,18 @@ Job prepareWatch(const QStringList &arguments)
     CommandLine line(Texts);
     line.addOptions(watchOptions());
     line.addOptions(itemOptions());
+    line.addOptions(pointOptions());
     line.addOptions({itemCountOption(), formatOption()});
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
 
-    const AddressedItems addressed = addressedItems(line);
+    const AddressedPoints addressed = addressedPoints(line);
     const WatchRun run = watchRunOn(addressed.link, watchRunOf(line));
     if (!line.isValid())
         return line.reportUsageError();
     return {addressed.link, addressed.tags, [=](Session &session) {
-                reportPortions(addressed.items);
-                return watchReadings(session, readingsOf(addressed.items, addressed.form), run);
+                reportPortions(addressed.points);
+                return watchReadings(session, readingsOf(addressed.points), run);
             }};
 }

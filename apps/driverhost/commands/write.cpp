@@ -28,13 +28,20 @@ void checkBroadcast(const Items &items, CommandLine &line)
         line.addError(problem);
 }
 
+int stationOf(const WriteRequest &request, const LinkSettings &link)
+{
+    return stationOf(request.point.at.items, link.channel.station);
+}
+
 } // namespace
 
 Job prepareWrite(const QStringList &arguments)
 {
     CommandLine line(Texts);
     line.addOptions(itemOptions());
+    line.addOptions(pointOptions());
     line.addOptions({
+        {QStringLiteral("rounded"), QStringLiteral("Round values to what their type can hold.")},
         {QStringLiteral("verify"), QStringLiteral("Read back what was written and compare.")},
         {QStringLiteral("dry-run"), QStringLiteral("Show the frames and send nothing.")},
         formatOption(),
@@ -45,23 +52,28 @@ Job prepareWrite(const QStringList &arguments)
 
     QStringList words = line.words();
     LinkSettings link = linkSettings(line, words);
-    const WriteRequest request = writeRequest(words, itemOptionsOf(line), line);
+    const std::vector<WriteRequest> requests = writeRequests(words, line.isSet("rounded"), line);
     const bool isVerified = line.isSet("verify");
     const bool isDryRun = line.isSet("dry-run");
     const OutputFormat format = formatOf(line);
-    const int station = stationOf(request.items, link.channel.station);
-    if (station == modbus::BroadcastStation)
-        checkBroadcast(request.items, line);
+    QStringList tags;
+    for (const WriteRequest &request : requests) {
+        const int station = stationOf(request, link);
+        if (station == modbus::BroadcastStation) {
+            checkBroadcast(request.point.at.items, line);
+            link.channel.retries = 0;
+        }
+        tags += neededTags(request.point.at.items, station);
+    }
     if (!line.isValid())
         return line.reportUsageError();
-
-    if (station == modbus::BroadcastStation)
-        link.channel.retries = 0;
-    return {link, neededTags(request.items, station), [=](Session &session) {
+    return {link, tags, [=](Session &session) {
                 if (isDryRun)
-                    return showFrames(session, request, format);
-                reportBroadcast(station);
-                reportWritePortions(request.items);
-                return runWrite(session, request, isVerified, format);
+                    return showFrames(session, requests, format);
+                for (const WriteRequest &request : requests) {
+                    reportBroadcast(stationOf(request, link));
+                    reportWritePortions(request.point.at);
+                }
+                return runWrites(session, requests, isVerified, format);
             }};
 }

@@ -1,16 +1,14 @@
 #include "apps/driverhost/console/item_options.h"
 
-#include "desk/project/needed_tags.h"
-
 namespace
 {
 
-Items rawItems(const QString &text, const ItemOptions &options)
+Items rawItems(const QString &text, const ItemOptions &options, int count)
 {
     Items items;
     items.rawText = text.isNull() ? QStringLiteral("") : text;
     items.kind = options.kind.value_or(WordItem);
-    items.count = options.count;
+    items.count = count;
     return items;
 }
 
@@ -31,6 +29,39 @@ QString problemWith(const Items &items, const ItemOptions &options)
     if (options.highWordFirst == false && items.address.highWordFirst)
         return QStringLiteral("SW in the address says the high word first, and --word-order the low one");
     return {};
+}
+
+Error at(const Address &address, const QString &problem)
+{
+    return {QStringLiteral("address \"%1\": %2").arg(address.label(), problem)};
+}
+
+Result<TypedItems> untypedItems(const Address &address, const ItemOptions &options, int count)
+{
+    Items items;
+    items.address = address;
+    items.kind = kindAt(address, options);
+    items.count = count;
+    const QString problem = problemWith(items, options);
+    if (!problem.isEmpty())
+        return at(address, problem);
+    items.highWordFirst = options.highWordFirst.value_or(false);
+    const Result<> check = checkItems(items);
+    if (!check)
+        return check.error();
+    return typedItems(items, options.form);
+}
+
+// What the options make of the items is a type as well.
+Result<TypedItems> orderedItems(const Address &address, const QString &order, const ItemOptions &options,
+                                int count)
+{
+    Result<TypedItems> typed =
+        typedItems(address, typeOf(kindAt(address, options), options.form), count, order);
+    if (typed && options.highWordFirst.value_or(typed->order.isHighWordFirst) != typed->order.isHighWordFirst)
+        return at(address,
+                  QStringLiteral("the order \"%1\" and --word-order say different things").arg(order));
+    return typed;
 }
 
 } // namespace
@@ -100,43 +131,19 @@ ItemOptions itemOptionsOf(CommandLine &line)
     return options;
 }
 
-Items itemsAt(const QString &text, const ItemOptions &options, CommandLine &line)
+Result<TypedItems> itemsAt(const QString &text, const ItemOptions &options, const ItemCounts &counts)
 {
     if (options.isRaw)
-        return rawItems(text, options);
-    Items items;
-    const Result<Address> address = parseAddress(text);
-    if (!address) {
-        line.addError(address.errorText());
-        return items;
-    }
-    items.address = *address;
-    items.kind = kindAt(*address, options);
-    items.count = options.count;
-    const QString problem = problemWith(items, options);
-    if (!problem.isEmpty())
-        line.addError(QStringLiteral("address \"%1\": %2").arg(text, problem));
-    items.highWordFirst = options.highWordFirst.value_or(false);
-    const Result<> check = checkItems(items);
-    if (!check)
-        line.addError(check.errorText());
-    return items;
-}
-
-AddressedItems addressedItems(CommandLine &line, const char *countOption)
-{
-    AddressedItems addressed;
-    QStringList words = line.words();
-    addressed.link = linkSettings(line, words);
-    ItemOptions options = itemOptionsOf(line);
-    options.count = line.number(countOption, 1, modbus::AddressSpace);
-    addressed.form = options.form;
-    for (const QString &word : qAsConst(words)) {
-        const Items items = itemsAt(word, options, line);
-        addressed.items.push_back(items);
-        addressed.tags += neededTags(items, stationOf(items, addressed.link.channel.station));
-    }
-    if (words.isEmpty())
-        line.addError(QStringLiteral("no address; expected one such as HR100"));
-    return addressed;
+        return typedItems(rawItems(text, options, counts.untyped), options.form);
+    const Result<TypedText> typed = parseTypedText(text);
+    if (!typed)
+        return typed.error();
+    const Result<Address> address = parseAddress(typed->address);
+    if (!address)
+        return address.error();
+    if (typed->type)
+        return typedItems(*address, *typed->type, typed->count.value_or(counts.typed), typed->order);
+    if (!typed->order.isEmpty())
+        return orderedItems(*address, typed->order, options, counts.untyped);
+    return untypedItems(*address, options, counts.untyped);
 }

@@ -65,9 +65,10 @@ void reportBroadcast(int station)
         report(QStringLiteral("station 0 is a broadcast: every slave takes a write, and none replies"));
 }
 
-void reportPortions(const std::vector<Items> &all)
+void reportPortions(const std::vector<Point> &points)
 {
-    for (const Items &items : all) {
+    for (const Point &point : points) {
+        const TypedItems &items = point.at;
         const size_t portions = portionsOf(items).size();
         if (portions > 1)
             report(
@@ -76,7 +77,7 @@ void reportPortions(const std::vector<Items> &all)
     }
 }
 
-void reportWritePortions(const Items &items)
+void reportWritePortions(const TypedItems &items)
 {
     const size_t portions = writePortionsOf(items).size();
     if (portions > 1)

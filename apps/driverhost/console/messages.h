@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desk/link/session.h"
+#include "desk/points/point.h"
 
 #include <QStringList>
 
@@ -19,8 +20,8 @@ void reportOddSuccess(const Session &session, const QString &label);
 /// Says what to expect of station 0.
 void reportBroadcast(int station);
 /// Says which items are more than one request carries.
-void reportPortions(const std::vector<Items> &all);
-void reportWritePortions(const Items &items);
+void reportPortions(const std::vector<Point> &points);
+void reportWritePortions(const TypedItems &items);
 
 /// Writes lines to standard output at once; false when nobody reads it any more.
 bool print(const QStringList &lines);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "apps/driverhost/console/interruptible_run.h"
-#include "desk/items/readings.h"
 #include "desk/output/output_form.h"
+#include "desk/readings/readings.h"
 
 /// What the subcommands have in common that read values once: rows of everything, also of what failed, and
 /// the first failure for the exit code.

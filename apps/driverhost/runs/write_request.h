@@ -1,16 +1,17 @@
 #pragma once
 
-#include "apps/driverhost/console/item_options.h"
+#include "apps/driverhost/console/point_options.h"
 
-/// What a command line of `write` asks for.
+/// Some values to be written, one after the other from an address on, or to a point.
 struct WriteRequest {
-    Items items;
-    ValueForm form = ValueForm::Unsigned;
-    std::vector<quint32> values;
+    Point point;
+    std::vector<QByteArray> values;
 };
 
-/// Reads an address and its values; what is wrong is noted in \a line.
-WriteRequest writeRequest(const QStringList &words, const ItemOptions &options, CommandLine &line);
+/// Reads what is to be written: an address or a name and its values, or NAME=VALUE and ADDRESS=VALUE any
+/// number of times. With \a mayRound numbers become what their type can hold. What is wrong is noted in \a
+/// line.
+std::vector<WriteRequest> writeRequests(const QStringList &words, bool mayRound, CommandLine &line);
 
 /// Why the items cannot be broadcast; empty when they can.
 QString problemWithBroadcast(const Items &items);

@@ -2,9 +2,9 @@
 
 #include "apps/driverhost/console/interruptible_run.h"
 #include "apps/driverhost/console/messages.h"
-#include "desk/items/item_data.h"
 #include "desk/items/number_text.h"
 #include "desk/items/portions.h"
+#include "desk/items/value_place.h"
 #include "desk/link/dry_run_channel.h"
 #include "desk/link/write_report.h"
 #include "desk/output/summary.h"
@@ -14,72 +14,80 @@
 namespace
 {
 
-std::vector<quint32> slice(const std::vector<quint32> &values, size_t first, const Items &portion)
+using Values = std::vector<QByteArray>;
+
+Values slice(const Values &values, size_t first, const TypedItems &portion)
 {
     const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
     return {begin, begin + portion.count};
 }
 
+// One request, from its first frame to its last row.
 class WriteRun
 {
 public:
-    WriteRun(Session &session, const WriteRequest &request)
-        : m_session(session), m_request(request), m_run(session), m_report(request.items)
+    WriteRun(Session &session, const InterruptibleRun &run, const WriteRequest &request)
+        : m_session(session), m_run(run), m_request(request), m_typed(request.point.at), m_report(m_typed)
     {
-        m_run.setLabel(request.items.label(0));
     }
 
     void write();
     void verify();
-    int finish(OutputFormat format) const;
+    void reportEnd() const;
 
+    int code() const { return m_code; }
     bool isGood() const { return m_code == Success && !m_run.isInterrupted(); }
+    std::vector<WrittenRow> rows() const;
 
 private:
-    bool writePortion(const Items &portion, const std::vector<quint32> &values);
-    bool isBroadcast() const { return m_session.stationFor(m_request.items) == modbus::BroadcastStation; }
+    bool writePortion(const TypedItems &portion, int first);
+    bool isBroadcast() const { return m_session.stationFor(m_typed.items) == modbus::BroadcastStation; }
     bool isExpectedSilence() const;
-    void fail(const Items &portion);
+    void fail(const QString &label);
     void compare();
-    std::vector<WrittenRow> rows() const;
-    WrittenRow rowOf(int item) const;
-    QString resultOf(int item) const;
+    WrittenRow rowOf(int value) const;
+    QString resultOf(int value) const;
+    QString label(int value) const;
+    PointValue shown(const QByteArray &value) const { return shownOf(m_request.point, value); }
 
     Session &m_session;
+    const InterruptibleRun &m_run;
     const WriteRequest &m_request;
-    InterruptibleRun m_run;
+    const TypedItems &m_typed;
     WriteReport m_report;
-    std::vector<quint32> m_readBack; // of the first items; all when they were verified
+    Values m_readBack; // of the first values; all when they were verified
     std::optional<RowFailure> m_failure;
     int m_code = Success;
 };
 
 void WriteRun::write()
 {
-    size_t first = 0;
-    for (const Items &portion : writePortionsOf(m_request.items)) {
-        if (m_run.isInterrupted() || !writePortion(portion, slice(m_request.values, first, portion)))
+    int first = 0;
+    for (const TypedItems &portion : writePortionsOf(m_typed)) {
+        if (m_run.isInterrupted() || !writePortion(portion, first))
             return;
-        first += static_cast<size_t>(portion.count);
+        first += portion.count;
     }
-    const QString label = m_request.items.label(0);
     if (isBroadcast())
-        report(QStringLiteral("%1: sent; no reply, as expected of a broadcast").arg(label));
+        report(QStringLiteral("%1: sent; no reply, as expected of a broadcast").arg(label(0)));
     else
-        report(QStringLiteral("%1: wrote %2 of kind %3")
-                   .arg(label, counted(m_request.items.count, "item"), nameOf(m_request.items.kind)));
+        report(QStringLiteral("%1: wrote %2 of %3 %4")
+                   .arg(label(0), counted(m_typed.count, "item"),
+                        m_typed.isTyped ? QStringLiteral("type") : QStringLiteral("kind"),
+                        m_typed.kindName()));
 }
 
-bool WriteRun::writePortion(const Items &portion, const std::vector<quint32> &values)
+bool WriteRun::writePortion(const TypedItems &portion, int first)
 {
-    const bool isConfirmed = m_session.write(portion, dataOf(values, portion.kind));
+    const Values values = slice(m_request.values, static_cast<size_t>(first), portion);
+    const bool isConfirmed = m_session.write(portion.items, dataOf(values, portion));
     m_report.add(m_session.exchanges());
     if (m_run.isInterrupted() && !isConfirmed)
         return false;
     if (isConfirmed)
-        reportOddSuccess(m_session, portion.label(0));
+        reportOddSuccess(m_session, label(first));
     else if (!isExpectedSilence())
-        fail(portion);
+        fail(label(first));
     return m_code == Success;
 }
 
@@ -88,10 +96,10 @@ bool WriteRun::isExpectedSilence() const
     return isBroadcast() && m_session.failure().kind == FailureKind::NoReply && m_report.hasTouched();
 }
 
-void WriteRun::fail(const Items &portion)
+void WriteRun::fail(const QString &label)
 {
     const Failure failure = m_session.failure();
-    reportFailure(m_session, portion.label(0));
+    reportFailure(m_session, label);
     if (m_report.hasTouched()) {
         for (const QString &line : m_report.lines())
             report(QStringLiteral("  ") + line);
@@ -103,15 +111,15 @@ void WriteRun::fail(const Items &portion)
 // Whether the slave holds what was written.
 void WriteRun::verify()
 {
-    for (const Items &portion : portionsOf(m_request.items)) {
-        const std::optional<QByteArray> data = m_session.read(portion);
+    for (const TypedItems &portion : portionsOf(m_typed)) {
+        const std::optional<QByteArray> data = m_session.read(portion.items);
         if (m_run.isInterrupted())
             return;
         if (!data) {
-            fail(portion);
+            fail(label(static_cast<int>(m_readBack.size())));
             return;
         }
-        const std::vector<quint32> values = valuesIn(*data, portion);
+        const Values values = valuesIn(*data, portion);
         m_readBack.insert(m_readBack.end(), values.begin(), values.end());
     }
     compare();
@@ -119,71 +127,63 @@ void WriteRun::verify()
 
 void WriteRun::compare()
 {
-    for (int i = 0; i < m_request.items.count; ++i) {
-        const quint32 wanted = m_request.values[static_cast<size_t>(i)];
-        const quint32 read = m_readBack[static_cast<size_t>(i)];
+    for (int i = 0; i < m_typed.count; ++i) {
+        const QByteArray &wanted = m_request.values[static_cast<size_t>(i)];
+        const QByteArray &read = m_readBack[static_cast<size_t>(i)];
         if (read == wanted)
             continue;
-        reportError(QStringLiteral("%1: wrote %2, read back %3")
-                        .arg(m_request.items.label(i),
-                             formatValue(wanted, m_request.items.kind, m_request.form),
-                             formatValue(read, m_request.items.kind, m_request.form)));
+        reportError(
+            QStringLiteral("%1: wrote %2, read back %3").arg(label(i), shown(wanted).text, shown(read).text));
         m_code = NotVerified;
     }
     if (m_code == Success)
-        report(QStringLiteral("%1: verified").arg(m_request.items.label(0)));
+        report(QStringLiteral("%1: verified").arg(label(0)));
 }
 
-int WriteRun::finish(OutputFormat format) const
+void WriteRun::reportEnd() const
 {
-    if (m_run.isInterrupted()) {
-        reportError(QStringLiteral("%1: interrupted").arg(m_request.items.label(0)));
-        for (const QString &line : m_report.lines())
-            report(QStringLiteral("  ") + line);
-    }
-    QStringList lines;
-    if (format != OutputFormat::Text)
-        lines = linesOf(rows(), format);
-    if (format == OutputFormat::Json)
-        lines += summaryLine(m_session.counts(), {{QStringLiteral("interrupted"), m_run.isInterrupted()}});
-    return lines.isEmpty() || print(lines) ? m_run.endOf(m_code) : OutputClosed;
+    if (!m_run.isInterrupted())
+        return;
+    reportError(QStringLiteral("%1: interrupted").arg(label(0)));
+    for (const QString &line : m_report.lines())
+        report(QStringLiteral("  ") + line);
 }
 
 std::vector<WrittenRow> WriteRun::rows() const
 {
     std::vector<WrittenRow> rows;
-    for (int i = 0; i < m_request.items.count; ++i)
+    for (int i = 0; i < m_typed.count; ++i)
         rows.push_back(rowOf(i));
     return rows;
 }
 
-WrittenRow WriteRun::rowOf(int item) const
+WrittenRow WriteRun::rowOf(int value) const
 {
-    const Items &items = m_request.items;
-    const size_t index = static_cast<size_t>(item);
+    const size_t index = static_cast<size_t>(value);
     const bool isReadBack = index < m_readBack.size();
     WrittenRow row;
-    row.item.station = m_session.stationFor(items);
-    row.item.address = items.label(item);
-    row.item.offset = items.isRaw() ? -1 : items.addressOf(item).wireOffset();
-    row.item.kind = items.kind;
-    row.item.form = m_request.form;
-    row.wanted = m_request.values[index];
-    row.item.value = isReadBack ? m_readBack[index] : row.wanted;
-    row.isKnown = isReadBack || m_report.stateOf(item) == WriteState::Written;
-    row.result = resultOf(item);
-    if (!isReadBack && (m_report.stateOf(item) != WriteState::Written || !m_readBack.empty()))
+    row.item.station = m_session.stationFor(m_typed.items);
+    row.item.name = m_request.point.name;
+    row.item.address = m_typed.label(value);
+    row.item.offset = m_typed.offsetOf(value);
+    row.item.kind = m_typed.kindName();
+    row.item.unit = m_request.point.unit;
+    row.wanted = shown(m_request.values[index]);
+    row.item.value = isReadBack ? shown(m_readBack[index]) : row.wanted;
+    row.isKnown = isReadBack || m_report.stateOf(value) == WriteState::Written;
+    row.result = resultOf(value);
+    if (!isReadBack && (m_report.stateOf(value) != WriteState::Written || !m_readBack.empty()))
         row.item.failure = m_failure;
     return row;
 }
 
-QString WriteRun::resultOf(int item) const
+QString WriteRun::resultOf(int value) const
 {
-    const size_t index = static_cast<size_t>(item);
+    const size_t index = static_cast<size_t>(value);
     if (index < m_readBack.size())
         return m_readBack[index] == m_request.values[index] ? QStringLiteral("verified")
                                                             : QStringLiteral("different");
-    switch (m_report.stateOf(item)) {
+    switch (m_report.stateOf(value)) {
     case WriteState::Written: return QStringLiteral("written");
     case WriteState::Refused: return QStringLiteral("refused");
     case WriteState::Unconfirmed:
@@ -193,36 +193,70 @@ QString WriteRun::resultOf(int item) const
     return QStringLiteral("not-sent");
 }
 
-} // namespace
-
-int runWrite(Session &session, const WriteRequest &request, bool isVerified, OutputFormat format)
+QString WriteRun::label(int value) const
 {
-    WriteRun run(session, request);
-    run.write();
-    if (isVerified && run.isGood())
-        run.verify();
-    return run.finish(format);
+    return m_request.point.name.isEmpty() ? m_typed.label(value) : m_request.point.name;
 }
 
-int showFrames(Session &session, const WriteRequest &request, OutputFormat format)
+int printRows(Session &session, const std::vector<WrittenRow> &rows, OutputFormat format, bool isInterrupted,
+              int code)
 {
-    const int station = session.stationFor(request.items);
-    DryRunChannel channel(station, session.channel().deviceSetting()->deviceString);
-    size_t first = 0;
-    for (const Items &portion : writePortionsOf(request.items)) {
-        const QByteArray data = dataOf(slice(request.values, first, portion), portion.kind);
-        if (!session.driver()->write(&channel, portion.command(), data)) {
-            reportFailure(session, portion.label(0));
-            return exitCodeOf(session.failure());
+    QStringList lines;
+    if (format != OutputFormat::Text)
+        lines = linesOf(rows, format);
+    if (format == OutputFormat::Json)
+        lines += summaryLine(session.counts(), {{QStringLiteral("interrupted"), isInterrupted}});
+    return lines.isEmpty() || print(lines) ? code : OutputClosed;
+}
+
+} // namespace
+
+int runWrites(Session &session, const std::vector<WriteRequest> &requests, bool isVerified,
+              OutputFormat format)
+{
+    InterruptibleRun run(session);
+    std::vector<WrittenRow> rows;
+    int code = Success;
+    for (const WriteRequest &request : requests) {
+        WriteRun write(session, run, request);
+        if (code == Success && !run.isInterrupted()) {
+            run.setLabel(labelOf(request.point));
+            write.write();
+            if (isVerified && write.isGood())
+                write.verify();
+            write.reportEnd();
+        } else {
+            report(QStringLiteral("%1: not sent").arg(labelOf(request.point)));
         }
-        first += static_cast<size_t>(portion.count);
+        const std::vector<WrittenRow> more = write.rows();
+        rows.insert(rows.end(), more.begin(), more.end());
+        code = code == Success ? write.code() : code;
     }
+    return printRows(session, rows, format, run.isInterrupted(), run.endOf(code));
+}
+
+int showFrames(Session &session, const std::vector<WriteRequest> &requests, OutputFormat format)
+{
     std::vector<FrameRow> frames;
-    for (const QByteArray &frame : channel.requests())
-        frames.push_back({station, QString::fromLatin1(frame.toHex(' ').toUpper()),
-                          describeFrame(FrameRole::Request, frame)});
-    report(QStringLiteral("%1: nothing is sent; the frames would be").arg(request.items.label(0)));
-    if (!request.items.address.isBitArea() && isBitKind(request.items.kind))
-        report(QStringLiteral("  (the other bits of the registers as they are read, here 0)"));
+    for (const WriteRequest &request : requests) {
+        const TypedItems &typed = request.point.at;
+        const int station = session.stationFor(typed.items);
+        DryRunChannel channel(station, session.channel().deviceSetting()->deviceString);
+        size_t first = 0;
+        for (const TypedItems &portion : writePortionsOf(typed)) {
+            const QByteArray data = dataOf(slice(request.values, first, portion), portion);
+            if (!session.driver()->write(&channel, portion.items.command(), data)) {
+                reportFailure(session, portion.label(0));
+                return exitCodeOf(session.failure());
+            }
+            first += static_cast<size_t>(portion.count);
+        }
+        for (const QByteArray &frame : channel.requests())
+            frames.push_back({station, QString::fromLatin1(frame.toHex(' ').toUpper()),
+                              describeFrame(FrameRole::Request, frame)});
+        report(QStringLiteral("%1: nothing is sent; the frames would be").arg(labelOf(request.point)));
+        if (!typed.address.isBitArea() && typed.type.isBit())
+            report(QStringLiteral("  (the other bits of the registers as they are read, here 0)"));
+    }
     return print(linesOf(frames, format)) ? Success : OutputClosed;
 }

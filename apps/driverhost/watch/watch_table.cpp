@@ -66,7 +66,7 @@ QStringList WatchTable::lines(qint64 now, int width, bool isUnicode) const
     for (size_t i = 0; i < m_states.size(); ++i) {
         for (size_t j = 0; j < m_states[i].values.size(); ++j) {
             const WatchedValue &value = m_states[i].values[j];
-            table.addRow(cells(m_readings[i].shown[j].address, m_states[i], value, now));
+            table.addRow(cells(labelOf(m_readings[i].shown[j]), m_states[i], value, now));
             courses += value.sparkline(isUnicode);
         }
     }
@@ -82,11 +82,11 @@ QStringList WatchTable::lines(qint64 now, int width, bool isUnicode) const
     return lines;
 }
 
-QStringList WatchTable::cells(const QString &address, const State &state, const WatchedValue &value,
+QStringList WatchTable::cells(const QString &label, const State &state, const WatchedValue &value,
                               qint64 now) const
 {
     const bool isLive = value.isLive(now);
-    return {address,
+    return {label,
             value.text(now),
             isLive && value.hasChanged() ? QStringLiteral("*") : QString(),
             isLive ? millisecondsText(state.latency) : QString(),

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desk/items/readings.h"
 #include "desk/live/watched_value.h"
+#include "desk/readings/readings.h"
 
 #include <QStringList>
 
@@ -33,8 +33,7 @@ private:
         QString error;
     };
 
-    QStringList cells(const QString &address, const State &state, const WatchedValue &value,
-                      qint64 now) const;
+    QStringList cells(const QString &label, const State &state, const WatchedValue &value, qint64 now) const;
 
     const std::vector<Reading> &m_readings;
     std::vector<State> m_states;

@@ -16,13 +16,16 @@ namespace
 class LineView : public WatchListener
 {
 public:
-    LineView(const std::vector<Reading> &readings, OutputFormat format) : m_format(format)
+    LineView(const std::vector<Reading> &readings, OutputFormat format)
     {
+        m_form.format = format;
         for (const Reading &reading : readings) {
-            for (const Reading::Shown &shown : reading.shown)
-                m_addressWidth = std::max(m_addressWidth, shown.address.size());
+            for (const Reading::Shown &shown : reading.shown) {
+                m_form.labelWidth = std::max(m_form.labelWidth, labelOf(shown).size());
+                m_form.hasNames = m_form.hasNames || !shown.point->name.isEmpty();
+            }
         }
-        const QString titles = seriesTitles(format);
+        const QString titles = seriesTitles(m_form);
         m_isOpen = titles.isEmpty() || print({titles});
     }
 
@@ -30,13 +33,13 @@ public:
     {
         QStringList lines;
         for (const ValueRow &row : rows)
-            lines += seriesLine(row, m_format, m_addressWidth);
+            lines += seriesLine(row, m_form);
         m_isOpen = m_isOpen && print(lines);
         return m_isOpen;
     }
     bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override
     {
-        if (m_format != OutputFormat::Text)
+        if (m_form.format != OutputFormat::Text)
             return add(reading, rows);
         reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
         return m_isOpen;
@@ -44,8 +47,7 @@ public:
     bool endRound() override { return m_isOpen; }
 
 private:
-    OutputFormat m_format;
-    int m_addressWidth = 0;
+    SeriesForm m_form;
     bool m_isOpen = true;
 };
 

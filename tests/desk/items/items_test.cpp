@@ -1,8 +1,9 @@
-#include "desk/items/item_data.h"
 #include "desk/items/items.h"
 #include "desk/items/portions.h"
-#include "desk/items/value_form.h"
+#include "desk/items/value_place.h"
 #include "desk/project/needed_tags.h"
+#include "desk/types/value_bits.h"
+#include "desk/types/value_text.h"
 #include "tests/peers/text_printing.h"
 
 #include <gtest/gtest.h>
@@ -19,6 +20,11 @@ Items itemsAt(const char *text, ItemKind kind, int count)
     return items;
 }
 
+TypedItems typedAt(const char *text, ItemKind kind, int count)
+{
+    return typedItems(itemsAt(text, kind, count), ValueForm::Unsigned);
+}
+
 bool fits(const char *text, ItemKind kind, int count)
 {
     return checkItems(itemsAt(text, kind, count)).isGood();
@@ -26,9 +32,9 @@ bool fits(const char *text, ItemKind kind, int count)
 
 std::optional<quint32> value(const char *text, ItemKind kind, ValueForm form = ValueForm::Unsigned)
 {
-    const Result<quint32> number = parseValue(QLatin1String(text), kind, form);
-    EXPECT_EQ(number.isGood(), number.errorText().isEmpty()) << text;
-    return number ? std::optional<quint32>(*number) : std::nullopt;
+    const Result<QByteArray> value = parseValue(QLatin1String(text), kind, form);
+    EXPECT_EQ(value.isGood(), value.errorText().isEmpty()) << text;
+    return value ? std::optional<quint32>(static_cast<quint32>(bitsOf(*value))) : std::nullopt;
 }
 
 } // namespace
@@ -61,25 +67,25 @@ TEST(HostItems, HaveKindsThatTheirAreaHas)
 
 TEST(HostItems, AreSplitIntoWhatOneRequestCarries)
 {
-    const std::vector<Items> words = portionsOf(itemsAt("HR10", WordItem, 251));
+    const std::vector<TypedItems> words = portionsOf(typedAt("HR10", WordItem, 251));
     ASSERT_EQ(words.size(), 3u);
     EXPECT_EQ(words[1].address.text(), QStringLiteral("HR135"));
     EXPECT_EQ(words[2].address.text(), QStringLiteral("HR260"));
     EXPECT_EQ(words[2].count, 1);
-    EXPECT_EQ(portionsOf(itemsAt("HR1", WordItem, 125)).size(), 1u);
+    EXPECT_EQ(portionsOf(typedAt("HR1", WordItem, 125)).size(), 1u);
 
-    const std::vector<Items> doubles = portionsOf(itemsAt("HRSW1", DoubleWordItem, 63));
+    const std::vector<TypedItems> doubles = portionsOf(typedAt("HRSW1", DoubleWordItem, 63));
     ASSERT_EQ(doubles.size(), 2u);
-    EXPECT_EQ(doubles[1].command().address, QStringLiteral("HRSW125"));
+    EXPECT_EQ(doubles[1].items.command().address, QStringLiteral("HRSW125"));
 
-    const std::vector<Items> bits = portionsOf(itemsAt("HR1.15", BitItem, 3000));
+    const std::vector<TypedItems> bits = portionsOf(typedAt("HR1.15", BitItem, 3000));
     ASSERT_EQ(bits.size(), 2u);
     EXPECT_EQ(bits[1].address.text(), QStringLiteral("HR125.15"));
-    EXPECT_LE(extentOf(bits[0]), 125);
+    EXPECT_LE(extentOf(bits[0].items), 125);
 
-    EXPECT_EQ(portionsOf(itemsAt("DI1", BitItem, 2000)).size(), 1u);
-    EXPECT_EQ(portionsOf(itemsAt("DI1", BitItem, 2001)).size(), 2u);
-    EXPECT_EQ(portionsOf(itemsAt("DO1", ByteItem, 251))[1].address.text(), QStringLiteral("DO2001"));
+    EXPECT_EQ(portionsOf(typedAt("DI1", BitItem, 2000)).size(), 1u);
+    EXPECT_EQ(portionsOf(typedAt("DI1", BitItem, 2001)).size(), 2u);
+    EXPECT_EQ(portionsOf(typedAt("DO1", ByteItem, 251))[1].address.text(), QStringLiteral("DO2001"));
 }
 
 TEST(HostItems, NameEachItem)
@@ -109,15 +115,22 @@ TEST(HostItems, AskForTheTagsOfBytesOnBits)
 
 TEST(HostItems, DataAndValuesAreEachOthersReverse)
 {
-    const std::vector<quint32> words{0x1234, 0xFFFF};
-    EXPECT_EQ(dataOf(words, WordItem), QByteArray::fromHex("3412FFFF"));
-    EXPECT_EQ(valuesIn(dataOf(words, WordItem), itemsAt("HR1", WordItem, 2)), words);
-    const std::vector<quint32> doubles{0x11223344};
-    EXPECT_EQ(dataOf(doubles, DoubleWordItem), QByteArray::fromHex("44332211"));
-    EXPECT_EQ(valuesIn(dataOf(doubles, DoubleWordItem), itemsAt("HR1", DoubleWordItem, 1)), doubles);
-    const std::vector<quint32> bits{1, 0, 0, 0, 0, 0, 0, 0, 0, 1};
-    EXPECT_EQ(dataOf(bits, BitItem), QByteArray::fromHex("0102"));
-    EXPECT_EQ(valuesIn(dataOf(bits, BitItem), itemsAt("DO1", BitItem, 10)), bits);
+    const auto dataFor = [](const char *address, ItemKind kind, const std::vector<quint64> &numbers) {
+        const TypedItems typed = typedAt(address, kind, static_cast<int>(numbers.size()));
+        std::vector<QByteArray> values;
+        for (const quint64 number : numbers)
+            values.push_back(valueOf(number, typed.type.bytes()));
+        const QByteArray data = dataOf(values, typed);
+        EXPECT_EQ(valuesIn(data, typed), values) << address;
+        return data.toHex().toUpper();
+    };
+    EXPECT_EQ(dataFor("HR1", WordItem, {0x1234, 0xFFFF}), "3412FFFF");
+    EXPECT_EQ(dataFor("HR1", DoubleWordItem, {0x11223344}), "44332211");
+    EXPECT_EQ(dataFor("HRSW1", DoubleWordItem, {0x11223344}), "44332211");
+    EXPECT_EQ(dataFor("HR1", ByteItem, {0x11, 0x22, 0x33}), "112233");
+    EXPECT_EQ(dataFor("HR1", BlockItem, {0x11, 0x22, 0x33}), "112233");
+    EXPECT_EQ(dataFor("DO1", BitItem, {1, 0, 0, 0, 0, 0, 0, 0, 0, 1}), "0102");
+    EXPECT_EQ(dataFor("HR7.15", SecondBitItem, {1, 0, 1}), "05");
 }
 
 TEST(HostValues, TakeWhatFitsAndNothingElse)
@@ -154,26 +167,38 @@ TEST(HostValues, AreReadInTheFormTheyAreWrittenIn)
     EXPECT_FALSE(value("beef", WordItem));
 }
 
+QString shown(quint32 value, ItemKind kind, ValueForm form)
+{
+    const ValueType type = typeOf(kind, form);
+    return textOf(valueOf(value, type.bytes()), type);
+}
+
+QJsonValue json(quint32 value, ItemKind kind, ValueForm form)
+{
+    const ValueType type = typeOf(kind, form);
+    return jsonOf(valueOf(value, type.bytes()), type);
+}
+
 TEST(HostValues, FloatsKeepTheirBits)
 {
     EXPECT_EQ(value("1", DoubleWordItem, ValueForm::Float), 0x3F800000u);
     EXPECT_EQ(value("-0.1", DoubleWordItem, ValueForm::Float), 0xBDCCCCCDu);
     EXPECT_FALSE(value("1e39", DoubleWordItem, ValueForm::Float));
     EXPECT_FALSE(value("abc", DoubleWordItem, ValueForm::Float));
-    EXPECT_EQ(formatValue(0xBDCCCCCD, DoubleWordItem, ValueForm::Float), QStringLiteral("-0.1"));
-    EXPECT_EQ(numberOf(0x3DCCCCCD, DoubleWordItem, ValueForm::Float), QJsonValue(0.1));
-    EXPECT_TRUE(numberOf(0x7FC00000, DoubleWordItem, ValueForm::Float).isNull());
+    EXPECT_EQ(shown(0xBDCCCCCD, DoubleWordItem, ValueForm::Float), QStringLiteral("-0.1"));
+    EXPECT_EQ(json(0x3DCCCCCD, DoubleWordItem, ValueForm::Float), QJsonValue(0.1));
+    EXPECT_TRUE(json(0x7FC00000, DoubleWordItem, ValueForm::Float).isNull());
 }
 
 TEST(HostValues, AreWrittenInEveryForm)
 {
-    EXPECT_EQ(formatValue(0xFFFE, WordItem, ValueForm::Unsigned), QStringLiteral("65534"));
-    EXPECT_EQ(formatValue(0xFFFE, WordItem, ValueForm::Signed), QStringLiteral("-2"));
-    EXPECT_EQ(formatValue(0x1E, WordItem, ValueForm::Hex), QStringLiteral("0x001E"));
-    EXPECT_EQ(formatValue(0x1E, ByteItem, ValueForm::Binary), QStringLiteral("0b00011110"));
-    EXPECT_EQ(formatValue(0x80000000, DoubleWordItem, ValueForm::Signed), QStringLiteral("-2147483648"));
-    EXPECT_EQ(formatValue(0x80, ByteItem, ValueForm::Signed), QStringLiteral("-128"));
-    EXPECT_EQ(formatValue(1, BitItem, ValueForm::Signed), QStringLiteral("1"));
-    EXPECT_EQ(numberOf(0xFFFE, WordItem, ValueForm::Signed), QJsonValue(-2));
-    EXPECT_EQ(numberOf(1, BitItem, ValueForm::Signed), QJsonValue(1));
+    EXPECT_EQ(shown(0xFFFE, WordItem, ValueForm::Unsigned), QStringLiteral("65534"));
+    EXPECT_EQ(shown(0xFFFE, WordItem, ValueForm::Signed), QStringLiteral("-2"));
+    EXPECT_EQ(shown(0x1E, WordItem, ValueForm::Hex), QStringLiteral("0x001E"));
+    EXPECT_EQ(shown(0x1E, ByteItem, ValueForm::Binary), QStringLiteral("0b00011110"));
+    EXPECT_EQ(shown(0x80000000, DoubleWordItem, ValueForm::Signed), QStringLiteral("-2147483648"));
+    EXPECT_EQ(shown(0x80, ByteItem, ValueForm::Signed), QStringLiteral("-128"));
+    EXPECT_EQ(shown(1, BitItem, ValueForm::Signed), QStringLiteral("1"));
+    EXPECT_EQ(json(0xFFFE, WordItem, ValueForm::Signed), QJsonValue(-2));
+    EXPECT_EQ(json(1, BitItem, ValueForm::Signed), QJsonValue(1));
 }

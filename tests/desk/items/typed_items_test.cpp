@@ -1,4 +1,5 @@
 #include "desk/items/portions.h"
+#include "desk/items/value_place.h"
 #include "desk/types/value_parse.h"
 #include "tests/peers/text_printing.h"
 
@@ -15,7 +16,7 @@ Result<TypedItems> itemsAt(const char *text)
     const Result<Address> address = parseAddress(typed->address);
     if (!address)
         return address.error();
-    return typedItems(*address, typed->type.value_or(ValueType()), typed->count, typed->order);
+    return typedItems(*address, typed->type.value_or(ValueType()), typed->count.value_or(1), typed->order);
 }
 
 TypedItems good(const char *text)
@@ -149,4 +150,57 @@ TEST(TypedItems, AreNotWrittenWhereANeighbourWouldChange)
     EXPECT_TRUE(checkWritable(good("HR5:u8"))
                     .errorText()
                     .contains(QLatin1String("expected an even count such as u8x2")));
+}
+
+// However values were asked for, they are the same: on their own, or as part of all that lies around them.
+TEST(TypedItems, LieInARangeAsTheyLieAlone)
+{
+    const QByteArray area = QByteArray::fromHex("1122334455667788AABBCCDDEEFF0102030405060708");
+    const std::vector<quint16> registers = registersIn(area);
+    AreaRange range;
+    range.first = 2; // HR3
+    for (const char *text :
+         {"HR3:u16", "HR4:u16@BA", "HR5:f32", "HR5:f32@ABCD", "HR5:f32x2@BADC", "HR5:f64@DCBA", "HR4:str7",
+          "HR4:str7@BA", "HR5:u8x3", "HR5:u8x3@AB", "HR7:bcd32@ABCD"}) {
+        const TypedItems typed = good(text);
+        const std::vector<quint16> own(registers.begin() + typed.address.wireOffset() - range.first,
+                                       registers.end());
+        const std::vector<QByteArray> expected = valuesIn(own, typed.type, typed.order, typed.count);
+        for (int i = 0; i < typed.count; ++i)
+            EXPECT_EQ(valueAt(area, placeIn(range, typed, i)), expected[static_cast<size_t>(i)]) << text << i;
+    }
+    const TypedItems bits = good("HR3.8:bitx20"); // 0x2211, 0x4433
+    QByteArray found;
+    for (int i = 0; i < bits.count; ++i)
+        found += valueAt(area, placeIn(range, bits, i)) == QByteArray(1, '\1') ? '1' : '0';
+    EXPECT_EQ(found, "01000100"
+                     "110011000010");
+}
+
+TEST(TypedItems, LieInARangeOfBits)
+{
+    AreaRange range;
+    range.area = Area::Coils;
+    range.first = 4; // DO5
+    const QByteArray coils = QByteArray::fromHex("A51C");
+    EXPECT_EQ(valueAt(coils, placeIn(range, good("DO7:bit"))), QByteArray(1, '\1'));
+    EXPECT_EQ(valueAt(coils, placeIn(range, good("DO6:bit"))), QByteArray(1, '\0'));
+    EXPECT_EQ(valueAt(coils, placeIn(range, good("DO9:u8"))), QByteArray::fromHex("CA"));
+}
+
+TEST(TypedItems, NeedTheItemsThatTheyLieIn)
+{
+    const struct {
+        const char *text;
+        int index;
+        int first;
+        int last;
+    } cases[] = {{"HR5:u16x3", 2, 6, 6}, {"HR5:f64x2", 1, 8, 11},   {"HR5:str7x2", 1, 8, 11},
+                 {"HR5:u8x4", 3, 5, 5},  {"HR5.14:bitx4", 2, 5, 5}, {"DO5:bitx3", 2, 6, 6},
+                 {"DO5:u8x2", 1, 12, 19}};
+    for (const auto &one : cases) {
+        const AreaRange range = rangeOf(good(one.text), one.index);
+        EXPECT_EQ(range.first, one.first) << one.text;
+        EXPECT_EQ(range.last, one.last) << one.text;
+    }
 }

@@ -168,20 +168,20 @@ TEST(PointFile, NamesItsPathWithEveryProblem)
 TEST(Point, ShowsItsValueAsPeopleReadIt)
 {
     const Point temperature = pointAt("HR1,i16,,0.1,-40,°C,0,80");
-    EXPECT_EQ(valueWithUnit(temperature, shown(temperature, "027B")), QString::fromUtf8("23.5 °C"));
+    EXPECT_EQ(shown(temperature, "027B").withUnit(temperature.unit), QString::fromUtf8("23.5 °C"));
     EXPECT_EQ(shown(temperature, "027B").raw, QStringLiteral("635"));
     EXPECT_EQ(shown(temperature, "027B").number, QJsonValue(23.5));
     EXPECT_EQ(shown(temperature, "0001").text, QStringLiteral("-39.9"));
-    EXPECT_EQ(limitText(temperature, shown(temperature, "0001").limit), QStringLiteral("below 0"));
-    EXPECT_EQ(limitText(temperature, shown(temperature, "04B1").limit), QStringLiteral("above 80"));
-    EXPECT_EQ(shown(temperature, "04B0").limit, Limit::Within);
+    EXPECT_EQ(shown(temperature, "0001").limit, QStringLiteral("below 0"));
+    EXPECT_EQ(shown(temperature, "04B1").limit, QStringLiteral("above 80"));
+    EXPECT_EQ(shown(temperature, "04B0").limit, QString());
     EXPECT_EQ(shown(pointAt("HR1,u16,,0.1"), "0003").text, QStringLiteral("0.3")) << "no binary rests";
     EXPECT_EQ(shown(pointAt("HR1,f32,,100"), "3DCCCCCD").text, QStringLiteral("10"));
     EXPECT_EQ(shown(pointAt("HR1,u64"), "FFFFFFFFFFFFFFFF").text, QStringLiteral("18446744073709551615"));
 
     const Point mode = pointAt("HR1,u16,,,,rpm,,,0=stopped;1=running");
-    EXPECT_EQ(valueWithUnit(mode, shown(mode, "0001")), QStringLiteral("running"));
-    EXPECT_EQ(valueWithUnit(mode, shown(mode, "0007")), QStringLiteral("7 rpm"));
+    EXPECT_EQ(shown(mode, "0001").withUnit(mode.unit), QStringLiteral("running"));
+    EXPECT_EQ(shown(mode, "0007").withUnit(mode.unit), QStringLiteral("7 rpm"));
     const Point signedMode = pointAt("HR1,i16,,,,,,,-1=fault;0=idle");
     EXPECT_EQ(shown(signedMode, "FFFF").state, QStringLiteral("fault"));
 
@@ -192,7 +192,7 @@ TEST(Point, ShowsItsValueAsPeopleReadIt)
 
     const Point text = pointAt("HR1,str4,,,,,1");
     EXPECT_EQ(shown(text, "41420000").text, QStringLiteral("AB"));
-    EXPECT_EQ(shown(text, "41420000").limit, Limit::Within);
+    EXPECT_EQ(shown(text, "41420000").limit, QString());
     EXPECT_TRUE(shown(pointAt("HR1,bcd16,,0.1"), "00FF").number.isNull());
 }
 
@@ -200,7 +200,7 @@ TEST(Point, IsWrittenAsItIsShown)
 {
     const auto written = [](const Point &point, const char *text, bool mayRound = false) {
         const Result<QByteArray> value =
-            parsePointValue(point, QLatin1String(text), {TextEncoding::Latin1, mayRound});
+            parsePointValue(point, QLatin1String(text), mayRound);
         return value ? QString::fromLatin1(value->toHex()) : value.errorText();
     };
     const Point temperature = pointAt("HR1,i16,,0.1,-40,C");
@@ -229,7 +229,7 @@ TEST(Point, EveryScaledValueComesBack)
             const Point point = pointAt(QByteArray("HR1,i16,,") + scale + "," + offset);
             for (int raw = -0x8000; raw <= 0x7FFF; raw += 97) {
                 const QByteArray value = parseValue(QString::number(raw), point.at.type).valueOr({});
-                EXPECT_EQ(parsePointValue(point, shownOf(point, value).text).valueOr({}), value)
+                EXPECT_EQ(parsePointValue(point, shownOf(point, value).text, false).valueOr({}), value)
                     << raw << " * " << scale << " + " << offset;
             }
         }

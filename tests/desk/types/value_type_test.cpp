@@ -118,7 +118,7 @@ TEST(TypedText, IsTakenApart)
         const TypedText typed = parsed(one.text);
         EXPECT_EQ(typed.address, QLatin1String(one.address)) << one.text;
         EXPECT_EQ(typed.type ? nameOf(*typed.type) : QString(), QLatin1String(one.type)) << one.text;
-        EXPECT_EQ(typed.count, one.count) << one.text;
+        EXPECT_EQ(typed.count.value_or(1), one.count) << one.text;
         EXPECT_EQ(typed.order, QLatin1String(one.order)) << one.text;
     }
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/items/value_form.h"
+#include "desk/points/point.h"
 
 /// Why there is no value.
 struct RowFailure {
@@ -12,16 +12,17 @@ struct RowFailure {
 struct ValueRow {
     /// What an earlier round has read.
     struct Earlier {
-        quint32 value = 0;
+        PointValue value;
         QString time;
     };
 
     int station = 1;
+    QString name;    ///< of the point; empty when it has none
     QString address; ///< as people write it
     int offset = -1; ///< zero-based, on the wire; -1 when not known
-    ItemKind kind = WordItem;
-    ValueForm form = ValueForm::Unsigned;
-    quint32 value = 0; ///< no value when there is a failure
+    QString kind;    ///< "word", or a type such as "f32"
+    QString unit;
+    PointValue value; ///< empty when there is a failure
     std::optional<RowFailure> failure;
     // Of values that are read again and again:
     QString time;
@@ -31,8 +32,8 @@ struct ValueRow {
     std::optional<Earlier> earlier; ///< only with a failure
 };
 
-/// The value in its form.
-inline QString valueText(const ValueRow &row)
+/// What people call the row's value: its name, or its address.
+inline QString labelOf(const ValueRow &row)
 {
-    return formatValue(row.value, row.kind, row.form);
+    return row.name.isEmpty() ? row.address : row.name;
 }

@@ -1,0 +1,108 @@
+#include "apps/driverhost/console/point_options.h"
+
+#include "desk/points/point_file.h"
+#include "desk/points/point_names.h"
+#include "desk/project/needed_tags.h"
+
+#include <algorithm>
+
+namespace
+{
+
+// What is meant for items without a type must not be lost on others.
+void checkOptions(CommandLine &line, const std::vector<Point> &points, const char *countOption)
+{
+    const bool isAnyPlain =
+        std::any_of(points.begin(), points.end(), [](const Point &point) { return !point.at.isTyped; });
+    for (const char *option : {"kind", "as", "word-order", countOption}) {
+        if (line.isSet(option) && !isAnyPlain)
+            line.addError(QStringLiteral("--%1 is for items without a type, and there are none")
+                              .arg(QLatin1String(option)));
+    }
+}
+
+} // namespace
+
+QList<QCommandLineOption> pointOptions()
+{
+    return {
+        {QStringLiteral("points"),
+         QStringLiteral("Table of points, which are then taken by name; without names all of them."),
+         QStringLiteral("FILE")},
+        {QStringLiteral("encoding"),
+         QStringLiteral("Of texts in registers: latin1 or utf8 (default latin1)."), QStringLiteral("CODE"),
+         QStringLiteral("latin1")},
+    };
+}
+
+PointWords::PointWords(CommandLine &line, const ItemOptions &options)
+    : m_options(options),
+      m_encoding(static_cast<TextEncoding>(
+          line.choice("encoding", {QStringLiteral("latin1"), QStringLiteral("utf8")}))),
+      m_file(options.isRaw ? QString() : line.text("points"))
+{
+    if (m_file.isEmpty())
+        return;
+    const Result<std::vector<Point>> points = readPointFile(m_file);
+    if (!points)
+        line.addError(points.errorText());
+    m_table = points.valueOr({});
+    for (Point &point : m_table)
+        point.encoding = m_encoding;
+}
+
+Result<std::vector<Point>> PointWords::find(const QString &word, const ItemCounts &counts) const
+{
+    std::vector<Point> named = pointsNamed(m_table, word);
+    if (!named.empty())
+        return named;
+    const Result<TypedItems> items = itemsAt(word, m_options, counts);
+    if (!items)
+        return noSuchPoint(word, items.error());
+    Point point;
+    point.at = *items;
+    point.encoding = m_encoding;
+    return std::vector<Point>{point};
+}
+
+Error PointWords::noSuchPoint(const QString &word, const Error &asAddress) const
+{
+    if (!hasTable())
+        return asAddress;
+    const QStringList similar = similarNames(m_table, word);
+    const QString hint =
+        similar.isEmpty() ? QString() : QStringLiteral("; there is ") + similar.join(QStringLiteral(", "));
+    return {QStringLiteral("\"%1\": no such point in %2, and no address%3").arg(word, m_file, hint)};
+}
+
+QStringList neededTags(const std::vector<Point> &points, const LinkSettings &link)
+{
+    QStringList tags;
+    for (const Point &point : points)
+        tags += neededTags(point.at.items, stationOf(point.at.items, link.channel.station));
+    return tags;
+}
+
+AddressedPoints addressedPoints(CommandLine &line, const char *countOption)
+{
+    AddressedPoints addressed;
+    QStringList words = line.words();
+    addressed.link = linkSettings(line, words);
+    const ItemOptions options = itemOptionsOf(line);
+    const int count = line.number(countOption, 1, modbus::AddressSpace);
+    const PointWords table(line, options);
+    for (const QString &word : qAsConst(words)) {
+        const Result<std::vector<Point>> points = table.find(word, {count, 1});
+        if (!points)
+            line.addError(points.errorText());
+        else
+            addressed.points.insert(addressed.points.end(), points->begin(), points->end());
+    }
+    if (words.isEmpty() && table.hasTable())
+        addressed.points = table.all();
+    else if (words.isEmpty())
+        line.addError(QStringLiteral("no address; expected one such as HR100"));
+    checkOptions(line, addressed.points, countOption);
+    addressed.tags = neededTags(addressed.points, addressed.link);
+    return addressed;
+}
