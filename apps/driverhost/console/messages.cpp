@@ -27,7 +27,7 @@ QString attemptsText(const Session &session, FailureKind kind)
     const int attempts = session.lastCommand().attempts();
     if (attempts == 0)
         return {};
-    const QString text = counted(attempts, "attempt");
+    QString text = counted(attempts, "attempt");
     if (kind == FailureKind::NoReply || kind == FailureKind::Cut)
         return text + QStringLiteral(", time-out %1 ms").arg(session.settings().timeout);
     if (kind == FailureKind::CannotConnect)
