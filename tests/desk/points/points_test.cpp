@@ -199,8 +199,7 @@ TEST(Point, ShowsItsValueAsPeopleReadIt)
 TEST(Point, IsWrittenAsItIsShown)
 {
     const auto written = [](const Point &point, const char *text, bool mayRound = false) {
-        const Result<QByteArray> value =
-            parsePointValue(point, QLatin1String(text), mayRound);
+        const Result<QByteArray> value = parsePointValue(point, QLatin1String(text), mayRound);
         return value ? QString::fromLatin1(value->toHex()) : value.errorText();
     };
     const Point temperature = pointAt("HR1,i16,,0.1,-40,C");
