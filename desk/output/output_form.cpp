@@ -132,6 +132,7 @@ QStringList linesOf(const std::vector<ValueRow> &rows, OutputFormat format)
     if (format == OutputFormat::Text)
         return hasNames ? pointTable(rows) : addressTable(rows);
     std::vector<Fields> all;
+    all.reserve(rows.size());
     for (const ValueRow &row : rows)
         all.push_back(fieldsOf(row, hasNames));
     return linesForPrograms(fieldsOf(ValueRow(), hasNames), all, format);

@@ -32,6 +32,7 @@ template <typename Row>
 std::vector<Fields> fieldsOfAll(const std::vector<Row> &rows)
 {
     std::vector<Fields> all;
+    all.reserve(rows.size());
     for (const Row &row : rows)
         all.push_back(fieldsOf(row));
     return all;

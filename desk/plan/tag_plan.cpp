@@ -69,18 +69,18 @@ Groups grouped(const QStringList &tags, ItemKind registerKind, ValueForm form, Q
 using Position = std::vector<Tag>::const_iterator;
 
 // Shows the tags in what is read from an offset on.
-void show(Reading &reading, Position tag, Position end)
+void show(Reading &reading, Position first, Position end)
 {
     AreaRange range;
     range.first = reading.items.address.wireOffset();
-    for (; tag != end; ++tag)
+    for (auto tag = first; tag != end; ++tag)
         reading.shown.push_back({*tag, 0, placeIn(range, (*tag)->at)});
 }
 
 // Bytes from the first tag on, as many as one request may need when every bit of them is used.
 Reading bitReading(Position &tag, Position end)
 {
-    const Position begin = tag;
+    const Position firstTag = tag;
     const int first = std::min(addressOf(*tag).number, modbus::AddressSpace - modbus::ByteBits + 1);
     Reading reading;
     reading.items.address = addressOf(*tag);
@@ -89,14 +89,14 @@ Reading bitReading(Position &tag, Position end)
         reading.items.count = (addressOf(*tag).number - first) / modbus::ByteBits + 1;
     const int excess = first - 1 + reading.items.count * modbus::ByteBits - modbus::AddressSpace;
     reading.items.address.number = first - std::max(excess, 0);
-    show(reading, begin, tag);
+    show(reading, firstTag, tag);
     return reading;
 }
 
 // Registers that follow each other without a gap.
 Reading registerReading(Position &tag, Position end)
 {
-    const Position begin = tag;
+    const Position firstTag = tag;
     const int first = addressOf(*tag).number;
     Reading reading;
     reading.items.address = addressOf(*tag);
@@ -109,7 +109,7 @@ Reading registerReading(Position &tag, Position end)
             break;
         reading.items.count = position + 1;
     }
-    show(reading, begin, tag);
+    show(reading, firstTag, tag);
     return reading;
 }
 

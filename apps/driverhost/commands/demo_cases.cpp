@@ -114,6 +114,7 @@ TypedItems typed(const Items &items)
 std::vector<QByteArray> valuesOf(const std::vector<quint32> &numbers, const Items &items)
 {
     std::vector<QByteArray> values;
+    values.reserve(numbers.size());
     for (const quint32 number : numbers)
         values.push_back(valueOf(number, typed(items).type.bytes()));
     return values;
@@ -122,6 +123,7 @@ std::vector<QByteArray> valuesOf(const std::vector<quint32> &numbers, const Item
 std::vector<quint32> numbersOf(const std::vector<QByteArray> &values)
 {
     std::vector<quint32> numbers;
+    numbers.reserve(values.size());
     for (const QByteArray &value : values)
         numbers.push_back(static_cast<quint32>(bitsOf(value)));
     return numbers;

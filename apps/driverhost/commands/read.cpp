@@ -9,16 +9,19 @@ namespace
 
 const CommandLine::Texts Texts = {
     "read",
-    "[rtutcp://HOST:PORT/STATION] ADDRESS...",
+    "[rtutcp://HOST:PORT/STATION|@NAME] ADDRESS[:TYPE[xCOUNT]][@ORDER]... | NAME...",
     "Reads values through the driver. Addresses are HR100, FN6HR12 (holding registers), IR3 (input "
     "registers),\n"
     "DI17 (discrete inputs), DO5, FN5DO5 (coils) and HR7.3 (a bit of a register); numbers count from 1. "
     "2-HR100 is\n"
-    "HR100 of station 2, HRSW10 a double word with its high word first. Values go to standard output, "
-    "everything\n"
-    "else to standard error.",
+    "HR100 of station 2, HRSW10 a double word with its high word first. Types are bit, u8, u16, u32, u64, "
+    "i8 to i64,\n"
+    "f32, f64, hex, bin, bcd16, bcd32, bcd64 and str20; orders ABCD, CDAB, BADC, DCBA. With --points values "
+    "are read by\n"
+    "name. Values go to standard output, everything else to standard error.",
     "  driverhost read rtutcp://192.168.0.10:502/1 HR100 --count 4 --as hex\n"
-    "  driverhost read --host gateway --station 2 DI17 HR7.3 IR1",
+    "  driverhost read rtutcp://192.168.0.10:502/1 HR5:f32@ABCD HR9:i16x4 HR20:str16\n"
+    "  driverhost read @boiler --points boiler.csv 'pump*'",
 };
 
 int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat format)

@@ -16,7 +16,7 @@ namespace
 
 const CommandLine::Texts Texts = {
     "scan",
-    "[rtutcp://HOST:PORT/STATION] stations|HR|IR|DI|DO",
+    "[rtutcp://HOST:PORT/STATION|@NAME] stations|HR|IR|DI|DO",
     "Finds which stations answer behind a gateway, or which addresses of an area a slave has. Gentle by "
     "default:\n"
     "one attempt each (--retries 0), 20 ms between requests (--delay), 600 ms for a reply "

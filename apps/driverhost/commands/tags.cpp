@@ -15,7 +15,7 @@ namespace
 
 const CommandLine::Texts Texts = {
     "tags",
-    "[rtutcp://HOST:PORT/STATION] --project FILE",
+    "[rtutcp://HOST:PORT/STATION|@NAME] --project FILE",
     "Reads all tags of a link of the project, the one of --device, through the driver as a panel would: bits "
     "by runs\n"
     "of those that are used, registers in ranges. Host, port and station are those of the link's default "

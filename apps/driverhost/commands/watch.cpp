@@ -9,7 +9,7 @@ namespace
 
 const CommandLine::Texts Texts = {
     "watch",
-    "[rtutcp://HOST:PORT/STATION] ADDRESS...",
+    "[rtutcp://HOST:PORT/STATION|@NAME] ADDRESS[:TYPE[xCOUNT]][@ORDER]... | NAME...",
     "Reads the same values again and again. On a terminal a table is kept up to date in place: \"*\" marks "
     "what has\n"
     "changed, \"?\" what could not be read, with the last value and its age. Elsewhere every value is a "

@@ -9,14 +9,18 @@ namespace
 
 const CommandLine::Texts Texts = {
     "write",
-    "[rtutcp://HOST:PORT/STATION] ADDRESS VALUE...",
+    "[rtutcp://HOST:PORT/STATION|@NAME] ADDRESS[:TYPE][@ORDER] VALUE... | NAME=VALUE...",
     "Writes values through the driver, from the address on. HR writes with function 16, FN6HR register by "
     "register\n"
     "with function 6, DO with function 15, FN5DO coil by coil with function 5; HR7.3 changes bits of "
     "registers.\n"
-    "What does not fit the item is refused before anything is sent.",
+    "What does not fit the item is refused before anything is sent. NAME=VALUE and ADDRESS=VALUE may be "
+    "given "
+    "any number\n"
+    "of times, and are written in their order.",
     "  driverhost write rtutcp://192.168.0.10:502/1 HR100 1234 -5 --verify\n"
-    "  driverhost write HR20 3.5 --as float --word-order high",
+    "  driverhost write HR20:f32@ABCD 3.5\n"
+    "  driverhost write @boiler --points boiler.csv setpoint=21.5 mode=auto",
 };
 
 void checkBroadcast(const Items &items, CommandLine &line)

@@ -4,16 +4,19 @@
 #include "desk/points/point_names.h"
 #include "desk/project/needed_tags.h"
 
-#include <algorithm>
-
 namespace
 {
 
-// What is meant for items without a type must not be lost on others.
-void checkOptions(CommandLine &line, const std::vector<Point> &points, const char *countOption)
+// Whether a word says no type of its own.
+bool isWithoutType(const QString &word, const std::vector<Point> &points)
 {
-    const bool isAnyPlain =
-        std::any_of(points.begin(), points.end(), [](const Point &point) { return !point.at.isTyped; });
+    const Result<TypedText> typed = parseTypedText(word);
+    return points.front().name.isEmpty() && typed && !typed->type;
+}
+
+// What is meant for items without a type must not be lost on others.
+void checkOptions(CommandLine &line, bool isAnyPlain, const char *countOption)
+{
     for (const char *option : {"kind", "as", "word-order", countOption}) {
         if (line.isSet(option) && !isAnyPlain)
             line.addError(QStringLiteral("--%1 is for items without a type, and there are none")
@@ -91,18 +94,21 @@ AddressedPoints addressedPoints(CommandLine &line, const char *countOption)
     const ItemOptions options = itemOptionsOf(line);
     const int count = line.number(countOption, 1, modbus::AddressSpace);
     const PointWords table(line, options);
+    bool isAnyPlain = false;
     for (const QString &word : qAsConst(words)) {
         const Result<std::vector<Point>> points = table.find(word, {count, 1});
-        if (!points)
+        if (!points) {
             line.addError(points.errorText());
-        else
-            addressed.points.insert(addressed.points.end(), points->begin(), points->end());
+            continue;
+        }
+        isAnyPlain = isAnyPlain || options.isRaw || isWithoutType(word, *points);
+        addressed.points.insert(addressed.points.end(), points->begin(), points->end());
     }
     if (words.isEmpty() && table.hasTable())
         addressed.points = table.all();
     else if (words.isEmpty())
         line.addError(QStringLiteral("no address; expected one such as HR100"));
-    checkOptions(line, addressed.points, countOption);
+    checkOptions(line, isAnyPlain, countOption);
     addressed.tags = neededTags(addressed.points, addressed.link);
     return addressed;
 }

@@ -152,6 +152,7 @@ void WriteRun::reportEnd() const
 std::vector<WrittenRow> WriteRun::rows() const
 {
     std::vector<WrittenRow> rows;
+    rows.reserve(m_request.values.size());
     for (int i = 0; i < m_typed.count; ++i)
         rows.push_back(rowOf(i));
     return rows;
@@ -159,7 +160,7 @@ std::vector<WrittenRow> WriteRun::rows() const
 
 WrittenRow WriteRun::rowOf(int value) const
 {
-    const size_t index = static_cast<size_t>(value);
+    const auto index = static_cast<size_t>(value);
     const bool isReadBack = index < m_readBack.size();
     WrittenRow row;
     row.item.station = m_session.stationFor(m_typed.items);
@@ -179,7 +180,7 @@ WrittenRow WriteRun::rowOf(int value) const
 
 QString WriteRun::resultOf(int value) const
 {
-    const size_t index = static_cast<size_t>(value);
+    const auto index = static_cast<size_t>(value);
     if (index < m_readBack.size())
         return m_readBack[index] == m_request.values[index] ? QStringLiteral("verified")
                                                             : QStringLiteral("different");
