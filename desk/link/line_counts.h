@@ -8,6 +8,7 @@
 struct LineCounts {
     quint64 requests = 0;   ///< commands of the driver for which the line was needed
     quint64 attempts = 0;   ///< how often they were tried
+    quint64 withheld = 0;   ///< attempts that were not sent, since the line was not settled
     quint64 timeouts = 0;   ///< nothing came
     quint64 cutReplies = 0; ///< the reply stopped short
     quint64 crcErrors = 0;
