@@ -1,6 +1,7 @@
 #include "desk/channel/frame_scan.h"
 
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 namespace
 {
@@ -43,7 +44,7 @@ QList<QByteArray> takeFrames(QByteArray &stream, QByteArray &noise)
         }
         start += size > 0 ? size : 1;
     }
-    const int left = undecided < 0 ? stream.size() : undecided;
+    const int left = undecided < 0 ? sizeOf(stream) : undecided;
     noise += stream.mid(taken, left - taken);
     stream.remove(0, left);
     return frames;

@@ -4,6 +4,7 @@
 
 #include "desk/channel/frame_scan.h"
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 
@@ -31,7 +32,7 @@ int LineChannel::writeData(const char *data, int length)
 int LineChannel::sendRequest(const QByteArray &request)
 {
     notify(ChannelEvent::Sent, request);
-    const int sent = m_line.send(request.constData(), request.size(), m_line.now() + m_timeout);
+    const int sent = m_line.send(request.constData(), sizeOf(request), m_line.now() + m_timeout);
     m_error = m_line.errorString();
     if (sent < request.size())
         noticeEnd();
@@ -44,7 +45,7 @@ int LineChannel::withhold(const QByteArray &request)
     m_isWithheld = true;
     m_settling.noteWithheld();
     notify(ChannelEvent::Withheld, request);
-    return request.size();
+    return sizeOf(request);
 }
 
 bool LineChannel::settle(int station)
@@ -61,7 +62,7 @@ bool LineChannel::sendProbe(int station)
 {
     const QByteArray probe = m_settling.probe(station, m_line.now());
     notify(ChannelEvent::ProbeSent, probe);
-    return m_line.send(probe.constData(), probe.size(), m_line.now() + m_timeout) == probe.size();
+    return m_line.send(probe.constData(), sizeOf(probe), m_line.now() + m_timeout) == probe.size();
 }
 
 // Whole frames are thrown away until the echo comes, or until the line has been quiet for long enough.

@@ -2,6 +2,7 @@
 
 #include "desk/channel/frame_scan.h"
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 namespace
 {
@@ -68,7 +69,7 @@ ReplyFinder::Verdict ReplyFinder::search(const QByteArray &stream)
     }
     if (isDecided) {
         m_decided = m_parts;
-        m_next = stream.size();
+        m_next = sizeOf(stream);
     }
     m_replyStart = damagedReplyStart(stream);
     cutPartsAt(m_replyStart);

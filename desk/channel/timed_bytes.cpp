@@ -5,14 +5,14 @@ void TimedBytes::add(const QByteArray &bytes, qint64 at)
     if (bytes.isEmpty())
         return;
     m_bytes += bytes;
-    m_arrivals.append(qMakePair(bytes.size(), at));
+    m_arrivals.append(qMakePair(sizeOf(bytes), at));
 }
 
 QByteArray TimedBytes::take(int count)
 {
     const QByteArray taken = m_bytes.left(count);
     m_bytes.remove(0, taken.size());
-    for (int left = taken.size(); left > 0;) {
+    for (int left = sizeOf(taken); left > 0;) {
         QPair<int, qint64> &first = m_arrivals.first();
         const int part = qMin(left, first.first);
         left -= part;

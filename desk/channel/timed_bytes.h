@@ -1,5 +1,7 @@
 #pragma once
 
+#include "drivers/qt/qt_lines.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QPair>
@@ -9,7 +11,7 @@ class TimedBytes
 {
 public:
     const QByteArray &bytes() const { return m_bytes; }
-    int size() const { return m_bytes.size(); }
+    int size() const { return sizeOf(m_bytes); }
     void add(const QByteArray &bytes, qint64 at);
     /// Takes the first \a count bytes, or all when there are fewer.
     QByteArray take(int count);

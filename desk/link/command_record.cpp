@@ -31,14 +31,15 @@ void CommandRecord::add(ChannelEvent event, const QByteArray &bytes, qint64 now)
     case ChannelEvent::SkippedCopy:
         if (!m_exchanges.empty())
             m_exchanges.back().isEchoed = true;
+        m_skippedBytes += sizeOf(bytes);
         break;
+    case ChannelEvent::SkippedNoise:
+    case ChannelEvent::SkippedFrame: m_skippedBytes += sizeOf(bytes); break;
     case ChannelEvent::Withheld:
         addAttempt(bytes);
         ++m_withheld;
         m_isWithheld = true;
         break;
-    case ChannelEvent::SkippedNoise:
-    case ChannelEvent::SkippedFrame:
     case ChannelEvent::ProbeSent:
     case ChannelEvent::ProbeAnswered:
     case ChannelEvent::Closed: break;

@@ -41,6 +41,7 @@ public:
     int openings() const { return m_openings; }
     int failedOpenings() const { return m_failedOpenings; }
     int endsByOther() const { return m_endsByOther; }
+    int skippedBytes() const { return m_skippedBytes; }
     int discardedBytes() const { return m_discardedBytes; }
 
 private:
@@ -63,5 +64,6 @@ private:
     int m_openings = 0;
     int m_failedOpenings = 0;
     int m_endsByOther = 0;
+    int m_skippedBytes = 0;
     int m_discardedBytes = 0;
 };

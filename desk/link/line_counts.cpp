@@ -28,6 +28,7 @@ void LineCounts::add(const CommandRecord &record, bool hasConnectedBefore)
     reconnects += unsignedOf(record.openings()) - (isFirst ? 1 : 0);
     failedOpenings += unsignedOf(record.failedOpenings());
     endsByOther += unsignedOf(record.endsByOther());
+    skippedBytes += unsignedOf(record.skippedBytes());
     discardedBytes += unsignedOf(record.discardedBytes());
     for (const Exchange &exchange : record.exchanges())
         addOutcome(exchange);

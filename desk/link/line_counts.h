@@ -17,6 +17,7 @@ struct LineCounts {
     quint64 failedOpenings = 0;        ///< no connection
     quint64 reconnects = 0;            ///< connections after the first
     quint64 endsByOther = 0;           ///< connections that the other side closed or reset
+    quint64 skippedBytes = 0;          ///< came in front of replies
     quint64 discardedBytes = 0;        ///< came unasked
 
     quint64 retries() const { return attempts - requests; }

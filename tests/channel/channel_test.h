@@ -70,7 +70,7 @@ protected:
     {
         if (!channel.isConnected() && !channel.open())
             return QByteArray();
-        if (channel.writeData(request.constData(), request.size()) != request.size())
+        if (send(request) != request.size())
             return closing(QByteArray());
         const QByteArray first = read(5);
         if (first.size() != 5)
@@ -79,6 +79,10 @@ protected:
             return first;
         const QByteArray last = read(rest);
         return last.size() == rest ? first + last : closing(first + last);
+    }
+    int send(const QByteArray &request)
+    {
+        return channel.writeData(request.constData(), static_cast<int>(request.size()));
     }
     QByteArray read(int count)
     {

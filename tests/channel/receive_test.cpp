@@ -146,13 +146,13 @@ TEST_F(Receive, PassesOtherProtocolsThroughAsTheyCome)
 {
     const QByteArray request = ":0105\r";
     answerWith({{10, framed("05 03 02 11 22") + ":0106\r"}});
-    ASSERT_EQ(request.size(), channel.writeData(request.constData(), request.size()));
+    ASSERT_EQ(request.size(), send(request));
     EXPECT_EQ(framed("05 03 02 11 22"), read(7));
     EXPECT_EQ(QByteArray(":0106\r"), read(6));
     EXPECT_EQ(10, milliseconds());
     EXPECT_TRUE(read(1).isEmpty());
     EXPECT_EQ(110, milliseconds()) << "each call has its own time-out";
-    ASSERT_EQ(request.size(), channel.writeData(request.constData(), request.size()));
+    ASSERT_EQ(request.size(), send(request));
     EXPECT_EQ(2, side.requests.size()) << "nothing to settle";
 }
 

@@ -233,7 +233,7 @@ TEST_F(Send, DoesNotSettleWhatWasNeverSent)
 {
     ASSERT_TRUE(channel.open());
     side.current->end(LineState::ClosedByOther);
-    EXPECT_EQ(-1, channel.writeData(ReadTwo.constData(), ReadTwo.size()));
+    EXPECT_EQ(-1, send(ReadTwo));
     channel.close();
     EXPECT_EQ(askTwo(), lastReply);
     EXPECT_EQ(0, probes());
