@@ -31,6 +31,8 @@ public:
     /// What has come; where that is nothing, what comes first before \a deadline. A deadline that has passed
     /// waits for nothing. Empty when nothing came, the connection is over or the run is cancelled.
     virtual QByteArray receive(qint64 deadline) = 0;
+    /// Lets time pass until \a until; not at all when that is over.
+    virtual void pause(qint64 until) = 0;
     /// Why the last operation failed.
     virtual QString errorString() const = 0;
     /// Microseconds of a clock that never goes back.

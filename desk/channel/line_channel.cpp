@@ -1,82 +1,43 @@
 #include "desk/channel/line_channel.h"
 
-#include "drivers/qt/qt_lines.h"
-
-#include <algorithm>
-
 namespace
 {
 
-// Only a device that never stops sends as much unasked.
-const int MaxUnasked = 65536;
+const qint64 Millisecond = 1000;
+// A slot that is free again has to be taken within two seconds.
+const qint64 FirstReopening = 50 * Millisecond;
+const qint64 LongestReopening = 1000 * Millisecond;
 
 } // namespace
 
 LineChannel::LineChannel(Line &line, DeviceSetting *device, const ExchangeSettings &settings)
-    : m_line(line), m_device(device), m_settings(settings), m_isEndNoticed(false), m_keepsOpen(false)
+    : m_line(line),
+      m_device(device),
+      m_settings(settings),
+      m_timeout(Millisecond * settings.timeout),
+      m_settling(settings, static_cast<quint16>(line.now() / Millisecond)),
+      m_asked(-1),
+      m_canTell(false),
+      m_handedAt(-1),
+      m_isWithheld(false),
+      m_isEchoing(false),
+      m_opening(FirstReopening, LongestReopening),
+      m_isAnswered(false),
+      m_isEndNoticed(false),
+      m_keepsOpen(false)
 {
-}
-
-int LineChannel::readData(char *buffer, int maxLength)
-{
-    const qint64 deadline = deadlineAfter(m_settings.timeout);
-    while (m_received.size() < maxLength) {
-        const QByteArray bytes = m_line.receive(deadline);
-        if (bytes.isEmpty())
-            break;
-        m_received += bytes;
-        if (m_line.now() >= deadline)
-            break;
-    }
-    const int size = std::min(maxLength, sizeOf(m_received));
-    std::copy(m_received.constData(), m_received.constData() + size, buffer);
-    m_received.remove(0, size);
-    if (size > 0)
-        notify(ChannelEvent::Received, QByteArray(buffer, size));
-    if (size < maxLength)
-        noticeEnd();
-    return size;
-}
-
-int LineChannel::writeData(const char *data, int length)
-{
-    if (!discardUnasked())
-        return -1;
-    notify(ChannelEvent::Sent, QByteArray(data, length));
-    const int sent = m_line.send(data, length, deadlineAfter(m_settings.timeout));
-    m_error = m_line.errorString();
-    if (sent < length)
-        noticeEnd();
-    return sent;
-}
-
-bool LineChannel::discardUnasked()
-{
-    QByteArray unasked;
-    unasked.swap(m_received);
-    for (QByteArray bytes = m_line.receive(m_line.now()); !bytes.isEmpty();
-         bytes = m_line.receive(m_line.now())) {
-        unasked += bytes;
-        if (unasked.size() > MaxUnasked) {
-            m_error = QString::fromLatin1("the other side keeps sending without being asked");
-            return false;
-        }
-    }
-    if (!unasked.isEmpty())
-        notify(ChannelEvent::Discarded, unasked);
-    if (m_line.state() == LineState::Open)
-        return true;
-    m_error = m_line.errorString();
-    noticeEnd();
-    return false;
 }
 
 bool LineChannel::open()
 {
-    m_received.clear();
+    endExchange();
+    m_line.pause(m_opening.until());
+    m_stream.takeAll();
     m_isEndNoticed = false;
-    if (!m_line.open(deadlineAfter(m_settings.connectTimeout))) {
+    m_isAnswered = false;
+    if (!m_line.open(m_line.now() + Millisecond * m_settings.connectTimeout)) {
         m_error = m_line.errorString();
+        m_opening.fail(m_line.now());
         notify(ChannelEvent::OpenFailed);
         return false;
     }
@@ -87,10 +48,11 @@ bool LineChannel::open()
 // Bytes that nobody fetched must not come back after the connection is opened again.
 void LineChannel::close()
 {
+    endExchange();
     noticeEnd();
     if (m_keepsOpen && m_line.state() == LineState::Open && discardUnasked())
         return;
-    m_received.clear();
+    m_stream.takeAll();
     m_line.close();
     notify(ChannelEvent::Closed);
 }
@@ -111,9 +73,12 @@ unsigned int LineChannel::delayTime() const
     return m_line.isCancelled() ? 0 : m_settings.delay;
 }
 
-qint64 LineChannel::deadlineAfter(int milliseconds) const
+// An exchange whose reply was not waited for, or has not come whole.
+void LineChannel::endExchange()
 {
-    return m_line.now() + qint64(1000) * milliseconds;
+    if (m_asked >= 0)
+        m_settling.noteLoss(m_asked, m_line.now());
+    m_asked = -1;
 }
 
 void LineChannel::noticeEnd() const
@@ -122,6 +87,10 @@ void LineChannel::noticeEnd() const
     if (m_isEndNoticed || (state != LineState::ClosedByOther && state != LineState::ResetByOther))
         return;
     m_isEndNoticed = true;
+    if (!m_isAnswered) {
+        ++m_strays.deafEnds;
+        m_opening.fail(m_line.now());
+    }
     notify(state == LineState::ResetByOther ? ChannelEvent::ResetByOther : ChannelEvent::ClosedByOther);
 }
 

@@ -1,11 +1,20 @@
 #pragma once
 
+#include "desk/channel/backoff.h"
 #include "desk/channel/channel_event.h"
 #include "desk/channel/exchange_settings.h"
 #include "desk/channel/line.h"
+#include "desk/channel/reply_finder.h"
+#include "desk/channel/settling.h"
+#include "desk/channel/stray_counts.h"
+#include "desk/channel/timed_bytes.h"
 #include "host/abstract_device_interface.h"
 
-/// The channel that a driver gets, made of a line. Every operation blocks the caller.
+#include <QSet>
+
+/// The channel that a driver gets, made of a line. It finds the reply in what the line brings, and settles
+/// the line before it sends where an older reply may still come. Requests that are no RTU frames, and those
+/// whose replies cannot be told, pass through as they are. Every operation blocks the caller.
 class LineChannel : public AbstractDeviceInterface
 {
 public:
@@ -14,10 +23,13 @@ public:
     LineChannel(const LineChannel &) = delete;
     LineChannel &operator=(const LineChannel &) = delete;
 
+    /// Waits for the whole reply before it hands over its first bytes; when the time is over it hands over
+    /// what has come, as it came.
     int readData(char *buffer, int maxLength) override;
-    /// Throws away first what arrived unasked: a reply that came too late, or the tail of one that was
-    /// refused, must not be taken for the answer to this request.
+    /// Throws away first what arrived unasked, and settles the line of the station. Where that takes longer
+    /// than a time-out nothing is sent, and nothing will be received.
     int writeData(const char *data, int length) override;
+    /// Waits first where connections have failed before, longer each time.
     bool open() override;
     void close() override;
     DeviceSetting *deviceSetting() const override { return m_device; }
@@ -40,19 +52,56 @@ public:
     bool isCancelled() const { return m_line.isCancelled(); }
     /// The line's clock, in microseconds.
     qint64 now() const { return m_line.now(); }
+    const ExchangeSettings &settings() const { return m_settings; }
+    const StrayCounts &strays() const { return m_strays; }
+    const Settling &settling() const { return m_settling; }
+    Settling &settling() { return m_settling; }
+    /// When the next connection may be opened without a wait.
+    qint64 opensAt() const { return m_opening.until(); }
 
 private:
-    qint64 deadlineAfter(int milliseconds) const;
+    // Only a device that never stops sends as much unasked.
+    static const int MaxUnasked = 65536;
+
+    bool receive(qint64 deadline);
+    void awaitReply(qint64 deadline);
+    void takeReply(ReplyFinder::Verdict verdict);
+    void giveUpReply();
+    void skip(const SkippedPart &part, const QByteArray &bytes);
+    int handOver(char *buffer, int maxLength);
+    void endExchange();
+    bool settle(int station);
+    void awaitSettled(int station, qint64 deadline);
+    void noteAnswer();
+    bool sendProbe(int station);
+    int withhold(const QByteArray &request);
+    int sendRequest(const QByteArray &request);
     bool discardUnasked();
+    void noteUnasked(QByteArray &stream);
+    void noteFrame(const QByteArray &frame, ChannelEvent event);
     void noticeEnd() const;
     void notify(ChannelEvent event, const QByteArray &bytes = QByteArray()) const;
 
     Line &m_line;
     DeviceSetting *m_device;
     ExchangeSettings m_settings;
+    qint64 m_timeout; // in microseconds
+    Settling m_settling;
     ChannelObserver m_observer;
     QString m_error;
-    QByteArray m_received; // and not fetched yet
+
+    int m_asked; // the station whose reply is waited for; -1 for none that can be told
+    ReplyFinder m_finder;
+    TimedBytes m_stream; // received and not handed over
+    bool m_canTell;      // replies of the last request
+    qint64 m_handedAt;   // when the last byte of its reply came that was handed over; -1 before the first
+    bool m_isWithheld;
+    bool m_isEchoing;
+
+    QSet<int> m_askedStations;
+    mutable StrayCounts m_strays;
+    mutable Backoff m_opening;
+    mutable bool m_isAnswered; // since the connection was opened
     mutable bool m_isEndNoticed;
     bool m_keepsOpen;
 };

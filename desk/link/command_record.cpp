@@ -28,6 +28,20 @@ void CommandRecord::add(ChannelEvent event, const QByteArray &bytes, qint64 now)
     case ChannelEvent::Discarded: m_discardedBytes += sizeOf(bytes); break;
     case ChannelEvent::ClosedByOther:
     case ChannelEvent::ResetByOther: addEnd(); break;
+    case ChannelEvent::SkippedCopy:
+        if (!m_exchanges.empty())
+            m_exchanges.back().isEchoed = true;
+        m_skippedBytes += sizeOf(bytes);
+        break;
+    case ChannelEvent::SkippedNoise:
+    case ChannelEvent::SkippedFrame: m_skippedBytes += sizeOf(bytes); break;
+    case ChannelEvent::Withheld:
+        addAttempt(bytes);
+        ++m_withheld;
+        m_isWithheld = true;
+        break;
+    case ChannelEvent::ProbeSent:
+    case ChannelEvent::ProbeAnswered:
     case ChannelEvent::Closed: break;
     }
 }
@@ -46,14 +60,23 @@ bool CommandRecord::isEndedByOther() const
 
 bool CommandRecord::isEchoed() const
 {
-    return !m_exchanges.empty() && isEcho(m_exchanges.back().reply, m_exchanges.back().request);
+    return !m_exchanges.empty() &&
+           (m_exchanges.back().isEchoed || isEcho(m_exchanges.back().reply, m_exchanges.back().request));
 }
 
 // Every attempt begins with the same request, and no other request of the command is equal to that.
+void CommandRecord::addAttempt(const QByteArray &request)
+{
+    if (m_firstRequest.isEmpty())
+        m_firstRequest = request;
+    if (request == m_firstRequest)
+        ++m_attempts;
+}
+
 void CommandRecord::addSent(const QByteArray &bytes, qint64 now)
 {
-    if (m_exchanges.empty() || bytes == m_exchanges.front().request)
-        ++m_attempts;
+    addAttempt(bytes);
+    m_isWithheld = false;
     m_exchanges.push_back({bytes, {}});
     m_sentAt = now;
 }

@@ -31,22 +31,31 @@ public:
     bool hasOpened() const { return m_hasOpened; }
     /// Whether the other side ended the connection before the last reply was whole.
     bool isEndedByOther() const;
-    /// Whether the last reply was an echo.
+    /// Whether the last request came back, as its reply or in front of it.
     bool isEchoed() const;
+    /// How many attempts were not sent, since a late reply could have been taken for the answer; and whether
+    /// the last one was not.
+    int withheld() const { return m_withheld; }
+    bool isWithheld() const { return m_isWithheld; }
     /// How often the line was opened and could not be opened, and how often the other side ended it.
     int openings() const { return m_openings; }
     int failedOpenings() const { return m_failedOpenings; }
     int endsByOther() const { return m_endsByOther; }
+    int skippedBytes() const { return m_skippedBytes; }
     int discardedBytes() const { return m_discardedBytes; }
 
 private:
+    void addAttempt(const QByteArray &request);
     void addSent(const QByteArray &bytes, qint64 now);
     void addReceived(const QByteArray &bytes, qint64 now);
     void addEnd();
 
     int m_station = 0;
     std::vector<Exchange> m_exchanges;
+    QByteArray m_firstRequest;
     int m_attempts = 0;
+    int m_withheld = 0;
+    bool m_isWithheld = false;
     qint64 m_beganAt = 0;
     qint64 m_sentAt = 0;
     qint64 m_latency = 0;
@@ -55,5 +64,6 @@ private:
     int m_openings = 0;
     int m_failedOpenings = 0;
     int m_endsByOther = 0;
+    int m_skippedBytes = 0;
     int m_discardedBytes = 0;
 };

@@ -7,6 +7,7 @@ struct Exchange {
     QByteArray request;
     QByteArray reply;            ///< what came of it, also when that is not all
     bool isEndedByOther = false; ///< the other side closed or reset the connection before the reply was whole
+    bool isEchoed = false;       ///< the line returned the request in front of the reply, or in its place
     bool isGivenUp = false;      ///< nobody waited any longer, since the run was to end
 };
 

@@ -57,6 +57,11 @@ const KnownText Echoed = {
     "what came is the request itself: the line echoes; switch that off in the gateway or the "
     "two-wire adapter"};
 
+const KnownText Withheld = {
+    "", FailureKind::NoReply,
+    "not sent: an earlier request has not been answered, and its late reply could be taken for the answer to "
+    "this one; --timeout, and --settle for how the line is settled"};
+
 struct ExceptionAdvice {
     modbus::Exception code;
     const char *advice;
@@ -105,7 +110,7 @@ bool mayBeOfAnEnd(FailureKind kind)
 
 bool mayBeOfAnEcho(FailureKind kind)
 {
-    return kind == FailureKind::Damaged || kind == FailureKind::Cut;
+    return kind == FailureKind::Damaged || kind == FailureKind::Cut || kind == FailureKind::NoReply;
 }
 
 // The texts say what the driver saw of the bytes; the line knows more.
@@ -116,6 +121,8 @@ const KnownText &known(const QString &text, const CommandRecord &record)
     const KnownText &match = knownText(text);
     if (record.isEndedByOther() && mayBeOfAnEnd(match.kind))
         return EndedByOther;
+    if (record.isWithheld() && match.kind == FailureKind::NoReply)
+        return Withheld;
     if (record.isEchoed() && mayBeOfAnEcho(match.kind))
         return Echoed;
     return match;

@@ -23,10 +23,12 @@ void LineCounts::add(const CommandRecord &record, bool hasConnectedBefore)
     // What the driver refuses itself never comes to the line.
     requests += record.attempts() > 0 ? 1 : 0;
     attempts += unsignedOf(record.attempts());
+    withheld += unsignedOf(record.withheld());
     const bool isFirst = !hasConnectedBefore && record.openings() > 0;
     reconnects += unsignedOf(record.openings()) - (isFirst ? 1 : 0);
     failedOpenings += unsignedOf(record.failedOpenings());
     endsByOther += unsignedOf(record.endsByOther());
+    skippedBytes += unsignedOf(record.skippedBytes());
     discardedBytes += unsignedOf(record.discardedBytes());
     for (const Exchange &exchange : record.exchanges())
         addOutcome(exchange);

@@ -8,6 +8,7 @@
 struct LineCounts {
     quint64 requests = 0;   ///< commands of the driver for which the line was needed
     quint64 attempts = 0;   ///< how often they were tried
+    quint64 withheld = 0;   ///< attempts that were not sent, since the line was not settled
     quint64 timeouts = 0;   ///< nothing came
     quint64 cutReplies = 0; ///< the reply stopped short
     quint64 crcErrors = 0;
@@ -16,6 +17,7 @@ struct LineCounts {
     quint64 failedOpenings = 0;        ///< no connection
     quint64 reconnects = 0;            ///< connections after the first
     quint64 endsByOther = 0;           ///< connections that the other side closed or reset
+    quint64 skippedBytes = 0;          ///< came in front of replies
     quint64 discardedBytes = 0;        ///< came unasked
 
     quint64 retries() const { return attempts - requests; }

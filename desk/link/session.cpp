@@ -1,5 +1,7 @@
 #include "desk/link/session.h"
 
+#include "desk/wire/frame_text.h"
+
 Session::Session(const QString &plugin, const LinkSettings &settings)
     : Session(plugin, settings, std::make_unique<TcpChannel>(settings.channel))
 {
@@ -76,6 +78,17 @@ void Session::trace(ChannelEvent event, const QByteArray &bytes)
         // There was nothing left to close.
         if (!m_command.isEndedByOther())
             m_trace.event(QStringLiteral("closed"));
+        break;
+    case ChannelEvent::SkippedNoise: m_trace.skipped(bytes, QStringLiteral("noise")); break;
+    case ChannelEvent::SkippedFrame:
+        m_trace.skipped(bytes,
+                        QStringLiteral("of another exchange: ") + describeFrame(FrameRole::Reply, bytes));
+        break;
+    case ChannelEvent::SkippedCopy: m_trace.skipped(bytes, QStringLiteral("the request, echoed")); break;
+    case ChannelEvent::ProbeSent: m_trace.sent(bytes); break;
+    case ChannelEvent::ProbeAnswered: m_trace.received(bytes); break;
+    case ChannelEvent::Withheld:
+        m_trace.event(QStringLiteral("not sent: a reply may still come that could be taken for the answer"));
         break;
     case ChannelEvent::Discarded: m_trace.dropped(bytes); break;
     case ChannelEvent::Sent: m_trace.sent(bytes); break;

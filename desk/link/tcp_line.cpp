@@ -153,6 +153,12 @@ QByteArray TcpLine::receive(qint64 deadline)
     return {};
 }
 
+void TcpLine::pause(qint64 until)
+{
+    while (!isCancelled() && now() < until)
+        poll(nullptr, 0, millisecondsOf(until - now()));
+}
+
 // False when the time is over or the run is cancelled.
 bool TcpLine::waitFor(short events, qint64 deadline) const
 {

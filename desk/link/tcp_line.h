@@ -23,6 +23,7 @@ public:
     LineState state() override;
     int send(const char *bytes, int size, qint64 deadline) override;
     QByteArray receive(qint64 deadline) override;
+    void pause(qint64 until) override;
     QString errorString() const override { return m_error; }
     qint64 now() const override;
 

@@ -25,7 +25,8 @@ QStringList happened(const LineCounts &counts)
         if (number > 0)
             texts += QStringLiteral("%1 %2").arg(QString::number(number), number == 1 ? one : more);
     };
-    for (const Count &count : {Count{counts.timeouts, "time-out", "time-outs"},
+    for (const Count &count : {Count{counts.withheld, "attempt not sent", "attempts not sent"},
+                               Count{counts.timeouts, "time-out", "time-outs"},
                                Count{counts.cutReplies, "cut reply", "cut replies"},
                                Count{counts.crcErrors, "CRC error", "CRC errors"},
                                Count{counts.wrongReplies, "wrong reply", "wrong replies"}})
@@ -38,6 +39,7 @@ QStringList happened(const LineCounts &counts)
                                Count{counts.reconnects, "reconnect", "reconnects"},
                                Count{counts.failedOpenings, "connection refused or not answered",
                                      "connections refused or not answered"},
+                               Count{counts.skippedBytes, "byte skipped", "bytes skipped"},
                                Count{counts.discardedBytes, "byte discarded", "bytes discarded"}})
         add(count.number, QLatin1String(count.one), QLatin1String(count.more));
     return texts;
@@ -56,6 +58,7 @@ QJsonObject countsObject(const LineCounts &counts)
     return {{QStringLiteral("requests"), numberValue(counts.requests)},
             {QStringLiteral("attempts"), numberValue(counts.attempts)},
             {QStringLiteral("retries"), numberValue(counts.retries())},
+            {QStringLiteral("not_sent"), numberValue(counts.withheld)},
             {QStringLiteral("timeouts"), numberValue(counts.timeouts)},
             {QStringLiteral("cut_replies"), numberValue(counts.cutReplies)},
             {QStringLiteral("crc_errors"), numberValue(counts.crcErrors)},
@@ -64,6 +67,7 @@ QJsonObject countsObject(const LineCounts &counts)
             {QStringLiteral("failed_connections"), numberValue(counts.failedOpenings)},
             {QStringLiteral("reconnects"), numberValue(counts.reconnects)},
             {QStringLiteral("closed_by_other"), numberValue(counts.endsByOther)},
+            {QStringLiteral("skipped_bytes"), numberValue(counts.skippedBytes)},
             {QStringLiteral("discarded_bytes"), numberValue(counts.discardedBytes)}};
 }
 

@@ -28,9 +28,9 @@ struct SlaveOptions {
     SlaveLimits limits;
     /// Requests for other functions get exception 1.
     QSet<int> functions = {
-        modbus::ReadCoils,          modbus::ReadDiscreteInputs,    modbus::ReadHoldingRegisters,
-        modbus::ReadInputRegisters, modbus::WriteSingleCoil,       modbus::WriteSingleRegister,
-        modbus::WriteMultipleCoils, modbus::WriteMultipleRegisters};
+        modbus::ReadCoils,          modbus::ReadDiscreteInputs, modbus::ReadHoldingRegisters,
+        modbus::ReadInputRegisters, modbus::WriteSingleCoil,    modbus::WriteSingleRegister,
+        modbus::Diagnostics,        modbus::WriteMultipleCoils, modbus::WriteMultipleRegisters};
     /// How long the device takes for a reply.
     int latencyMs = 0;
     /// Sent on every new connection.

@@ -36,7 +36,8 @@ const QStringList &targetSettingNames()
                                    QStringLiteral("station"), QStringLiteral("timeout"),
                                    QStringLiteral("retries"), QStringLiteral("delay"),
                                    QStringLiteral("device"),  QStringLiteral("connect-timeout"),
-                                   QStringLiteral("project"), QStringLiteral("points")};
+                                   QStringLiteral("settle"),  QStringLiteral("project"),
+                                   QStringLiteral("points")};
     return names;
 }
 

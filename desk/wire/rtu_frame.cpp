@@ -2,6 +2,9 @@
 
 #include "drivers/qt/qt_lines.h"
 
+namespace modbus
+{
+
 namespace
 {
 
@@ -26,6 +29,12 @@ int writeMultipleSize(const QByteArray &bytes)
     const int data = functionOf(bytes) == modbus::WriteMultipleCoils ? modbus::bytesOfBits(quantity)
                                                                      : quantity * modbus::RegisterBytes;
     return data == byteAt(bytes, 6) ? headSize + data + modbus::CrcSize : SizeUnknown;
+}
+
+// Whether requests and good replies of the function are station, function, two fields and CRC.
+bool hasShortFrames(int function)
+{
+    return modbus::isWriteSingle(function) || function == modbus::Diagnostics;
 }
 
 int readReplySize(int dataSize)
@@ -70,7 +79,7 @@ int requestSize(const QByteArray &bytes)
     if (bytes.size() < 2)
         return SizeNeedsMoreBytes;
     const int function = functionOf(bytes);
-    if (modbus::isRead(function) || modbus::isWriteSingle(function))
+    if (modbus::isRead(function) || hasShortFrames(function))
         return modbus::ShortFrameSize;
     return modbus::isWriteMultiple(function) ? writeMultipleSize(bytes) : SizeUnknown;
 }
@@ -84,8 +93,8 @@ int replySize(const QByteArray &bytes)
         return modbus::ExceptionReplySize;
     if (modbus::isRead(function))
         return readReplySize(byteAt(bytes, 2));
-    const bool isWrite = modbus::isWriteSingle(function) || modbus::isWriteMultiple(function);
-    return isWrite ? modbus::ShortFrameSize : SizeUnknown;
+    const bool isShort = hasShortFrames(function) || modbus::isWriteMultiple(function);
+    return isShort ? modbus::ShortFrameSize : SizeUnknown;
 }
 
 int replySizeFor(const QByteArray &request)
@@ -95,8 +104,8 @@ int replySizeFor(const QByteArray &request)
     if (modbus::isRead(function))
         return readReplySize(modbus::isReadOfBits(function) ? modbus::bytesOfBits(quantity)
                                                             : quantity * modbus::RegisterBytes);
-    const bool isWrite = modbus::isWriteSingle(function) || modbus::isWriteMultiple(function);
-    return isWrite ? modbus::ShortFrameSize : SizeUnknown;
+    const bool isShort = hasShortFrames(function) || modbus::isWriteMultiple(function);
+    return isShort ? modbus::ShortFrameSize : SizeUnknown;
 }
 
 bool isEcho(const QByteArray &reply, const QByteArray &request)
@@ -114,3 +123,5 @@ QByteArray exceptionReply(const QByteArray &request, int code)
     frame[2] = static_cast<char>(code);
     return withCrc(frame);
 }
+
+} // namespace modbus

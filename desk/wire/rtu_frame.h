@@ -6,6 +6,9 @@
 
 /// What an RTU frame (station, function, data, CRC) shows without knowing the slave.
 
+namespace modbus
+{
+
 /// The frame with its CRC-16 after it, low byte first.
 QByteArray withCrc(const QByteArray &frame);
 /// Whether the last two bytes are the CRC of those before them; false for fewer than four bytes.
@@ -37,3 +40,18 @@ bool isEcho(const QByteArray &reply, const QByteArray &request);
 
 /// The exception reply to a request, a whole frame.
 QByteArray exceptionReply(const QByteArray &request, int code);
+
+} // namespace modbus
+
+using modbus::byteAt;
+using modbus::exceptionReply;
+using modbus::functionOf;
+using modbus::hasGoodCrc;
+using modbus::isEcho;
+using modbus::replySize;
+using modbus::replySizeFor;
+using modbus::requestSize;
+using modbus::SizeNeedsMoreBytes;
+using modbus::SizeUnknown;
+using modbus::withCrc;
+using modbus::wordAt;

@@ -98,6 +98,14 @@ int MasterTrace::restSize(const QByteArray &dropped) const
     return size == SizeUnknown ? sizeOf(dropped) : std::clamp(size - sizeOf(m_refused), 0, sizeOf(dropped));
 }
 
+void MasterTrace::skipped(const QByteArray &bytes, const QString &reason)
+{
+    if (!m_sink)
+        return;
+    flush();
+    write(FrameDirection::Dropped, bytes, QStringLiteral("skipped, ") + reason);
+}
+
 void MasterTrace::event(const QString &text)
 {
     if (!m_sink)

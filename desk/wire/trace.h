@@ -38,6 +38,8 @@ public:
     /// Bytes that the channel threw away: the rest of a reply that was refused before its end, or what nobody
     /// asked for.
     void dropped(const QByteArray &bytes);
+    /// Bytes in front of a reply, and why they are none of it.
+    void skipped(const QByteArray &bytes, const QString &reason);
     void event(const QString &text);
     void flush();
 

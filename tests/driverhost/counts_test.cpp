@@ -44,7 +44,7 @@ protected:
 
 TEST_F(CountsTest, AWatchHidesNoRetries)
 {
-    const HostRun run = host("watch TARGET HR1 --timeout 60 --interval 0 --count 4");
+    const HostRun run = host("watch TARGET HR1 --timeout 60 --settle off --interval 0 --count 4");
     EXPECT_EQ(run.code, 0);
     EXPECT_TRUE(matches(run.err, "^4 transactions in [0-9.]+ s, 0 failed\n")) << run.err.toStdString();
     EXPECT_TRUE(matches(run.err, "\n4 requests, 7 attempts, 3 retries; 3 time-outs, 3 reconnects\n"))
@@ -57,7 +57,8 @@ TEST_F(CountsTest, AWatchHidesNoRetries)
 
 TEST_F(CountsTest, AWatchCountsEachStation)
 {
-    const HostRun run = host("watch TARGET HR1 5-HR1 --timeout 60 --interval 0 --count 1 --format json");
+    const HostRun run =
+        host("watch TARGET HR1 5-HR1 --timeout 60 --settle off --interval 0 --count 1 --format json");
     const QJsonObject summary = summaryOf(run);
     EXPECT_EQ(summary.value("version"), 1);
     EXPECT_EQ(summary.value("requests"), 2);
@@ -81,7 +82,8 @@ TEST_F(CountsTest, AWatchCountsEachStation)
 TEST_F(CountsTest, EveryLineOfAWatchHasItsAttemptsAndBothTimes)
 {
     const QStringList lines =
-        host("watch TARGET HR1 --timeout 60 --interval 0 --count 2 --format csv").out.split('\n');
+        host("watch TARGET HR1 --timeout 60 --settle off --interval 0 --count 2 --format csv")
+            .out.split('\n');
     const QRegularExpression good("^[^,]+,1,HR1,0,word,0,[0-9.]+,[0-9.]+,1,,,,,$");
     const QRegularExpression late("^[^,]+,1,HR1,0,word,0,[0-9.]+,(6|7|8|9|1\\d)\\d(\\.\\d+)?,2,,,,,$");
     EXPECT_TRUE(good.match(lines.value(1)).hasMatch()) << lines.value(1).toStdString();
@@ -90,8 +92,10 @@ TEST_F(CountsTest, EveryLineOfAWatchHasItsAttemptsAndBothTimes)
 
 TEST_F(CountsTest, ReadsWritesTagsAndScansHaveASummaryToo)
 {
-    EXPECT_EQ(summaryOf(host("read TARGET HR1 HR2 --timeout 60 --format json")).value("retries"), 1);
-    EXPECT_EQ(summaryOf(host("write TARGET HR1 1 --timeout 60 --format json")).value("requests"), 1);
+    EXPECT_EQ(summaryOf(host("read TARGET HR1 HR2 --timeout 60 --settle off --format json")).value("retries"),
+              1);
+    EXPECT_EQ(summaryOf(host("write TARGET HR1 1 --timeout 60 --settle off --format json")).value("requests"),
+              1);
     EXPECT_EQ(summaryOf(host("scan TARGET HR --to 100 --format json")).value("version"), 1);
     QTemporaryDir folder;
     QFile list(folder.filePath("list"));
@@ -99,15 +103,15 @@ TEST_F(CountsTest, ReadsWritesTagsAndScansHaveASummaryToo)
     list.write("link 1 ETHERNET\nnode 1 1 default\ntag 1 HR1\ntag 1 HR9\n");
     list.close();
     ASSERT_EQ(runHost({"project", "--make", list.fileName(), folder.filePath("db")}).code, 0);
-    const QJsonObject tags =
-        summaryOf(host("tags TARGET --timeout 60 --format json --project " + folder.filePath("db")));
+    const QJsonObject tags = summaryOf(
+        host("tags TARGET --timeout 60 --settle off --format json --project " + folder.filePath("db")));
     EXPECT_EQ(tags.value("requests"), 2);
     EXPECT_EQ(tags.value("values"), 2);
 }
 
 TEST_F(CountsTest, AScanEndsWithThem)
 {
-    const HostRun run = host("scan TARGET HR --to 100 --retries 1 --timeout 60 --delay 0");
+    const HostRun run = host("scan TARGET HR --to 100 --retries 1 --timeout 60 --settle off --delay 0");
     EXPECT_EQ(run.err,
               "1 range found up to HR100\n2 requests, 3 attempts, 1 retry; 1 time-out, 1 reconnect\n");
 }

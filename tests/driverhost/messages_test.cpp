@@ -81,19 +81,19 @@ TEST_F(MessagesTest, SendNobodyToTheCablesWhenTheNameIsWrong)
 TEST_F(MessagesTest, SayHowOftenItWasTriedAndHowLong)
 {
     slave.inject(Fault{Fault::Silence, -1}, 3);
-    expectError("read TARGET HR1 --retries 2 --timeout 50", "\n  3 attempts, time-out 50 ms\n");
+    expectError("read TARGET HR1 --retries 2 --timeout 50 --settle off", "\n  3 attempts, time-out 50 ms\n");
     slave.inject(Fault{Fault::Silence, -1}, 1);
     expectError("write TARGET HR1 1 --retries 0 --timeout 50", "\n  1 attempt, time-out 50 ms\n");
     slave.inject(Fault{Fault::WrongCrc, -1}, 2);
-    expectError("read TARGET HR1 --retries 1", "\n  2 attempts\n");
+    expectError("read TARGET HR1 --retries 1 --settle off", "\n  2 attempts\n");
 }
 
 TEST_F(MessagesTest, SayWhenAnAnswerTookSeveralAttempts)
 {
     slave.inject(Fault{Fault::WrongCrc, -1}, 2);
-    expectError("read TARGET HR1", "HR1: answered at attempt 3 of 4\n");
+    expectError("read TARGET HR1 --settle off", "HR1: answered at attempt 3 of 4\n");
     slave.inject(Fault{Fault::WrongCrc, -1}, 1);
-    expectError("write TARGET 5-HR1 7 --retries 1", "5-HR1: answered at attempt 2 of 2\n");
+    expectError("write TARGET 5-HR1 7 --retries 1 --settle off", "5-HR1: answered at attempt 2 of 2\n");
     EXPECT_EQ(host("read TARGET HR1").err, "");
 }
 

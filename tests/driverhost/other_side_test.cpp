@@ -91,12 +91,26 @@ TEST(OtherSide, ThatEchoesIsNamed)
     }
 }
 
-TEST(OtherSide, ThatEchoesARequestWhichLooksLikeItsReplyIsSuspected)
+TEST(OtherSide, ThatEchoesARequestWhichLooksLikeItsReplyIsNoReply)
 {
     ScriptedPeer peer(echo);
-    const HostRun run = runOn(peer, "read DI769 --count 24");
+    const HostRun run = runOn(peer, "read DI769 --count 24 --retries 0 --timeout 60");
+    EXPECT_EQ(run.code, 4);
+    EXPECT_EQ(run.out, "");
+    EXPECT_TRUE(has(run, "  check: what came is the request itself: the line echoes"))
+        << run.err.toStdString();
+}
+
+TEST(OtherSide, ThatEchoesInFrontOfItsReplyIsRead)
+{
+    ScriptedPeer peer([](ScriptedPeer &end) {
+        end.send(end.receive(8));
+        end.send(withCrc(QByteArray::fromHex("0103020007")));
+    });
+    const HostRun run = runOn(peer, "read HR1 --trace");
     EXPECT_EQ(run.code, 0);
-    EXPECT_TRUE(has(run, "DI769: the reply equals the request: does the line echo?\n"))
+    EXPECT_TRUE(has(run, "skipped, the request, echoed\n")) << run.err.toStdString();
+    EXPECT_TRUE(has(run, "HR1: the request came back in front of the reply: the line echoes\n"))
         << run.err.toStdString();
 }
 
@@ -118,7 +132,7 @@ TEST(Trace, TheRestOfARefusedFrameIsNoFrame)
         end.receive(8);
         end.send(withCrc(QByteArray::fromHex("0103020007")));
     });
-    const HostRun run = runOn(peer, "read HR1 --retries 1 --trace");
+    const HostRun run = runOn(peer, "read HR1 --retries 1 --timeout 60 --settle off --trace");
     EXPECT_EQ(run.code, 0) << run.err.toStdString();
     EXPECT_TRUE(has(run, "the rest of the frame above: station 2, read holding registers"))
         << run.err.toStdString();

@@ -150,7 +150,7 @@ TEST_F(TerminalTest, AScanShowsHowFarItIsWhileItWaits)
 TEST_F(TerminalTest, TheTableCountsAttemptsAndWhatBecameOfThem)
 {
     slave.inject(Fault{Fault::WrongCrc, -1}, 2);
-    PtyProgram program(words("watch TARGET HR1 --interval 600"));
+    PtyProgram program(words("watch TARGET HR1 --interval 600 --settle off"));
     ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
         return shows(screen, "1 request, 3 attempts, 2 retries; 2 CRC errors") &&
                matches(screen.text(), "\naddress +value +reply ms +total ms +attempts +errors +course\n"

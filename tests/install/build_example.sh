@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Installs the tools, builds the example driver on what is installed, and lets its test load the plug-in.
+# Installs the tools, builds the example driver on what is installed, and lets its test load the plug-in; then builds a
+# host on the installed channel and runs it.
 #   build_example.sh find_package|pkg_config BUILD EXAMPLE MOC
 # The environment has CMAKE, CXX and CXXFLAGS.
 set -euo pipefail
 
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 way=$1 build=$2 example=$3 moc=$4
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -17,11 +19,14 @@ install_tools() {
 }
 
 find_package() {
-    local qmake
+    local qmake source binary
     qmake=$(sed -n 's/^QT_QMAKE_EXECUTABLE:[^=]*=//p' "$build/CMakeCache.txt")
-    "$CMAKE" -S "$example" -B "$scratch/build" "-DCMAKE_PREFIX_PATH=$prefix" ${qmake:+"-DQT_QMAKE_EXECUTABLE=$qmake"}
-    "$CMAKE" --build "$scratch/build"
-    (cd "$scratch/build" && "${CMAKE%/*}/ctest" --output-on-failure)
+    for source in "$example" "$here/channel_host"; do
+        binary=$scratch/${source##*/}
+        "$CMAKE" -S "$source" -B "$binary" "-DCMAKE_PREFIX_PATH=$prefix" ${qmake:+"-DQT_QMAKE_EXECUTABLE=$qmake"}
+        "$CMAKE" --build "$binary"
+        (cd "$binary" && "${CMAKE%/*}/ctest" --output-on-failure)
+    done
 }
 
 pkg_config() {
@@ -42,6 +47,11 @@ pkg_config() {
     ls "$plugins"
     LINE_DRIVER=$plugins/libline_driver.so "$scratch/line_driver_test"
     test -f "$plugins/libmodbus_rtu_slave_over_tcp.so"
+
+    read -ra cflags <<<"${CXXFLAGS:-} $(pkg-config --cflags driver_channel)"
+    read -ra libs <<<"$(pkg-config --libs driver_channel)"
+    "$CXX" -std=c++11 -fPIC "${cflags[@]}" "$here/channel_host/channel_host.cpp" "${libs[@]}" -o "$scratch/channel_host"
+    "$scratch/channel_host"
 }
 
 compile_headers_alone() {

@@ -34,6 +34,7 @@ ChannelSettings channelTo(quint16 port, int timeoutMs)
     settings.timeout = timeoutMs;
     settings.connectTimeout = 5000;
     settings.retries = 0;
+    settings.settle.mode = SettleMode::Off;
     return settings;
 }
 

@@ -253,5 +253,7 @@ Job prepareDemo(const QStringList &arguments)
     link.trace = traceOf(line);
     link.channel.timeout = Timeout;
     link.channel.retries = Retries;
+    // The frames are the driver's, and each fault is for one of them.
+    link.channel.settle.mode = SettleMode::Off;
     return {link, tags, demonstrate};
 }

@@ -97,6 +97,9 @@ int scanRanges(Session &session, const Limits &limits, const Items &probe, Outpu
 Items probeOf(CommandLine &line, const QString &what)
 {
     const bool isStations = what == QLatin1String("stations");
+    // Whether a late reply is the answer to this request or to an earlier one: the station is there.
+    if (isStations && !line.isGiven("settle"))
+        link.channel.settle.mode = SettleMode::Off;
     const QString text = isStations ? line.text("probe") : what + QStringLiteral("1");
     const Result<TypedItems> probe = itemsAt(text, ItemOptions(), ItemCounts());
     if (probe && (isStations || probe->address.number == 1))
@@ -146,6 +149,9 @@ Job prepareScan(const QStringList &arguments)
         line.addError(QStringLiteral("expected one thing to scan: stations, HR, IR, DI or DO"));
     const QString what = words.value(0);
     const bool isStations = what == QLatin1String("stations");
+    // Whether a late reply is the answer to this request or to an earlier one: the station is there.
+    if (isStations && !line.isGiven("settle"))
+        link.channel.settle.mode = SettleMode::Off;
     const Items probe = probeOf(line, what);
     const int max = isStations ? modbus::MaxStation : modbus::AddressSpace;
     Limits limits;

@@ -102,7 +102,7 @@ QList<QCommandLineOption> slaveCommandOptions()
         option("max-bits", QStringLiteral("Maximum of bits in one request"), "NUMBER",
                QString::number(protocol.bits)),
         option("functions", QStringLiteral("Functions that it knows; others: exception 1"), "LIST",
-               "1-6,15,16"),
+               "1-6,8,15,16"),
         option("latency", QStringLiteral("Milliseconds that every reply takes"), "MS", "0"),
         option("fault",
                QStringLiteral(

@@ -3,6 +3,7 @@
 #include "apps/driverhost/console/messages.h"
 #include "apps/driverhost/console/target_choice.h"
 #include "desk/items/target.h"
+#include "desk/link/settle_rules.h"
 #include "desk/project/device_text.h"
 
 namespace
@@ -93,6 +94,11 @@ QList<QCommandLineOption> linkOptions()
         optionWithDefault("connect-timeout", "Milliseconds to wait for a connection", "MS",
                           channel.connectTimeout),
         optionWithDefault("retries", "Further attempts after a failed one", "N", channel.retries),
+        optionWithDefault(
+            "settle",
+            "How a line is settled after a request that was not answered, before the station is "
+            "asked again: auto, echo, quiet[:MS] or off; of single stations as 7=off, with commas",
+            "RULES", QStringLiteral("auto")),
         optionWithDefault("delay", "Milliseconds to pause before every attempt", "MS", channel.delay),
         pluginOption(),
         traceOption(),
@@ -116,6 +122,9 @@ LinkSettings linkSettings(CommandLine &line, QStringList &words)
     settings.channel.connectTimeout = line.number("connect-timeout", 1, MaxTimeout);
     settings.channel.retries = line.number("retries", 0, MaxRetries);
     settings.channel.delay = static_cast<unsigned int>(line.number("delay", 0, MaxDelay));
+    const Result<> settle = applySettleRules(line.text("settle"), settings.channel);
+    if (!settle)
+        line.addError(QStringLiteral("--settle ") + settle.errorText());
     settings.plugin = line.text("plugin");
     settings.project = line.text("project");
     settings.trace = traceOf(line);

@@ -56,7 +56,7 @@ void reportOddSuccess(const Session &session, const QString &label)
                    .arg(label, QString::number(command.attempts()),
                         QString::number(session.settings().retries + 1)));
     if (command.isEchoed())
-        report(QStringLiteral("%1: the reply equals the request: does the line echo?").arg(label));
+        report(QStringLiteral("%1: the request came back in front of the reply: the line echoes").arg(label));
 }
 
 void reportBroadcast(int station)

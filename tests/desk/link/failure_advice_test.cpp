@@ -41,4 +41,11 @@ TEST(FailureAdvice, SaysWhatTheTextAloneDoesNot)
               FailureKind::Damaged);
     EXPECT_EQ(kindOf("PLC no response", RecordedCommand().with(ChannelEvent::OpenFailed).ended()),
               FailureKind::CannotConnect);
+    const CommandRecord echoed = RecordedCommand().sends().with(ChannelEvent::SkippedCopy, readOne).ended();
+    EXPECT_EQ(kindOf("PLC no response", echoed), FailureKind::Echo);
+    const Failure withheld =
+        failureOf(QStringLiteral("PLC no response"),
+                  RecordedCommand().sends().with(ChannelEvent::Withheld, readOne).ended());
+    EXPECT_EQ(withheld.kind, FailureKind::NoReply);
+    EXPECT_TRUE(withheld.advice.startsWith(QLatin1String("not sent: "))) << withheld.advice.toStdString();
 }

@@ -151,3 +151,38 @@ TEST(LinkCounts, AreKeptForEachStationAndInTotal)
     EXPECT_EQ(counts.stations().at(5).timeouts, 1u);
     EXPECT_EQ(counts.stations().at(1).timeouts, 0u);
 }
+
+TEST(CommandRecord, CountsWhatWasSkippedAndWhatWasNotSent)
+{
+    const CommandRecord record = RecordedCommand()
+                                     .opens()
+                                     .sends()
+                                     .with(ChannelEvent::Closed)
+                                     .opens()
+                                     .with(ChannelEvent::ProbeSent, "probe")
+                                     .with(ChannelEvent::Withheld, readOne)
+                                     .ended();
+    EXPECT_EQ(record.attempts(), 2);
+    EXPECT_EQ(record.withheld(), 1);
+    EXPECT_TRUE(record.isWithheld());
+    EXPECT_EQ(record.exchanges().size(), 1u) << "a probe is none of the driver's";
+
+    const CommandRecord skipped = RecordedCommand()
+                                      .with(ChannelEvent::Withheld, readOne)
+                                      .sends()
+                                      .with(ChannelEvent::SkippedNoise, "12")
+                                      .with(ChannelEvent::SkippedFrame, "345")
+                                      .with(ChannelEvent::SkippedCopy, readOne)
+                                      .gets(goodReply)
+                                      .ended();
+    EXPECT_EQ(skipped.skippedBytes(), 13);
+    EXPECT_TRUE(skipped.isEchoed());
+    EXPECT_FALSE(skipped.isWithheld());
+    EXPECT_EQ(skipped.attempts(), 2);
+
+    LinkCounts counts;
+    counts.add(record);
+    counts.add(skipped);
+    EXPECT_EQ(counts.total().withheld, 2u);
+    EXPECT_EQ(counts.total().skippedBytes, 13u);
+}

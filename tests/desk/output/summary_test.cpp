@@ -53,7 +53,7 @@ TEST(Summary, IsOneObjectWithAVersion)
     const QJsonObject summary = line.value("summary").toObject();
     EXPECT_EQ(summary.keys(),
               (QStringList{"attempts", "closed_by_other", "crc_errors", "cut_replies", "discarded_bytes",
-                           "exceptions", "failed_connections", "found", "reconnects", "requests", "retries",
-                           "stations", "timeouts", "version", "wrong_replies"}));
+                           "exceptions", "failed_connections", "found", "not_sent", "reconnects", "requests",
+                           "retries", "skipped_bytes", "stations", "timeouts", "version", "wrong_replies"}));
     EXPECT_EQ(summary.value("exceptions").toObject().value("0x02"), 1);
 }

@@ -229,14 +229,14 @@ TEST_F(RealSocketFault, TruncationAtEveryByte)
     }
 }
 
-// Noise in front of a reply is refused, whatever it is made of, and does not reach the next one.
+// Noise in front of a reply is skipped, whatever it is made of.
 TEST_F(RealSocketFault, NoiseBeforeTheReply)
 {
     startSlave();
     for (int round = 0; round < 40; ++round) {
         for (const Operation &operation : operations()) {
             slave->inject({Fault::JunkBefore, -1});
-            EXPECT_FALSE(operation.run(*link)) << operation.name;
+            EXPECT_TRUE(operation.run(*link)) << operation.name << ": " << link->error().toStdString();
         }
         expectEverythingRight("noise");
     }
@@ -245,23 +245,22 @@ TEST_F(RealSocketFault, NoiseBeforeTheReply)
 TEST_F(RealSocketFault, EchoedRequests)
 {
     startSlave();
-    for (const Operation &operation : operations()) {
-        const bool isItsOwnEcho =
-            qstrcmp(operation.name, "function 5") == 0 || qstrcmp(operation.name, "function 6") == 0;
-        slave->inject({Fault::Echo, -1});
-        EXPECT_EQ(isItsOwnEcho, operation.run(*link)) << operation.name;
-        EXPECT_EQ(isItsOwnEcho ? "" : "CRC error", link->error()) << operation.name;
-        expectEverythingRight("an echo");
-    }
+    slave->inject({Fault::Echo, -1}, 2 * static_cast<int>(operations().size()));
+    expectEverythingRight("an echo");
+    expectEverythingRight("an echo");
+    // A read tells that the line echoes no more; a single write cannot.
+    EXPECT_TRUE(operations().front().run(*link));
+    expectEverythingRight("the last echo");
+    EXPECT_EQ(1u, slave->counts().connections);
 }
 
-// A read of 17 to 24 bits has a reply of the length of its request. The driver does not compare byte counts,
-// so an echo and the reply are the same to it there; the next exchange is right again.
+// A read of 17 to 24 bits has a reply of the length of its request, and the driver does not compare byte
+// counts.
 TEST_F(RealSocketFault, EchoThatLooksLikeTheReply)
 {
     startSlave();
     slave->inject({Fault::Echo, -1});
-    EXPECT_EQ(QByteArray::fromHex("AB0018"), link->read(Bits, 24, "DO940"));
+    EXPECT_TRUE(readsBits(*link, "DO", 110, 24, false));
     expectEverythingRight("an echo");
 }
 
@@ -272,7 +271,7 @@ TEST_F(RealSocketFault, RepliesToFormerRequestsThatDiffer)
         const Operation &operation = operations().at((i + 1) % operations().size());
         EXPECT_TRUE(operations().at(i).run(*link));
         slave->inject({Fault::Stale, -1});
-        EXPECT_FALSE(operation.run(*link)) << operation.name << " after " << operations().at(i).name;
+        EXPECT_TRUE(operation.run(*link)) << operation.name << " after " << operations().at(i).name;
         expectEverythingRight("a former reply");
     }
     EXPECT_TRUE(readsRegisters(*link, "HR", 10, 2, 0));
@@ -289,10 +288,6 @@ TEST_F(RealSocketFault, BannerOnEveryConnection)
     options.banner = "welcome to the gateway\r\n";
     startSlave(options);
     for (int round = 0; round < 20; ++round) {
-        // The banner may come before the first request or after it.
-        if (!operations().at(2).run(*link)) {
-            EXPECT_EQ("invalid slave id:119", link->error());
-        }
         expectEverythingRight("a banner");
         link->channel().close();
     }

@@ -52,7 +52,7 @@ TEST_F(RealSocketStream, TailOfARefusedReplyBehindTheNextRequest)
         DriverLink link(channelTo(peer.port()));
         EXPECT_TRUE(link.readWords("HR1", 2).empty());
         EXPECT_EQ("invalid slave id:2", link.error());
-        EXPECT_TRUE(link.readWords("HR3", 2).empty()) << tail;
+        EXPECT_EQ((Values{0x2222, 0xBBBB}), link.readWords("HR3", 2)) << tail;
         EXPECT_EQ((Values{0x3333, 0xCCCC}), link.readWords("HR5", 2)) << tail << link.error().toStdString();
     }
 }
@@ -75,8 +75,7 @@ TEST_F(RealSocketStream, LateReplyOfAnotherShape)
     EXPECT_EQ("invalid slave id:2", link.error());
     EXPECT_TRUE(link.readWords("HR3", 3).empty());
     EXPECT_EQ("CRC error", link.error());
-    EXPECT_TRUE(link.readWords("IR1", 2).empty());
-    EXPECT_EQ("invalid response", link.error());
+    EXPECT_EQ((Values{0x3333, 0xCCCC}), link.readWords("IR1", 2));
     EXPECT_EQ(Values{0x3333}, link.readWords("HR5"));
 }
 
