@@ -97,9 +97,6 @@ int scanRanges(Session &session, const Limits &limits, const Items &probe, Outpu
 Items probeOf(CommandLine &line, const QString &what)
 {
     const bool isStations = what == QLatin1String("stations");
-    // Whether a late reply is the answer to this request or to an earlier one: the station is there.
-    if (isStations && !line.isGiven("settle"))
-        link.channel.settle.mode = SettleMode::Off;
     const QString text = isStations ? line.text("probe") : what + QStringLiteral("1");
     const Result<TypedItems> probe = itemsAt(text, ItemOptions(), ItemCounts());
     if (probe && (isStations || probe->address.number == 1))
