@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QRegExp>
+
 #include <string>
 
 // Address texts of all kinds, plain ones among them, against the rules taken one by one: prefixes, the tools
