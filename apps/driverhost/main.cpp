@@ -3,8 +3,6 @@
 
 #include <QCoreApplication>
 
-#include <cstdio>
-
 namespace
 {
 
@@ -31,7 +29,9 @@ const Subcommand Subcommands[] = {
 QString helpText()
 {
     QString text =
-        QStringLiteral("Usage: driverhost SUBCOMMAND [options] ...\n\n"
+        QStringLiteral("Usage: driverhost SUBCOMMAND [options] ...\n"
+                       "       driverhost help [SUBCOMMAND]\n"
+                       "       driverhost --version\n\n"
                        "Loads the Modbus RTU over TCP driver plug-in and talks to slaves through it.\n\n"
                        "Subcommands:\n");
     for (const Subcommand &subcommand : Subcommands)
@@ -42,7 +42,21 @@ QString helpText()
            QStringLiteral("\n\"driverhost SUBCOMMAND --help\" says more. Exit codes: 0 success, 1 other "
                           "failure, 2 usage,\n3 cannot connect, 4 no or broken reply, 5 exception reply, "
                           "6 project database,\n7 not verified, 10 differences found, 130 interrupted, 141 "
-                          "output closed.\n");
+                          "output closed.");
+}
+
+int printText(const QString &text)
+{
+    return print({text}) ? Success : OutputClosed;
+}
+
+const Subcommand *findSubcommand(const QString &name)
+{
+    for (const Subcommand &subcommand : Subcommands) {
+        if (name == QLatin1String(subcommand.name))
+            return &subcommand;
+    }
+    return nullptr;
 }
 
 int refuseName(const QString &name)
@@ -53,6 +67,12 @@ int refuseName(const QString &name)
     return UsageError;
 }
 
+int runSubcommand(const QString &name, const QStringList &arguments)
+{
+    const Subcommand *subcommand = findSubcommand(name);
+    return subcommand == nullptr ? refuseName(name) : finish(subcommand->prepare(arguments));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -61,12 +81,11 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("driverhost"));
     const QStringList arguments = QCoreApplication::arguments().mid(1);
     const QString name = arguments.value(0);
-    for (const Subcommand &subcommand : Subcommands) {
-        if (name == QLatin1String(subcommand.name))
-            return finish(subcommand.prepare(arguments.mid(1)));
-    }
-    if (name != QLatin1String("--help") && name != QLatin1String("-h") && name != QLatin1String("help"))
-        return refuseName(name);
-    std::fputs(helpText().toLocal8Bit().constData(), stdout);
-    return Success;
+    if (name == QLatin1String("--version"))
+        return printText(QStringLiteral("driverhost " DRIVERHOST_VERSION));
+    if (name == QLatin1String("help") && arguments.size() > 1)
+        return runSubcommand(arguments.at(1), {QStringLiteral("--help")});
+    if (name == QLatin1String("--help") || name == QLatin1String("-h") || name == QLatin1String("help"))
+        return printText(helpText());
+    return runSubcommand(name, arguments.mid(1));
 }

@@ -1,5 +1,7 @@
 #include "desk/items/address.h"
 
+#include "desk/items/number_text.h"
+
 #include <QRegularExpression>
 
 #include <limits>
@@ -126,4 +128,25 @@ Result<Address> parseAddress(const QString &text)
     if (problem.isEmpty())
         return address;
     return Error{QStringLiteral("address \"%1\": %2").arg(text, problem)};
+}
+
+Result<AddressSpan> parseAddressSpan(const QString &text)
+{
+    const QString dots = QStringLiteral("..");
+    const int position = text.indexOf(dots);
+    const Result<Address> first = parseAddress(position < 0 ? text : text.left(position));
+    if (!first)
+        return Error{position < 0 ? first.errorText()
+                                  : QStringLiteral("\"%1\": %2").arg(text, first.errorText())};
+    if (position < 0)
+        return AddressSpan{*first, first->number, false};
+    const Result<int> last =
+        parseNumber(QStringLiteral("the last number of \"%1\":").arg(text), text.mid(position + dots.size()),
+                    first->number, modbus::AddressSpace);
+    if (!last)
+        return last.error();
+    if (first->bit >= 0)
+        return Error{
+            QStringLiteral("\"%1\": ranges are of whole registers, or of bits of DI and DO").arg(text)};
+    return AddressSpan{*first, *last, true};
 }

@@ -21,6 +21,16 @@ struct Address {
     QString label() const;
 };
 
+/// An address, or a range of them as scans print it: "HR1..5".
+struct AddressSpan {
+    Address first;
+    int last = 0; ///< number of the last one
+    bool isRange = false;
+};
+
+/// Reads an address or a range of one area. Bits of registers have no ranges.
+Result<AddressSpan> parseAddressSpan(const QString &text);
+
 /// Takes \a text apart; the error says what is wrong and what was expected. The driver itself refuses no
 /// text: what it does not understand it reads as some input register.
 Result<Address> parseAddress(const QString &text);

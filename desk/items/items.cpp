@@ -1,5 +1,7 @@
 #include "desk/items/items.h"
 
+#include "desk/items/number_text.h"
+
 #include <algorithm>
 
 namespace
@@ -19,8 +21,8 @@ QString problemWith(const Items &items)
     if (address.highWordFirst && items.kind != DoubleWordItem)
         return QStringLiteral("SW marks double words; expected the kind dword");
     if (address.wireOffset() + extentOf(items) > modbus::AddressSpace)
-        return QStringLiteral("%1 items of kind %2 end beyond %3%4")
-            .arg(QString::number(items.count), nameOf(items.kind), address.areaName,
+        return QStringLiteral("%1 of kind %2 would end beyond %3%4")
+            .arg(counted(items.count, "item"), nameOf(items.kind), address.areaName,
                  QString::number(modbus::AddressSpace));
     return {};
 }
@@ -79,6 +81,18 @@ CommunicatorCommand Items::command() const
 int stationOf(const Items &items, int linkStation)
 {
     return items.address.station < 0 ? linkStation : items.address.station;
+}
+
+Result<int> countIn(const AddressSpan &span, int bits, const QString &name)
+{
+    const int size = span.last - span.first.number + 1;
+    const int bitsOfOne = span.first.isBitArea() ? 1 : modbus::RegisterBits;
+    if (size * bitsOfOne % bits == 0)
+        return size * bitsOfOne / bits;
+    return Error{QStringLiteral("\"%1..%2\": a %3 takes %4, and these are %5")
+                     .arg(span.first.label(), QString::number(span.last), name,
+                          counted(bits / bitsOfOne, span.first.isBitArea() ? "bit" : "register"),
+                          QString::number(size))};
 }
 
 Result<> checkItems(const Items &items)

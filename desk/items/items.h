@@ -28,5 +28,8 @@ int stationOf(const Items &items, int linkStation);
 /// How many bits, or registers, of the area the items lie on.
 qint64 extentOf(const Items &items);
 
+/// How many items of so many bits a range holds; where they do not fill it the error calls them \a name.
+Result<int> countIn(const AddressSpan &span, int bits, const QString &name);
+
 /// Whether there are such items at such an address, none of them beyond the end of the area.
 Result<> checkItems(const Items &items);

@@ -21,6 +21,11 @@ bool looksLikeEndpoint(const QString &text)
 Result<Target> parseTarget(const QString &text)
 {
     const QUrl url(text, QUrl::StrictMode);
+    const QString scheme = text.section(QLatin1String("://"), 0, 0);
+    if (looksLikeTarget(text) && scheme.toLower() != QLatin1String("rtutcp"))
+        return Error{
+            QStringLiteral("target \"%1\": unknown scheme \"%2\"; expected rtutcp, for RTU framing over TCP")
+                .arg(text, scheme)};
     Target target;
     const int port = url.port(target.port);
     if (!url.isValid() || url.scheme() != QLatin1String("rtutcp") || url.host().isEmpty() ||

@@ -23,7 +23,7 @@ int baseOf(ValueForm form)
     return form == ValueForm::Binary ? 2 : 10;
 }
 
-// A prefix says more than the form; but 0B10 are four hexadecimal digits where such are expected.
+// A prefix says more than the form; but 0B10 may be four hexadecimal digits where such are expected.
 std::optional<qint64> parseInteger(const QString &text, ValueForm form)
 {
     bool isNumber = false;
@@ -31,8 +31,8 @@ std::optional<qint64> parseInteger(const QString &text, ValueForm form)
     qint64 number = 0;
     if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
         number = static_cast<qint64>(digits.toUInt(&isNumber, 16));
-    else if (form != ValueForm::Hex && text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive))
-        number = static_cast<qint64>(digits.toUInt(&isNumber, 2));
+    else if (text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive))
+        number = form == ValueForm::Hex ? 0 : static_cast<qint64>(digits.toUInt(&isNumber, 2));
     else
         number = text.toLongLong(&isNumber, baseOf(form));
     return isNumber ? std::optional<qint64>(number) : std::nullopt;
@@ -109,6 +109,11 @@ Result<QByteArray> parseValue(const QString &text, ItemKind kind, ValueForm form
         value = parseWhole(text, width, form);
     if (value)
         return valueOf(*value, typeOf(kind, form).bytes());
+    if (form == ValueForm::Hex && text.startsWith(QLatin1String("0b"), Qt::CaseInsensitive))
+        return Error{
+            QStringLiteral("value \"%1\": binary, or hexadecimal? write 0x%1 for the hexadecimal number, and "
+                           "a binary one without the form hex")
+                .arg(text)};
     return Error{QStringLiteral("value \"%1\" does not fit a %2; expected %3")
                      .arg(text, form == ValueForm::Float ? QStringLiteral("float") : nameOf(kind),
                           expectedText(width, form))};

@@ -5,12 +5,18 @@
 #include <QLibrary>
 #include <QRandomGenerator>
 
-LoadedDriver::LoadedDriver(const QString &path) : m_loader(path)
+LoadedDriver::LoadedDriver(const QString &path) : m_path(path), m_loader(path)
 {
     // The driver draws its connection's name from the thread's random numbers, which start the same in every
     // process unless the host seeds them.
     seedRandomNumbers(QRandomGenerator::system()->generate());
     m_driver = qobject_cast<DriverInterface *>(m_loader.instance());
+}
+
+QString LoadedDriver::errorString() const
+{
+    const QString text = m_loader.errorString();
+    return text.contains(m_path) ? text : m_path + QStringLiteral(": ") + text;
 }
 
 std::unique_ptr<DriverInterface> LoadedDriver::createAnother() const

@@ -15,7 +15,8 @@ public:
     explicit LoadedDriver(const QString &path);
 
     bool isLoaded() const { return m_driver != nullptr; }
-    QString errorString() const { return m_loader.errorString(); }
+    /// Why it is not, with the file's name.
+    QString errorString() const;
     QString path() const { return m_loader.fileName(); }
     DriverInterface *operator->() const { return m_driver; }
 
@@ -29,6 +30,7 @@ public:
     QString verificationText() const;
 
 private:
+    QString m_path;
     QPluginLoader m_loader;
     DriverInterface *m_driver = nullptr;
 };

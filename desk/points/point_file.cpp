@@ -2,8 +2,7 @@
 
 #include "desk/points/csv_table.h"
 #include "desk/points/point_row.h"
-
-#include <QFile>
+#include "desk/readable_file.h"
 
 #include <algorithm>
 #include <map>
@@ -113,10 +112,10 @@ PointTable parsePoints(const QByteArray &csv)
 
 Result<std::vector<Point>> readPointFile(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return Error{QStringLiteral("%1: %2").arg(path, file.errorString())};
-    const PointTable table = parsePoints(file.readAll());
+    const Result<QByteArray> contents = contentsOf(path);
+    if (!contents)
+        return contents.error();
+    const PointTable table = parsePoints(*contents);
     if (table.problems.isEmpty())
         return table.points;
     QStringList lines = table.problems;

@@ -1,9 +1,8 @@
 #include "desk/project/project_file.h"
 
 #include "desk/project/sqlite_file.h"
+#include "desk/readable_file.h"
 
-#include <QFile>
-#include <QFileInfo>
 #include <QUuid>
 
 namespace
@@ -67,8 +66,10 @@ Result<> writeProjectFile(const QString &path, const Project &project)
 
 Result<Project> readProjectFile(const QString &path)
 {
-    if (!QFileInfo(path).isFile())
-        return Error{QStringLiteral("%1: there is no such file").arg(path)};
+    QFile file(path);
+    const Result<> opened = openForReading(file);
+    if (!opened)
+        return opened.error();
     Project project;
     SqliteFile database(path, ReadOnly);
     database.select(QStringLiteral("SELECT LINKID, HMIPORT FROM LINK"), {}, [&](const QSqlQuery &row) {

@@ -24,6 +24,7 @@ private:
     void readLink(const QStringList &fields);
     void readNode(const QStringList &fields);
     void readTag(const QStringList &fields);
+    void addTags(int link, const AddressSpan &span);
     int linkOf(const QString &text);
     bool hasLink(int id) const;
     void addProblem(const QString &text);
@@ -141,10 +142,22 @@ void ListReader::readTag(const QStringList &fields)
         addProblem(QStringLiteral("expected tag LINK ADDRESS, such as tag 1 HR100"));
         return;
     }
-    const Result<Address> address = parseAddress(fields.at(2));
-    if (!address)
-        addProblem(address.errorText());
-    m_project.tags.append({linkOf(fields.at(1)), fields.at(2)});
+    const int link = linkOf(fields.at(1));
+    const Result<AddressSpan> span = parseAddressSpan(fields.at(2));
+    if (!span)
+        addProblem(span.errorText());
+    else if (span->isRange)
+        addTags(link, *span);
+    else
+        m_project.tags.append({link, fields.at(2)});
+}
+
+// A range stands for a tag of each address.
+void ListReader::addTags(int link, const AddressSpan &span)
+{
+    Address address = span.first;
+    for (; address.number <= span.last; ++address.number)
+        m_project.tags.append({link, address.label()});
 }
 
 int ListReader::linkOf(const QString &text)

@@ -1,5 +1,6 @@
 #include "desk/project/project_why.h"
 
+#include "desk/items/number_text.h"
 #include "desk/project/sqlite_file.h"
 #include "drivers/tools/project_lookup.h"
 
@@ -167,7 +168,10 @@ bool Explanation::canOpen()
         step(QStringLiteral("it is no SQLite database"));
         return false;
     }
-    step(QStringLiteral("the file is there and is an SQLite database of %1 bytes").arg(file.size()));
+    step(header.isEmpty()
+             ? QStringLiteral("the file is there and empty, which SQLite takes for a database without "
+                              "tables")
+             : QStringLiteral("the file is there and is an SQLite database of %1 bytes").arg(file.size()));
     return true;
 }
 
@@ -213,8 +217,8 @@ int Explanation::showTable(const TableUse &table)
             QStringLiteral("table %1 cannot be read: %2").arg(QLatin1String(table.name), database.problem()));
         return -1;
     }
-    step(QStringLiteral("table %1: %2 rows, %3 of them %4")
-             .arg(QLatin1String(table.name), QString::number(rows), QString::number(matching),
+    step(QStringLiteral("table %1: %2, %3 of them %4")
+             .arg(QLatin1String(table.name), counted(rows, "row"), QString::number(matching),
                   table.condition));
     if (matching == 0)
         showRows(table);

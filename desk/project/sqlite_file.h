@@ -24,7 +24,7 @@ public:
     /// The same, with each row that comes of it.
     void select(const QString &statement, const QVariantList &values,
                 const std::function<void(const QSqlQuery &)> &takeRow);
-    /// What SQLite said of the first failure; empty when there was none.
+    /// Why the first thing that failed did, for people; empty when nothing did.
     const QString &problem() const { return m_problem; }
 
     /// The connection's name among those of the process.

@@ -1,6 +1,7 @@
 #include "desk/slave/slave_memory.h"
 
-#include <QFile>
+#include "desk/readable_file.h"
+
 #include <QRegularExpression>
 #include <QTextStream>
 
@@ -42,10 +43,10 @@ bool SlaveMemory::isHole(int station, Area area, int first, int last) const
 
 Result<> SlaveMemory::loadFile(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return Error{QStringLiteral("%1: %2").arg(path, file.errorString())};
-    QTextStream stream(&file);
+    const Result<QByteArray> contents = contentsOf(path);
+    if (!contents)
+        return contents.error();
+    QTextStream stream(*contents);
     for (int number = 1; !stream.atEnd(); ++number) {
         const QString line = stream.readLine().section(QLatin1Char('#'), 0, 0).trimmed();
         const Result<> loaded = line.isEmpty() ? Result<>() : loadLine(line);
@@ -68,12 +69,16 @@ Result<> SlaveMemory::loadLine(const QString &line)
 
     const QString address = line.section(QLatin1Char('='), 0, 0).trimmed();
     const Result<AreaRange> range = parseAreaRange(address);
-    if (!range || range->first != range->last)
+    if (!range)
         return Error{QStringLiteral("\"%1\" is no address").arg(address)};
     const QStringList words = line.section(QLatin1Char('='), 1)
                                   .split(QRegularExpression(QStringLiteral("[\\s,]+")), Qt::SkipEmptyParts);
     if (words.isEmpty())
         return Error{QStringLiteral("no value")};
+    const int size = range->last - range->first + 1;
+    if (size > 1 && size != words.size())
+        return Error{QStringLiteral("\"%1\" are %2 addresses; expected as many values, and not %3")
+                         .arg(address, QString::number(size), QString::number(words.size()))};
     if (range->first + words.size() > modbus::AddressSpace)
         return Error{QStringLiteral("values beyond address 65536")};
     int offset = range->first;

@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
 #include <sys/prctl.h>
@@ -41,15 +43,19 @@ QList<QByteArray> ownArguments()
     _exit(CannotRun);
 }
 
+ChildEnd endOf(int status)
+{
+    if (WIFSIGNALED(status))
+        return {WTERMSIG(status), 0};
+    return {0, WEXITSTATUS(status)};
+}
+
 bool hasEnded(pid_t child, ChildEnd &end)
 {
     int status = 0;
     if (waitpid(child, &status, WNOHANG) != child)
         return false;
-    if (WIFSIGNALED(status))
-        end.signal = WTERMSIG(status);
-    else
-        end.code = WEXITSTATUS(status);
+    end = endOf(status);
     return true;
 }
 
@@ -101,6 +107,27 @@ Result<ChildEnd> SignalForwarding::run(const QString &program, const Environment
             kill(child, signal);
     }
     return end;
+}
+
+Result<ChildEnd> runInChild(const std::function<int()> &task)
+{
+    std::fflush(stdout);
+    const pid_t child = fork();
+    if (child == 0) {
+        const int code = task();
+        std::fflush(stdout);
+        _exit(code);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child)
+        return Error{QStringLiteral("cannot start a child: %1").arg(qt_error_string())};
+    return endOf(status);
+}
+
+bool isCrash(int signal)
+{
+    const std::initializer_list<int> crashes{SIGSEGV, SIGBUS, SIGILL, SIGFPE, SIGABRT, SIGTRAP, SIGSYS};
+    return std::find(crashes.begin(), crashes.end(), signal) != crashes.end();
 }
 
 int dieOf(int signal)

@@ -5,6 +5,7 @@
 #include <QByteArray>
 
 #include <csignal>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,13 @@ private:
     sigset_t m_waited;
     sigset_t m_before;
 };
+
+/// Runs \a task in a child and waits for its end, so that nothing that happens there ends this process.
+Result<ChildEnd> runInChild(const std::function<int()> &task);
+
+/// Whether a process that ended by \a signal was at fault itself: it used memory that it does not have, or
+/// the like.
+bool isCrash(int signal);
 
 /// Ends this process by \a signal, as a shell expects of a program that was interrupted.
 int dieOf(int signal);

@@ -1,10 +1,8 @@
 #include "desk/startup/link_project.h"
 
 #include "desk/project/project_file.h"
+#include "desk/readable_file.h"
 #include "drivers/tools/project_lookup.h"
-
-#include <QFile>
-#include <QFileInfo>
 
 namespace
 {
@@ -27,9 +25,11 @@ Result<> makeLinkProject(const LinkSettings &settings, const QStringList &tags, 
     if (settings.project.isEmpty())
         return writeProjectFile(path, projectOf(settings.channel, tags));
     QFile file(settings.project);
-    if (QFileInfo(settings.project).isFile() && file.copy(path))
+    const Result<> opened = openForReading(file);
+    if (!opened)
+        return opened.error();
+    if (file.copy(path))
         return {};
-    return Error{QStringLiteral("cannot read the project database %1: %2")
-                     .arg(settings.project,
-                          file.exists() ? file.errorString() : QStringLiteral("there is no such file"))};
+    return Error{
+        QStringLiteral("cannot copy the project database %1: %2").arg(settings.project, file.errorString())};
 }

@@ -5,6 +5,8 @@
 #include <QFileInfo>
 #include <QStringList>
 
+#include <cstring>
+
 namespace
 {
 
@@ -22,6 +24,8 @@ QStringList defaultPlaces()
 
 Result<QString> findPlugin(const QString &given)
 {
+    if (QFileInfo(given).isDir())
+        return Error{QStringLiteral("%1 is a directory; expected a plug-in file").arg(given)};
     const QStringList places = given.isEmpty() ? defaultPlaces() : QStringList{given};
     for (const QString &place : places) {
         const QFileInfo file(place);
@@ -29,4 +33,12 @@ Result<QString> findPlugin(const QString &given)
             return file.canonicalFilePath();
     }
     return Error{QStringLiteral("no plug-in; looked for %1").arg(places.join(QStringLiteral(", ")))};
+}
+
+QString crashText(const QString &path, int signal)
+{
+    return QStringLiteral(
+               "%1: the loader or the plug-in crashed (%2); is the file damaged, or built for another "
+               "machine?")
+        .arg(path, QString::fromLocal8Bit(strsignal(signal)));
 }

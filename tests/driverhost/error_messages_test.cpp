@@ -68,7 +68,7 @@ TEST_F(ErrorMessagesTest, GatewaysThatAnswerForNobodyAreNoStations)
     const HostRun scan = host("scan TARGET stations --to 1 --delay 0 --passes 1");
     EXPECT_EQ(scan.out, QString());
     EXPECT_TRUE(scan.err.contains(QLatin1String("0 stations answered"))) << scan.err.toStdString();
-    EXPECT_TRUE(scan.err.contains(QLatin1String("for 1 more the gateway"))) << scan.err.toStdString();
+    EXPECT_TRUE(scan.err.contains(QLatin1String("for 1 station the gateway"))) << scan.err.toStdString();
 }
 
 TEST_F(ErrorMessagesTest, LineBreaksInAnAddressStayInTheirCell)

@@ -50,7 +50,8 @@ TEST_F(ReadWriteTest, FindsTheSlaveByNameAndByBothKindsOfAddresses)
     const QString port = QString::number(slave.port());
     EXPECT_EQ(host(QStringLiteral("read HR1 --host localhost --port ") + port).code, 0);
     EXPECT_EQ(host(QStringLiteral("read rtutcp://localhost:%1/1 HR1").arg(port)).code, 0);
-    EXPECT_EQ(host(QStringLiteral("read TARGET HR1 --station 9 --retries 0 --timeout 60")).code, 4);
+    EXPECT_EQ(host(QStringLiteral("read --port %1 HR1 --station 9 --retries 0 --timeout 60").arg(port)).code,
+              4);
 
     SlaveOptions options;
     options.address = QHostAddress::LocalHostIPv6;

@@ -235,7 +235,7 @@ TEST_F(TagsScanProjectTest, WhyFollowsTheFoldersOfAProgram)
     const QString text = report.steps.join(QLatin1Char('\n'));
     EXPECT_TRUE(text.contains(QLatin1String("HMI port 2000")));
     EXPECT_TRUE(text.contains(program.absoluteFilePath(QStringLiteral("compile/database/database"))));
-    EXPECT_TRUE(text.contains(QLatin1String("table LINK: 1 rows, 1 of them with HMIPORT = 2000")))
+    EXPECT_TRUE(text.contains(QLatin1String("table LINK: 1 row, 1 of them with HMIPORT = 2000")))
         << text.toStdString();
 }
 

@@ -89,6 +89,21 @@ void addBuild(Table &table, const LoadedDriver &driver)
         {QStringLiteral("file size"), QStringLiteral("%1 bytes").arg(QFileInfo(driver.path()).size())});
 }
 
+int showPlugin(const QString &path)
+{
+    const LoadedDriver driver(path);
+    if (!driver.isLoaded()) {
+        reportError(driver.errorString());
+        return OtherFailure;
+    }
+    Table table({});
+    addIdentity(table, driver);
+    addLimits(table, driver);
+    addDefaults(table, driver);
+    addBuild(table, driver);
+    return print(table.lines().mid(1)) ? Success : OutputClosed;
+}
+
 } // namespace
 
 Job prepareInfo(const QStringList &arguments)
@@ -107,15 +122,9 @@ Job prepareInfo(const QStringList &arguments)
         reportError(path.errorText());
         return OtherFailure;
     }
-    const LoadedDriver driver(*path);
-    if (!driver.isLoaded()) {
-        reportError(driver.errorString());
-        return OtherFailure;
-    }
-    Table table({});
-    addIdentity(table, driver);
-    addLimits(table, driver);
-    addDefaults(table, driver);
-    addBuild(table, driver);
-    return print(table.lines().mid(1)) ? Success : OutputClosed;
+    const Result<ChildEnd> end = runInChild([&] { return showPlugin(*path); });
+    if (end)
+        return codeOf(*end, *path);
+    reportError(end.errorText());
+    return OtherFailure;
 }

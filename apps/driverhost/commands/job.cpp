@@ -36,7 +36,7 @@ int startAgain(const Job &job)
     }
     const RunBesideDatabase run = runBesideDatabase(*plugin, job.link, job.tags, reportError);
     switch (run.outcome) {
-    case RunBesideDatabase::Ran: return run.end.signal == 0 ? run.end.code : dieOf(run.end.signal);
+    case RunBesideDatabase::Ran: return codeOf(run.end, *plugin);
     case RunBesideDatabase::NoDatabase: reportError(run.error); return DatabaseError;
     case RunBesideDatabase::NoDirectory:
     case RunBesideDatabase::NotStarted: break;
@@ -46,6 +46,16 @@ int startAgain(const Job &job)
 }
 
 } // namespace
+
+int codeOf(const ChildEnd &end, const QString &plugin)
+{
+    if (end.signal == 0)
+        return end.code;
+    if (!isCrash(end.signal))
+        return dieOf(end.signal);
+    reportError(crashText(plugin, end.signal));
+    return OtherFailure;
+}
 
 int finish(const Job &job)
 {

@@ -2,6 +2,7 @@
 
 #include "apps/driverhost/console/exit_code.h"
 #include "desk/link/session.h"
+#include "desk/startup/child_process.h"
 
 #include <functional>
 
@@ -23,6 +24,9 @@ struct Job {
     QStringList tags; ///< that a project made of the link needs
     std::function<int(Session &)> task;
 };
+
+/// The exit code after a child that had the plug-in loaded; one that crashed is reported.
+int codeOf(const ChildEnd &end, const QString &plugin);
 
 /// Does what remains of a job. The program's exit code.
 int finish(const Job &job);

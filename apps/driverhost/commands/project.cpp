@@ -7,6 +7,7 @@
 #include "desk/project/project_file.h"
 #include "desk/project/project_list.h"
 #include "desk/project/project_why.h"
+#include "desk/readable_file.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -62,12 +63,12 @@ QString contentsText(const Project &project)
 
 int makeProject(const QString &listPath, const QString &path, bool isForced)
 {
-    QFile file(listPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        reportError(QStringLiteral("%1: %2").arg(listPath, file.errorString()));
+    const Result<QByteArray> list = contentsOf(listPath);
+    if (!list) {
+        reportError(list.errorText());
         return UsageError;
     }
-    const Result<Project> project = parseProjectList(QString::fromUtf8(file.readAll()));
+    const Result<Project> project = parseProjectList(QString::fromUtf8(*list));
     if (!project) {
         reportError(QStringLiteral("%1: %2; nothing is written").arg(listPath, project.errorText()));
         return UsageError;

@@ -1,15 +1,9 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/console/interruptible_run.h"
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/link_options.h"
-#include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/runs/scan_ranges.h"
 #include "apps/driverhost/runs/scan_stations.h"
-#include "apps/driverhost/terminal/progress.h"
-#include "desk/items/number_text.h"
-#include "desk/output/scan_form.h"
-#include "desk/output/summary.h"
-#include "desk/plan/range_scan.h"
 
 namespace
 {
@@ -32,78 +26,91 @@ const int GentleTimeout = 600;
 const int MaxAfterSilence = 60000;
 const unsigned int GentleDelay = 20;
 
-struct Limits {
+// What a command line of `scan` asks for.
+struct ScanRequest {
+    bool isOfStations = false;
+    Items probe;
     int first = 1;
     int last = 1;
 };
 
-// What a slave's answer says about a range. Exception 3 may mean "too many at once"; with the others named
-// here the addresses make no difference.
-RangeAnswer answerOf(Session &session, const Items &items)
+void setProbe(ScanRequest &request, const AddressSpan &span)
 {
-    if (session.read(items))
-        return RangeAnswer::There;
-    const Failure failure = session.failure();
-    if (failure.kind != FailureKind::Exception || failure.isStationAbsent() ||
-        failure.exception == modbus::IllegalFunction || failure.exception == modbus::ServerDeviceBusy)
-        return RangeAnswer::None;
-    return failure.exception == modbus::IllegalDataValue ? RangeAnswer::TooMany : RangeAnswer::Missing;
+    request.probe.address = span.first;
+    request.probe.kind = defaultKind(span.first);
 }
 
-int printRanges(Session &session, const RangeScan &scan, OutputFormat format, bool isInterrupted)
+void readStations(CommandLine &line, ScanRequest &request)
 {
-    QStringList lines;
-    if (format == OutputFormat::Text) {
-        lines = scan.found();
-    } else {
-        std::vector<RangeRow> rows;
-        for (const RangeScan::Range &range : scan.ranges())
-            rows.push_back(
-                {session.stationFor(scan.lastItems()), scan.textOf(range), range.first, range.last});
-        lines = linesOf(rows, format);
+    request.first = line.number("from", 1, modbus::MaxStation);
+    request.last =
+        line.isSet("to") ? line.number("to", request.first, modbus::MaxStation) : modbus::MaxStation;
+    const Result<TypedItems> probe = itemsAt(line.text("probe"), ItemOptions(), ItemCounts());
+    if (probe)
+        request.probe = probe->items;
+    else
+        line.addError(probe.errorText());
+}
+
+void readArea(CommandLine &line, const QString &what, ScanRequest &request)
+{
+    request.first = line.number("from", 1, modbus::AddressSpace);
+    request.last = line.isSet("to") ? line.number("to", request.first, modbus::AddressSpace)
+                                    : qMax(DefaultLastNumber, request.first);
+    const Result<AddressSpan> area = parseAddressSpan(what + QStringLiteral("1"));
+    if (!area || area->isRange || area->first.number != 1)
+        line.addError(
+            QStringLiteral(
+                "\"%1\": expected stations, an area such as HR, IR, DI or DO, or a range such as HR1..200")
+                .arg(what));
+    else
+        setProbe(request, *area);
+}
+
+void readRange(CommandLine &line, const QString &what, ScanRequest &request)
+{
+    const Result<AddressSpan> span = parseAddressSpan(what);
+    if (line.isSet("from") || line.isSet("to"))
+        line.addError(QStringLiteral("\"%1\" says itself where it begins and ends").arg(what));
+    if (!span) {
+        line.addError(span.errorText());
+        return;
     }
-    if (format == OutputFormat::Json)
-        lines +=
-            summaryLine(session.counts(), {{QStringLiteral("found"), static_cast<int>(scan.ranges().size())},
-                                           {QStringLiteral("scanned_to"), scan.scannedTo()},
-                                           {QStringLiteral("interrupted"), isInterrupted}});
-    return lines.isEmpty() || print(lines) ? Success : OutputClosed;
+    setProbe(request, *span);
+    request.probe.address.number = 1;
+    request.first = span->first.number;
+    request.last = span->last;
 }
 
-int scanRanges(Session &session, const Limits &limits, const Items &probe, OutputFormat format)
+ScanRequest scanRequest(CommandLine &line, const QStringList &words)
 {
-    RangeScan scan(probe, [&](const Items &items) { return answerOf(session, items); });
-    Progress progress(probe.address.areaName, limits.last - limits.first + 1);
-    InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
-    const bool isComplete = scan.run(limits.first, limits.last, [&](int number) {
-        progress.show(number - limits.first);
-        return !run.isInterrupted();
-    });
-    int code = scan.ranges().empty() ? ExceptionReply : Success;
-    if (run.isInterrupted()) {
-        reportError(QStringLiteral("interrupted"));
-    } else if (!isComplete) {
-        reportFailure(session, scan.lastItems().label(0));
-        code = exitCodeOf(session.failure());
-    }
-    report(QStringLiteral("%1 found up to %2%3")
-               .arg(counted(static_cast<qint64>(scan.ranges().size()), "range"), probe.address.areaName,
-                    QString::number(scan.scannedTo())));
-    report(countsText(session.counts().total()));
-    const int printed = printRanges(session, scan, format, run.isInterrupted());
-    return printed == Success ? run.endOf(code) : printed;
+    ScanRequest request;
+    const QString what = words.value(0);
+    if (words.size() != 1)
+        line.addError(QStringLiteral("expected one thing to scan: stations, HR, IR, DI or DO"));
+    request.isOfStations = what == QLatin1String("stations");
+    if (request.isOfStations)
+        readStations(line, request);
+    else if (what.contains(QLatin1String("..")))
+        readRange(line, what, request);
+    else
+        readArea(line, what, request);
+    line.expectWith(request.isOfStations, "stations", {"probe", "after-silence", "passes"});
+    if (request.isOfStations && line.isSet("station"))
+        line.addError(QStringLiteral("--station: stations are all asked; --from and --to limit them"));
+    return request;
 }
 
-Items probeOf(CommandLine &line, const QString &what)
+LinkSettings gentleSettings(CommandLine &line, QStringList &words)
 {
-    const bool isStations = what == QLatin1String("stations");
-    const QString text = isStations ? line.text("probe") : what + QStringLiteral("1");
-    const Result<TypedItems> probe = itemsAt(text, ItemOptions(), ItemCounts());
-    if (probe && (isStations || probe->address.number == 1))
-        return probe->items;
-    line.addError(isStations ? probe.errorText()
-                             : QStringLiteral("\"%1\": expected stations, HR, IR, DI or DO").arg(what));
-    return {};
+    LinkSettings link = linkSettings(line, words);
+    if (!line.isGiven("timeout"))
+        link.channel.timeout = GentleTimeout;
+    if (!line.isGiven("retries"))
+        link.channel.retries = 0;
+    if (!line.isGiven("delay"))
+        link.channel.delay = GentleDelay;
+    return link;
 }
 
 } // namespace
@@ -135,36 +142,20 @@ Job prepareScan(const QStringList &arguments)
         return *end;
 
     QStringList words = line.words();
-    LinkSettings link = linkSettings(line, words);
-    if (!line.isGiven("timeout"))
-        link.channel.timeout = GentleTimeout;
-    if (!line.isGiven("retries"))
-        link.channel.retries = 0;
-    if (!line.isGiven("delay"))
-        link.channel.delay = GentleDelay;
-    if (words.size() != 1)
-        line.addError(QStringLiteral("expected one thing to scan: stations, HR, IR, DI or DO"));
-    const QString what = words.value(0);
-    const bool isStations = what == QLatin1String("stations");
+    LinkSettings link = gentleSettings(line, words);
+    const ScanRequest request = scanRequest(line, words);
     // Whether a late reply is the answer to this request or to an earlier one: the station is there.
-    if (isStations && !line.isGiven("settle"))
+    if (request.isOfStations && !line.isGiven("settle"))
         link.channel.settle.mode = SettleMode::Off;
-    const Items probe = probeOf(line, what);
-    const int max = isStations ? modbus::MaxStation : modbus::AddressSpace;
-    Limits limits;
-    limits.first = line.number("from", 1, max);
-    limits.last = isStations ? modbus::MaxStation : qMax(DefaultLastNumber, limits.first);
-    if (line.isSet("to"))
-        limits.last = line.number("to", limits.first, max);
     const OutputFormat format = formatOf(line);
-    StationScanOptions options{limits.first, limits.last, probe, 0, 0, format};
-    options.afterSilence = line.number("after-silence", 0, MaxAfterSilence);
-    options.passes = line.number("passes", 1, 2);
+    const int afterSilence = line.number("after-silence", 0, MaxAfterSilence);
+    const int passes = line.number("passes", 1, 2);
     if (!line.isValid())
         return line.reportUsageError();
-
     return {link, {}, [=](Session &session) {
-                return isStations ? scanStations(session, options)
-                                  : scanRanges(session, limits, probe, format);
+                if (request.isOfStations)
+                    return scanStations(
+                        session, {request.first, request.last, request.probe, afterSilence, passes, format});
+                return scanRanges(session, {request.first, request.last, request.probe, format});
             }};
 }

@@ -67,6 +67,13 @@ void readLimits(CommandLine &line, SlaveOptions &options)
     options.limits.bits = line.number("max-bits", 1, protocol.bits);
     const QList<int> functions = numberList(line, "functions", modbus::MaxFunction);
     options.functions = QSet<int>(functions.begin(), functions.end());
+    for (const int function : functions) {
+        if (!modbus::isRead(function) && !modbus::isWriteSingle(function) &&
+            !modbus::isWriteMultiple(function))
+            line.addError(
+                QStringLiteral("--functions: this slave has no function %1; it has 1 to 6, 15 and 16")
+                    .arg(function));
+    }
     options.latencyMs = line.number("latency", 0, MaxLatency);
 }
 
@@ -78,6 +85,7 @@ void readFaults(CommandLine &line, SlaveOptions &options)
         if (!added)
             line.addError(QStringLiteral("--fault: ") + added.errorText());
     }
+    line.expectWith(line.isSet("fault"), "--fault", {"seed"});
     options.banner = line.text("banner").toUtf8();
 }
 

@@ -27,14 +27,23 @@ const CommandLine::Texts Texts = {
     "  driverhost tags rtutcp://192.168.0.10:502/1 --project project.db --watch --interval 2",
 };
 
-void takeFromNode(LinkSettings &settings, const Project::Node &node, const CommandLine &line)
+// Where a slave is says the project, unless the command line does.
+Result<> takeFromNode(LinkSettings &settings, const Project::Node &node, const CommandLine &line)
 {
     if (!line.isGiven("station"))
         settings.channel.station = node.station & 0xFF;
-    if (!line.isGiven("host") && !node.host.isEmpty())
-        settings.channel.host = node.host;
-    if (!line.isGiven("port") && node.port != 0)
+    if (line.isGiven("host"))
+        return {};
+    if (node.host.isEmpty() || (node.port == 0 && !line.isGiven("port")))
+        return Error{
+            QStringLiteral(
+                "%1: the default node of link %2 has no endpoint; expected a target besides, such as "
+                "rtutcp://192.168.0.10:502")
+                .arg(settings.project, QString::number(node.link))};
+    settings.channel.host = node.host;
+    if (!line.isGiven("port"))
         settings.channel.port = node.port;
+    return {};
 }
 
 // A range that the slave refuses is read again value by value.
@@ -72,11 +81,15 @@ int readTags(Session &session, const std::vector<Reading> &readings, OutputForma
 // The same readings; those that the slave refuses as a whole value by value.
 std::vector<Reading> readable(Session &session, const std::vector<Reading> &readings)
 {
+    Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
+    const InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
     std::vector<Reading> result;
     bool isConnected = true;
     for (const Reading &reading : readings) {
+        progress.show(static_cast<qint64>(result.size()));
         const bool isRead = isConnected && session.read(reading.items);
-        isConnected = isRead || session.failure().kind != FailureKind::CannotConnect;
+        isConnected =
+            !run.isInterrupted() && (isRead || session.failure().kind != FailureKind::CannotConnect);
         if (isConnected && !isRead && session.failure().kind == FailureKind::Exception) {
             const std::vector<Reading> singles = oneByOne(reading);
             result.insert(result.end(), singles.begin(), singles.end());
@@ -84,7 +97,16 @@ std::vector<Reading> readable(Session &session, const std::vector<Reading> &read
             result.push_back(reading);
         }
     }
-    return result;
+    return run.isInterrupted() ? std::vector<Reading>() : result;
+}
+
+int watchTags(Session &session, const std::vector<Reading> &readings, const WatchRun &run)
+{
+    const std::vector<Reading> usable = readable(session, readings);
+    if (!usable.empty() || readings.empty())
+        return watchReadings(session, usable, run);
+    reportError(QStringLiteral("interrupted"));
+    return Interrupted;
 }
 
 } // namespace
@@ -104,6 +126,7 @@ Job prepareTags(const QStringList &arguments)
     LinkSettings link = linkSettings(line, words);
     const ItemOptions options = itemOptionsOf(line);
     const WatchRun run = watchRunOf(line);
+    line.expectWith(line.isSet("watch"), "--watch", {"interval", "count", "duration"});
     if (!words.isEmpty())
         line.addError(QStringLiteral("tags takes no addresses; they are in the project"));
     if (link.project.isEmpty())
@@ -125,7 +148,11 @@ Job prepareTags(const QStringList &arguments)
                         .arg(link.project, link.channel.device));
         return DatabaseError;
     }
-    takeFromNode(link, *node, line);
+    const Result<> endpoint = takeFromNode(link, *node, line);
+    if (!endpoint) {
+        reportError(endpoint.errorText());
+        return UsageError;
+    }
     const TagPlan plan = planTags(tagsOfLink(*project, node->link), kind, options.form);
     const bool isWatched = line.isSet("watch");
     return {link, {}, [=](Session &session) {
@@ -133,6 +160,6 @@ Job prepareTags(const QStringList &arguments)
                     report(QStringLiteral("skipped: ") + skipped);
                 if (!isWatched)
                     return readTags(session, plan.readings, run.format);
-                return watchReadings(session, readable(session, plan.readings), watchRunOn(link, run));
+                return watchTags(session, plan.readings, watchRunOn(link, run));
             }};
 }

@@ -4,6 +4,8 @@
 #include "apps/driverhost/runs/write_run.h"
 #include "desk/project/needed_tags.h"
 
+#include <climits>
+
 namespace
 {
 
@@ -28,6 +30,9 @@ void checkBroadcast(const Items &items, CommandLine &line)
     const QString problem = problemWithBroadcast(items);
     if (line.isSet("verify"))
         line.addError(QStringLiteral("--verify reads, and nobody replies to station 0"));
+    else if (line.isSet("retries") && line.number("retries", 0, INT_MAX) > 0)
+        line.addError(
+            QStringLiteral("--retries: a broadcast is sent once, since nobody replies to station 0"));
     else if (!problem.isEmpty())
         line.addError(problem);
 }
@@ -59,6 +64,8 @@ Job prepareWrite(const QStringList &arguments)
     const std::vector<WriteRequest> requests = writeRequests(words, line.isSet("rounded"), line);
     const bool isVerified = line.isSet("verify");
     const bool isDryRun = line.isSet("dry-run");
+    if (isDryRun && isVerified)
+        line.addError(QStringLiteral("--dry-run sends nothing that --verify could read back"));
     const OutputFormat format = formatOf(line);
     QStringList tags;
     for (const WriteRequest &request : requests) {

@@ -6,8 +6,6 @@
 
 #include <QRegularExpression>
 
-#include <cstdio>
-
 namespace
 {
 
@@ -22,12 +20,12 @@ QString withMinusOfNumber(const QString &word)
     return negative.match(word).hasMatch() ? Minus + word.mid(1) : word;
 }
 
-} // namespace
-
 QString withPlainMinus(const QString &word)
 {
     return word.startsWith(Minus) ? QLatin1Char('-') + word.mid(1) : word;
 }
+
+} // namespace
 
 CommandLine::CommandLine(const Texts &texts) : m_texts(texts)
 {
@@ -63,7 +61,15 @@ QString CommandLine::text(const char *option) const
     const auto value = m_defaults.find(name);
     if (!isSet(option) && value != m_defaults.end())
         return value->second;
-    return m_options.contains(name) ? m_parser.value(name) : QString();
+    return m_options.contains(name) ? withPlainMinus(m_parser.value(name)) : QString();
+}
+
+QStringList CommandLine::texts(const char *option) const
+{
+    QStringList texts;
+    for (const QString &text : m_parser.values(QLatin1String(option)))
+        texts += withPlainMinus(text);
+    return texts;
 }
 
 QString CommandLine::nameInErrors(const char *option) const
@@ -80,8 +86,7 @@ std::optional<int> CommandLine::parse(const QStringList &arguments)
         words += withMinusOfNumber(argument);
     const bool isGood = m_parser.parse(words);
     if (m_parser.isSet(QStringLiteral("help"))) {
-        std::fputs(helpText().toLocal8Bit().constData(), stdout);
-        return Success;
+        return print({helpText()}) ? Success : OutputClosed;
     }
     if (isGood)
         return std::nullopt;
@@ -91,7 +96,7 @@ std::optional<int> CommandLine::parse(const QStringList &arguments)
 
 int CommandLine::number(const char *option, int min, int max)
 {
-    const Result<int> number = parseNumber(nameInErrors(option), withPlainMinus(text(option)), min, max);
+    const Result<int> number = parseNumber(nameInErrors(option), text(option), min, max);
     if (!number)
         addError(number.errorText());
     return number.valueOr(min);
@@ -100,11 +105,11 @@ int CommandLine::number(const char *option, int min, int max)
 int CommandLine::milliseconds(const char *option, int min, int max)
 {
     bool isNumber = false;
-    const double seconds = withPlainMinus(text(option)).toDouble(&isNumber);
+    const double seconds = text(option).toDouble(&isNumber);
     if (isNumber && seconds * 1000.0 >= min && seconds * 1000.0 <= max)
         return static_cast<int>(seconds * 1000.0);
     addError(QStringLiteral("--%1 \"%2\": expected seconds from %3 to %4")
-                 .arg(QLatin1String(option), withPlainMinus(text(option)), QString::number(min / 1000.0),
+                 .arg(QLatin1String(option), text(option), QString::number(min / 1000.0),
                       QString::number(max / 1000.0, 'g', SignificantDigits)));
     return min;
 }
@@ -132,6 +137,14 @@ void CommandLine::addError(const QString &text)
         m_error = text;
 }
 
+void CommandLine::expectWith(bool hasIt, const char *what, const QList<const char *> &options)
+{
+    for (const char *option : options) {
+        if (!hasIt && isSet(option))
+            addError(QStringLiteral("--%1 goes with %2").arg(QLatin1String(option), QLatin1String(what)));
+    }
+}
+
 int CommandLine::reportUsageError() const
 {
     reportError(m_error);
@@ -144,7 +157,7 @@ QString CommandLine::helpText() const
     // The parser would start with the program's path and knows no subcommands.
     const QString parsers = m_parser.helpText();
     const QString options = parsers.mid(parsers.indexOf(QLatin1String("Options:")));
-    return QStringLiteral("Usage: driverhost %1 [options] %2\n\n%3\n\n%4\nExample:\n%5\n")
+    return QStringLiteral("Usage: driverhost %1 [options] %2\n\n%3\n\n%4\nExample:\n%5")
         .arg(QLatin1String(m_texts.name), QLatin1String(m_texts.arguments), QLatin1String(m_texts.summary),
              options, QLatin1String(m_texts.example));
 }

@@ -35,7 +35,7 @@ public:
     bool isGiven(const char *option) const;
     /// Empty also for an option that the subcommand does not have.
     QString text(const char *option) const;
-    QStringList texts(const char *option) const { return m_parser.values(QLatin1String(option)); }
+    QStringList texts(const char *option) const;
     /// The option's number; one outside the limits is an error and gives \a min.
     int number(const char *option, int min, int max);
     /// An option in seconds, "0.5", as milliseconds.
@@ -46,6 +46,8 @@ public:
     /// What is left when options are taken away.
     QStringList words() const;
 
+    /// Notes that \a options make no sense without \a what, where \a hasIt is false and one of them is set.
+    void expectWith(bool hasIt, const char *what, const QList<const char *> &options);
     /// Notes the first thing that is wrong; later ones are dropped.
     void addError(const QString &text);
     bool isValid() const { return m_error.isEmpty(); }
@@ -63,7 +65,3 @@ private:
     QString m_defaultsOrigin;
     QString m_error;
 };
-
-/// A word with the minus sign that CommandLine::words() puts in front of negative numbers, which would be
-/// taken for options, made an ordinary one.
-QString withPlainMinus(const QString &word);

@@ -1,5 +1,7 @@
 #include "apps/driverhost/console/item_options.h"
 
+#include "desk/items/number_text.h"
+
 namespace
 {
 
@@ -16,7 +18,7 @@ ItemKind kindAt(const Address &address, const ItemOptions &options)
 {
     if (options.kind)
         return *options.kind;
-    const bool isDouble = options.form == ValueForm::Float || address.highWordFirst || options.highWordFirst;
+    const bool isDouble = options.form == ValueForm::Float || address.highWordFirst;
     return isDouble && !address.isBitArea() && address.bit < 0 ? DoubleWordItem : defaultKind(address);
 }
 
@@ -25,7 +27,7 @@ QString problemWith(const Items &items, const ItemOptions &options)
     if (options.form == ValueForm::Float && items.kind != DoubleWordItem)
         return QStringLiteral("a float is two registers; expected the kind dword");
     if (options.highWordFirst && items.kind != DoubleWordItem)
-        return QStringLiteral("--word-order is for double words");
+        return QStringLiteral("--word-order is for double words; expected --kind dword or --as float besides");
     if (options.highWordFirst == false && items.address.highWordFirst)
         return QStringLiteral("SW in the address says the high word first, and --word-order the low one");
     return {};
@@ -64,6 +66,25 @@ Result<TypedItems> orderedItems(const Address &address, const QString &order, co
     return typed;
 }
 
+// In bits; texts take whole registers.
+int sizeOf(const ValueType &type)
+{
+    return type.isText() ? type.registers() * modbus::RegisterBits : type.bits;
+}
+
+// A range says itself how many it has.
+Result<int> countOf(const AddressSpan &span, int bits, const QString &name, std::optional<int> given)
+{
+    if (!span.isRange)
+        return given.value_or(1);
+    const Result<int> count = countIn(span, bits, name);
+    if (!count || !given || *given == *count)
+        return count;
+    return Error{QStringLiteral("\"%1..%2\" holds %3, and not %4")
+                     .arg(span.first.label(), QString::number(span.last), counted(*count, "item"),
+                          QString::number(*given))};
+}
+
 } // namespace
 
 QList<QCommandLineOption> tagOptions()
@@ -98,8 +119,8 @@ QList<QCommandLineOption> itemOptions()
 QCommandLineOption itemCountOption(const QStringList &names)
 {
     return {names + QStringList{QStringLiteral("items")},
-            QStringLiteral("How many items from each address on (default 1)."), QStringLiteral("N"),
-            QStringLiteral("1")};
+            QStringLiteral("How many items from each address on (default 1, or what a range holds)."),
+            QStringLiteral("N")};
 }
 
 QCommandLineOption formatOption()
@@ -125,6 +146,9 @@ ItemOptions itemOptionsOf(CommandLine &line)
             line.addError(QStringLiteral("--kind \"%1\": expected bit, byte, word, dword, block or bit2")
                               .arg(line.text("kind")));
     }
+    if (options.isRaw && line.isSet("word-order"))
+        line.addError(
+            QStringLiteral("--raw hands addresses on as they stand; write SW into them for --word-order"));
     if (line.isSet("word-order"))
         options.highWordFirst =
             line.choice("word-order", {QStringLiteral("low"), QStringLiteral("high")}) == 1;
@@ -134,16 +158,23 @@ ItemOptions itemOptionsOf(CommandLine &line)
 Result<TypedItems> itemsAt(const QString &text, const ItemOptions &options, const ItemCounts &counts)
 {
     if (options.isRaw)
-        return typedItems(rawItems(text, options, counts.untyped), options.form);
+        return typedItems(rawItems(text, options, counts.untyped.value_or(1)), options.form);
     const Result<TypedText> typed = parseTypedText(text);
     if (!typed)
         return typed.error();
-    const Result<Address> address = parseAddress(typed->address);
-    if (!address)
-        return address.error();
-    if (typed->type)
-        return typedItems(*address, *typed->type, typed->count.value_or(counts.typed), typed->order);
+    const Result<AddressSpan> span = parseAddressSpan(typed->address);
+    if (!span)
+        return span.error();
+    if (typed->type) {
+        const Result<int> count =
+            countOf(*span, sizeOf(*typed->type), nameOf(*typed->type), typed->count ? typed->count : counts.typed);
+        return count ? typedItems(span->first, *typed->type, *count, typed->order) : count.error();
+    }
+    const ItemKind kind = kindAt(span->first, options);
+    const Result<int> count = countOf(*span, widthOf(kind), nameOf(kind), counts.untyped);
+    if (!count)
+        return count.error();
     if (!typed->order.isEmpty())
-        return orderedItems(*address, typed->order, options, counts.untyped);
-    return untypedItems(*address, options, counts.untyped);
+        return orderedItems(span->first, typed->order, options, *count);
+    return untypedItems(span->first, options, *count);
 }

@@ -23,10 +23,10 @@ OutputFormat formatOf(CommandLine &line);
 
 /// What is wrong is noted in \a line.
 ItemOptions itemOptionsOf(CommandLine &line);
-/// How many values are meant where the text does not say.
+/// How many values are meant where the text does not say; nothing: one, or as many as a range holds.
 struct ItemCounts {
-    int untyped = 1;
-    int typed = 1;
+    std::optional<int> untyped;
+    std::optional<int> typed;
 };
 
 /// The values that \a text stands for, ADDRESS[:TYPE[xCOUNT]][@ORDER]; the options count where there is no

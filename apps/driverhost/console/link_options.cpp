@@ -6,6 +6,8 @@
 #include "desk/link/settle_rules.h"
 #include "desk/project/device_text.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -48,9 +50,24 @@ QString hostOf(CommandLine &line)
     return host;
 }
 
+// A target that is written out and an option that says the same in other words: nobody knows which is meant.
+// What has a name may be kept for long, and an option counts before it.
+void refuseTwoPlaces(CommandLine &line, const QStringList &words)
+{
+    const auto target = std::find_if(words.begin(), words.end(), looksLikeTarget);
+    if (target == words.end())
+        return;
+    for (const char *option : {"host", "port", "station"}) {
+        if (line.isSet(option))
+            line.addError(
+                QStringLiteral("--%1 beside %2: expected one of them").arg(QLatin1String(option), *target));
+    }
+}
+
 // Takes the target out of the words and sets what it says where no option says something else. Who said it.
 QString takeTarget(CommandLine &line, QStringList &words)
 {
+    refuseTwoPlaces(line, words);
     const Result<TargetChoice> choice = chooseTarget(words);
     if (!choice) {
         line.addError(choice.errorText());

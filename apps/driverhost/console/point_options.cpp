@@ -92,11 +92,13 @@ AddressedPoints addressedPoints(CommandLine &line, const char *countOption)
     QStringList words = line.words();
     addressed.link = linkSettings(line, words);
     const ItemOptions options = itemOptionsOf(line);
-    const int count = line.number(countOption, 1, modbus::AddressSpace);
+    ItemCounts counts;
+    if (line.isSet(countOption))
+        counts.untyped = line.number(countOption, 1, modbus::AddressSpace);
     const PointWords table(line, options);
     bool isAnyPlain = false;
     for (const QString &word : qAsConst(words)) {
-        const Result<std::vector<Point>> points = table.find(word, {count, 1});
+        const Result<std::vector<Point>> points = table.find(word, counts);
         if (!points) {
             line.addError(points.errorText());
             continue;

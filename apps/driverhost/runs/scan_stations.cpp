@@ -163,9 +163,9 @@ void StationScanRun::reportCounts() const
                    "the gateway or the two-wire adapter")
                    .arg(counted(echoes, "station")));
     if (const int absent = m_scan.count(StationAnswer::Absent))
-        report(QStringLiteral(
-                   "for %1 more the gateway answered that they are not there (exception 0x0A or 0x0B)")
-                   .arg(absent));
+        report(QStringLiteral("for %1 the gateway answered that %2 not there (exception 0x0A or 0x0B)")
+                   .arg(counted(absent, "station"),
+                        absent == 1 ? QStringLiteral("it is") : QStringLiteral("they are")));
     report(countsText(m_session.counts().total()));
 }
 

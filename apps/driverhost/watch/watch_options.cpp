@@ -81,7 +81,8 @@ int finish(const Session &session, const WatchLoop &loop, const WatchRun &run)
 QList<QCommandLineOption> watchOptions()
 {
     return {
-        {QStringLiteral("interval"), QStringLiteral("Seconds from one round to the next (default 1)."),
+        {QStringLiteral("interval"),
+         QStringLiteral("Seconds from the beginning of a round to the next; 0: no pause (default 1)."),
          QStringLiteral("SECONDS"), QStringLiteral("1")},
         {QStringLiteral("count"), QStringLiteral("End after so many rounds (default: none)."),
          QStringLiteral("N")},

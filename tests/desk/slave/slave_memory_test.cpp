@@ -71,7 +71,8 @@ TEST_F(SlaveMemoryFile, SaysWhatIsWrongAndWhere)
     EXPECT_EQ("2: \"XX1\" is no address", load("HR1 = 1\nXX1 = 1\n").toStdString());
     EXPECT_EQ("1: \"HR0\" is no address", load("HR0 = 1").toStdString());
     EXPECT_EQ("1: \"HR65537\" is no address", load("HR65537 = 1").toStdString());
-    EXPECT_EQ("1: \"HR1..2\" is no address", load("HR1..2 = 1").toStdString());
+    EXPECT_EQ("1: \"HR1..2\" are 2 addresses; expected as many values, and not 1",
+              load("HR1..2 = 1").toStdString());
     EXPECT_EQ("1: \"256-HR1\" is no address", load("256-HR1 = 1").toStdString());
     EXPECT_EQ("1: no value", load("HR1 =").toStdString());
     EXPECT_EQ("1: no value", load("HR1").toStdString());

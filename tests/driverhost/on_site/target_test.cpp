@@ -121,8 +121,8 @@ TEST_F(TargetTest, SaysWhatIsWrong)
     }
     setEnvironmentTarget(QStringLiteral("http://x"));
     EXPECT_TRUE(run(QStringLiteral("read HR1"))
-                    .err.contains(QLatin1String(
-                        "DRIVERHOST_TARGET in the environment: target \"http://x\": expected")));
+                    .err.contains(QLatin1String("DRIVERHOST_TARGET in the environment: target \"http://x\": "
+                                                "unknown scheme \"http\"; expected rtutcp")));
 }
 
 TEST_F(TargetTest, NamesTheFileThatHoldsABadSetting)

@@ -1,0 +1,71 @@
+#include "apps/driverhost/runs/scan_ranges.h"
+
+#include "apps/driverhost/console/interruptible_run.h"
+#include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/terminal/progress.h"
+#include "desk/items/number_text.h"
+#include "desk/output/scan_form.h"
+#include "desk/output/summary.h"
+#include "desk/plan/range_scan.h"
+
+namespace
+{
+
+// What a slave's answer says about a range. Exception 3 may mean "too many at once"; with the others named
+// here the addresses make no difference.
+RangeAnswer answerOf(Session &session, const Items &items)
+{
+    if (session.read(items))
+        return RangeAnswer::There;
+    const Failure failure = session.failure();
+    if (failure.kind != FailureKind::Exception || failure.isStationAbsent() ||
+        failure.exception == modbus::IllegalFunction || failure.exception == modbus::ServerDeviceBusy)
+        return RangeAnswer::None;
+    return failure.exception == modbus::IllegalDataValue ? RangeAnswer::TooMany : RangeAnswer::Missing;
+}
+
+int printRanges(Session &session, const RangeScan &scan, OutputFormat format, bool isInterrupted)
+{
+    QStringList lines;
+    if (format == OutputFormat::Text) {
+        lines = scan.found();
+    } else {
+        std::vector<RangeRow> rows;
+        for (const RangeScan::Range &range : scan.ranges())
+            rows.push_back(
+                {session.stationFor(scan.lastItems()), scan.textOf(range), range.first, range.last});
+        lines = linesOf(rows, format);
+    }
+    if (format == OutputFormat::Json)
+        lines +=
+            summaryLine(session.counts(), {{QStringLiteral("found"), static_cast<int>(scan.ranges().size())},
+                                           {QStringLiteral("scanned_to"), scan.scannedTo()},
+                                           {QStringLiteral("interrupted"), isInterrupted}});
+    return lines.isEmpty() || print(lines) ? Success : OutputClosed;
+}
+
+} // namespace
+
+int scanRanges(Session &session, const RangeScanOptions &options)
+{
+    RangeScan scan(options.probe, [&](const Items &items) { return answerOf(session, items); });
+    Progress progress(options.probe.address.areaName, options.last - options.first + 1);
+    InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
+    const bool isComplete = scan.run(options.first, options.last, [&](int number) {
+        progress.show(number - options.first);
+        return !run.isInterrupted();
+    });
+    int code = scan.ranges().empty() ? ExceptionReply : Success;
+    if (run.isInterrupted()) {
+        reportError(QStringLiteral("interrupted"));
+    } else if (!isComplete) {
+        reportFailure(session, scan.lastItems().label(0));
+        code = exitCodeOf(session.failure());
+    }
+    report(QStringLiteral("%1 found up to %2%3")
+               .arg(counted(static_cast<qint64>(scan.ranges().size()), "range"),
+                    options.probe.address.areaName, QString::number(scan.scannedTo())));
+    report(countsText(session.counts().total()));
+    const int printed = printRanges(session, scan, options.format, run.isInterrupted());
+    return printed == Success ? run.endOf(code) : printed;
+}
