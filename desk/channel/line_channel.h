@@ -42,7 +42,7 @@ public:
 
     void setStation(int station) { m_settings.station = station; }
     void setRetries(int retries) { m_settings.retries = retries; }
-    void setTimeout(int timeout) { m_settings.timeout = timeout; }
+    void setTimeout(int timeout) { m_timeout = qint64(1000) * timeout; }
     /// While it keeps its line open, close() only throws away what has come; what comes later goes before the
     /// next request. For asking stations that may not be there.
     void setKeepsOpen(bool keepsOpen) { m_keepsOpen = keepsOpen; }

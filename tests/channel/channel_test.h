@@ -52,9 +52,8 @@ protected:
     explicit ChannelTest(const ExchangeSettings &given = settings())
         : line(time, side), channel(line, nullptr, given)
     {
-        channel.setObserver([this](ChannelEvent event, const QByteArray &bytes) {
-            events.append(qMakePair(event, bytes));
-        });
+        channel.setObserver(
+            [this](ChannelEvent event, const QByteArray &bytes) { events.append(qMakePair(event, bytes)); });
     }
 
     /// Bytes that arrive \a after milliseconds from now, whichever connection is open then.

@@ -126,8 +126,7 @@ TEST(ReplyFinder, WaitsForTheLastByte)
             const QByteArray stream = test.before + test.reply;
             const ReplyFinder::Verdict verdict = finder.search(stream.left(stream.size() - missing));
             const bool mayBeDamaged = test.verdict == ReplyFinder::OtherAnswer;
-            EXPECT_TRUE(verdict == ReplyFinder::NotYet ||
-                        (mayBeDamaged && verdict == ReplyFinder::Damaged))
+            EXPECT_TRUE(verdict == ReplyFinder::NotYet || (mayBeDamaged && verdict == ReplyFinder::Damaged))
                 << test.name << " without " << missing;
         }
     }

@@ -143,9 +143,7 @@ TEST_F(Send, TakesAnEchoThatComesWhileOthersAreAsked)
     probeDelay = 150;
     EXPECT_TRUE(askTwo().isEmpty());
     const QByteArray readOther = framed("06 03 00 10 00 02");
-    side.script = [this](SimulatedLine &, const QByteArray &) {
-        comes(framed("06 03 04 01 02 03 04"), 90);
-    };
+    side.script = [this](SimulatedLine &, const QByteArray &) { comes(framed("06 03 04 01 02 03 04"), 90); };
     EXPECT_EQ(framed("06 03 04 01 02 03 04"), ask(readOther, RestOfTwo));
     EXPECT_TRUE(channel.settling().isSettled(5, time.now()));
 }

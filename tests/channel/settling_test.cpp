@@ -39,7 +39,10 @@ protected:
         settling.noteRequest(Station);
         settling.noteLoss(Station, milliseconds * Ms);
     }
-    void comesAt(qint64 milliseconds, const QByteArray &frame) { settling.noteFrame(frame, milliseconds * Ms); }
+    void comesAt(qint64 milliseconds, const QByteArray &frame)
+    {
+        settling.noteFrame(frame, milliseconds * Ms);
+    }
     /// Fails, is asked with probes, is settled by quiet, answers.
     void ignoreProbes()
     {

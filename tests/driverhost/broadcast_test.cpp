@@ -5,7 +5,9 @@ class BroadcastTest : public SlaveTest
 protected:
     HostRun write(const char *what)
     {
-        return host(QStringLiteral("write TARGET --station 0 --timeout 60 ") + QLatin1String(what));
+        const QStringList words{QStringLiteral("write"), target(0), QStringLiteral("--timeout"),
+                                QStringLiteral("60")};
+        return runHost(words + QString::fromLatin1(what).split(QLatin1Char(' ')));
     }
 };
 

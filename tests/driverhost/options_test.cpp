@@ -74,7 +74,7 @@ TEST_F(OptionsTest, ThatSayWhatTheTargetSaysAreRefused)
 
 TEST_F(OptionsTest, OfASlaveAreWhatItHas)
 {
-    expectRefusal("slave --functions 3,7", "this slave has no function 7; it has 1 to 6, 15 and 16");
+    expectRefusal("slave --functions 3,7", "this slave has no function 7; it has 1 to 6, 8, 15 and 16");
     expectRefusal("slave --functions 3-8", "this slave has no function 7");
     expectRefusal("slave --functions 43", "this slave has no function 43");
 }
@@ -101,7 +101,8 @@ TEST_F(OptionsTest, RangesSayThemselvesHowManyTheyAre)
 {
     expectRefusal("read TARGET HR1..5 --count 3", "\"HR1..5\" holds 5 items, and not 3");
     expectRefusal("write TARGET HR1..5 1 2", "\"HR1..5\" holds 5 items, and not 2");
-    expectRefusal("read TARGET HR1..5 --kind dword", "\"HR1..5\": a dword takes 2 registers, and these are 5");
+    expectRefusal("read TARGET HR1..5 --kind dword",
+                  "\"HR1..5\": a dword takes 2 registers, and these are 5");
     expectRefusal("read TARGET HR1..5:f32", "\"HR1..5\": a f32 takes 2 registers, and these are 5");
     expectRefusal("read TARGET HR5..1",
                   "the last number of \"HR5..1\": \"1\": expected a whole number from 5");

@@ -13,8 +13,8 @@
 /// Item kinds of commands.
 enum : int { Bits = 0, Bytes = 1, Words = 2, DoubleWords = 3 };
 
-/// The settings of a channel to a port of this machine, without retries, and without settling, so that nothing
-/// is sent but the driver's frames.
+/// The settings of a channel to a port of this machine, without retries, and without settling, so that
+/// nothing is sent but the driver's frames.
 ChannelSettings channelTo(quint16 port, int timeoutMs = 150);
 
 /// Lays a project database beside this program: one Ethernet link to station 1 with these tags. Whether that

@@ -14,7 +14,8 @@ public:
     /// order of these calls.
     void at(qint64 time, std::function<void()> event);
     void after(qint64 delay, std::function<void()> event) { at(m_now + delay, std::move(event)); }
-    /// Lets the next thing happen that is due until \a until; false when there is none, and it is \a until then.
+    /// Lets the next thing happen that is due until \a until; false when there is none, and it is \a until
+    /// then.
     bool step(qint64 until);
     /// Lets everything happen that is due until \a until.
     void runUntil(qint64 until);

@@ -15,7 +15,8 @@ namespace
 const CommandLine::Texts Texts = {
     "slave",
     "",
-    "A Modbus slave that speaks RTU framing over TCP, to try things against: functions 1 to 6, 8, 15 and 16 on\n"
+    "A Modbus slave that speaks RTU framing over TCP, to try things against: functions 1 to 6, 8, 15 and 16 "
+    "on\n"
     "65536 addresses of each area, all 0 at first. Ctrl-C ends it and prints what it did.\n"
     "\n"
     "The file of --values has lines such as\n"

@@ -67,11 +67,11 @@ void readLimits(CommandLine &line, SlaveOptions &options)
     options.limits.bits = line.number("max-bits", 1, protocol.bits);
     const QList<int> functions = numberList(line, "functions", modbus::MaxFunction);
     options.functions = QSet<int>(functions.begin(), functions.end());
+    const QSet<int> known = SlaveOptions().functions;
     for (const int function : functions) {
-        if (!modbus::isRead(function) && !modbus::isWriteSingle(function) &&
-            !modbus::isWriteMultiple(function))
+        if (!known.contains(function))
             line.addError(
-                QStringLiteral("--functions: this slave has no function %1; it has 1 to 6, 15 and 16")
+                QStringLiteral("--functions: this slave has no function %1; it has 1 to 6, 8, 15 and 16")
                     .arg(function));
     }
     options.latencyMs = line.number("latency", 0, MaxLatency);

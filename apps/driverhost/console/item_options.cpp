@@ -27,7 +27,8 @@ QString problemWith(const Items &items, const ItemOptions &options)
     if (options.form == ValueForm::Float && items.kind != DoubleWordItem)
         return QStringLiteral("a float is two registers; expected the kind dword");
     if (options.highWordFirst && items.kind != DoubleWordItem)
-        return QStringLiteral("--word-order is for double words; expected --kind dword or --as float besides");
+        return QStringLiteral(
+            "--word-order is for double words; expected --kind dword or --as float besides");
     if (options.highWordFirst == false && items.address.highWordFirst)
         return QStringLiteral("SW in the address says the high word first, and --word-order the low one");
     return {};
@@ -166,8 +167,8 @@ Result<TypedItems> itemsAt(const QString &text, const ItemOptions &options, cons
     if (!span)
         return span.error();
     if (typed->type) {
-        const Result<int> count =
-            countOf(*span, sizeOf(*typed->type), nameOf(*typed->type), typed->count ? typed->count : counts.typed);
+        const Result<int> count = countOf(*span, sizeOf(*typed->type), nameOf(*typed->type),
+                                          typed->count ? typed->count : counts.typed);
         return count ? typedItems(span->first, *typed->type, *count, typed->order) : count.error();
     }
     const ItemKind kind = kindAt(span->first, options);
