@@ -110,7 +110,7 @@ TEST(PointFile, ErrorsNameLineAndColumnAndWhatWasExpected)
         {"p,DI1,u16", "2: column 3 (type): address \"DI1\": DI holds bits"},
         {"p,DI1:u16", "2: column 2 (address): address \"DI1\": DI holds bits"},
         {"p,HR65536,f32",
-         "2: column 3 (type): address \"HR65536\": 1 items of kind dword end beyond HR65536"},
+         "2: column 3 (type): address \"HR65536\": 1 item of kind dword would end beyond HR65536"},
         {"p,HR1,f32,ACBD", "2: column 4 (order): order \"ACBD\": expected ABCD"},
         {"p,HRSW1,f32,CDAB", "2: column 4 (order): address \"HRSW1\": SW in the address says the high word"},
         {"p,HRSW1:f32@CDAB",
