@@ -48,10 +48,9 @@ TEST_F(TypedValuesTest, AreReadInTheirOrder)
 
 TEST_F(TypedValuesTest, NameEachValueAndItsType)
 {
-    EXPECT_EQ(
-        host("read TARGET HR9:f32x2 2-HR1 --kind word --retries 0 --timeout 50 --format csv")
-            .out.section('\n', 0, 2),
-        "station,address,offset,kind,value,failure,error\n1,HR9,8,f32,0,,\n1,HR11,10,f32,0,,");
+    EXPECT_EQ(host("read TARGET HR9:f32x2 2-HR1 --kind word --retries 0 --timeout 50 --format csv")
+                  .out.section('\n', 0, 2),
+              "station,address,offset,kind,value,failure,error\n1,HR9,8,f32,0,,\n1,HR11,10,f32,0,,");
     const QJsonObject text =
         QJsonDocument::fromJson(host("read TARGET HR1:str4 --format json").out.section('\n', 0, 0).toUtf8())
             .object();
