@@ -10,7 +10,7 @@ void TimedBytes::add(const QByteArray &bytes, qint64 at)
 
 QByteArray TimedBytes::take(int count)
 {
-    const QByteArray taken = m_bytes.left(count);
+    QByteArray taken = m_bytes.left(count);
     m_bytes.remove(0, taken.size());
     for (int left = sizeOf(taken); left > 0;) {
         QPair<int, qint64> &first = m_arrivals.first();

@@ -61,7 +61,7 @@ QString Items::label(int index) const
 {
     if (isRaw())
         return index == 0 ? rawText : QStringLiteral("%1 +%2").arg(rawText, QString::number(index));
-    const QString text = addressOf(index).label();
+    QString text = addressOf(index).label();
     if (!isByteKind(kind) || address.isBitArea())
         return text;
     return text + (index % 2 == 0 ? QStringLiteral(" low") : QStringLiteral(" high"));

@@ -26,6 +26,7 @@ Fields fieldsOf(const RangeRow &row)
 QStringList linesOf(const std::vector<StationRow> &rows, OutputFormat format)
 {
     std::vector<Fields> all;
+    all.reserve(rows.size());
     for (const StationRow &row : rows)
         all.push_back(fieldsOf(row));
     return linesForPrograms(fieldsOf(StationRow()), all, format);
@@ -34,6 +35,7 @@ QStringList linesOf(const std::vector<StationRow> &rows, OutputFormat format)
 QStringList linesOf(const std::vector<RangeRow> &rows, OutputFormat format)
 {
     std::vector<Fields> all;
+    all.reserve(rows.size());
     for (const RangeRow &row : rows)
         all.push_back(fieldsOf(row));
     return linesForPrograms(fieldsOf(RangeRow()), all, format);

@@ -78,7 +78,7 @@ Result<int> countOf(const AddressSpan &span, int bits, const QString &name, std:
 {
     if (!span.isRange)
         return given.value_or(1);
-    const Result<int> count = countIn(span, bits, name);
+    Result<int> count = countIn(span, bits, name);
     if (!count || !given || *given == *count)
         return count;
     return Error{QStringLiteral("\"%1..%2\" holds %3, and not %4")

@@ -113,7 +113,7 @@ StationAnswer StationScanRun::ask(int station)
         return {StationAnswer::Answers, -1, {}, {}};
     if (isRead)
         return {StationAnswer::Echo, -1, {}, {}};
-    const StationAnswer answer = answerOfFailure();
+    StationAnswer answer = answerOfFailure();
     if (m_run.isInterrupted())
         return answer;
     if (answer.kind == StationAnswer::Hopeless) {
