@@ -1,4 +1,4 @@
-# cpack -G DEB: the desk package, with the plug-in, driverhost and its man page.
+# cpack -G DEB: the desk package, with the plug-in, driverhost, its man page and its completion for bash.
 # cpack -G TGZ: the panel archive, with the plug-in alone.
 
 set(CPACK_PACKAGE_NAME modbus-drivers)

@@ -1,15 +1,18 @@
 #!/usr/bin/env bash
-# Runs every command of the README: those of driverhost here, in the order they stand; scripts have to be called by the
-# continuous integration. Links have to lead to files.
+# Runs every command of the README: those of driverhost here, in the order they stand and with the PATH that it sets; scripts
+# have to be called by the continuous integration. Links have to lead to files.
 # Usage: readme_commands.sh SOURCE_TREE FOLDER_OF_DRIVERHOST
 set -euo pipefail
 
 tree=$(realpath "$1")
-PATH=$(realpath "$2"):$PATH
+programs=$(realpath "$2")
 work=$(mktemp -d)
 slave=
 trap '[[ -z $slave ]] || kill "$slave"; rm -rf "$work"' EXIT
 cd "$work"
+# Where the demo leaves driverhost; nothing else leads to it.
+mkdir -p build/demo/apps
+ln -s "$programs" build/demo/apps/driverhost
 
 start_slave() {
   "$@" >slave.out 2>slave.err &
@@ -32,6 +35,7 @@ test "$(wc -l <commands)" -gt 10
 while IFS= read -r command <&3; do
   echo "\$ $command"
   case $command in
+    PATH=*) eval "$command" ;;
     scripts/*)
       test -x "$tree/$command"
       grep -rqF "$command" "$tree/.ci" || { echo "not run by .ci/run: $command" >&2; exit 1; }

@@ -19,7 +19,7 @@ echo "--- $(basename "$deb")"
 dpkg-deb --info "$deb" | grep -E '^ (Package|Version|Architecture|Depends):'
 contents=$(dpkg-deb --contents "$deb" | awk '{print $1, $3, $6}')
 echo "$contents"
-for wanted in /libmodbus_rtu_slave_over_tcp.so /bin/driverhost /man1/driverhost.1; do
+for wanted in /libmodbus_rtu_slave_over_tcp.so /bin/driverhost /man1/driverhost.1 /bash-completion/completions/driverhost; do
   [[ $contents == *"$wanted"* ]] || { echo "not in the package: $wanted" >&2; exit 1; }
 done
 for wanted in libqt5core5a libqt5sql5 libqt5network5 libqt5serialbus5 libqt5sql5-sqlite; do

@@ -24,7 +24,7 @@ public:
     PymodbusSlave()
     {
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(Python, {sourceFile("tests/driverhost/pymodbus_slave.py")});
+        process.start(Python, {sourceFile("tests/driverhost/interop/pymodbus_slave.py")});
         while (!process.canReadLine() && process.waitForReadyRead(60000))
             continue;
         slavePort = process.readLine().trimmed().toUShort();
