@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace
@@ -71,6 +72,7 @@ Result<> LogFile::open(const QDateTime &now)
 Result<> LogFile::append(const QStringList &lines, const QDateTime &now)
 {
     const QByteArray bytes = lines.join(QLatin1Char('\n')).toUtf8() + '\n';
+    lookAgain();
     if (m_file < 0 || isDue(bytes.size(), now)) {
         Result<> begun = m_file < 0 ? begin(now) : rotate(now);
         if (!begun)
@@ -130,6 +132,21 @@ void LogFile::cutTornLine()
         --whole;
     if (whole < m_size && ::ftruncate(m_file, whole) == 0)
         m_size = whole;
+}
+
+// Others may have emptied, moved or removed the file meanwhile.
+void LogFile::lookAgain()
+{
+    struct stat open = {};
+    struct stat there = {};
+    if (m_file < 0 || ::fstat(m_file, &open) != 0 || !S_ISREG(open.st_mode))
+        return;
+    m_size = open.st_size;
+    const bool isThere = ::stat(QFile::encodeName(m_path).constData(), &there) == 0;
+    if (isThere && there.st_dev == open.st_dev && there.st_ino == open.st_ino)
+        return;
+    ::close(m_file);
+    m_file = -1;
 }
 
 Result<> LogFile::write(const QByteArray &bytes)

@@ -42,6 +42,7 @@ private:
     Result<> begin(const QDateTime &now);
     Result<> write(const QByteArray &bytes);
     void cutTornLine();
+    void lookAgain();
     Error failure() const;
 
     QString m_path;

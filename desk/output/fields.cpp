@@ -74,6 +74,13 @@ Field Field::withoutColumn(const char *name, const QJsonValue &value)
     return field;
 }
 
+Field Field::column(const QString &name, const QString &cell)
+{
+    Field field("", cell, QJsonValue(QJsonValue::Undefined));
+    field.name = name;
+    return field;
+}
+
 QString titleLine(const Fields &fields, OutputFormat format)
 {
     if (format != OutputFormat::Csv)
@@ -81,7 +88,7 @@ QString titleLine(const Fields &fields, OutputFormat format)
     QStringList titles;
     for (const Field &field : fields) {
         if (field.hasColumn)
-            titles += field.name;
+            titles += quoted(field.name);
     }
     return titles.join(QLatin1Char(','));
 }

@@ -20,6 +20,9 @@ struct Field {
     /// A member for which there is no column.
     static Field withoutColumn(const char *name, const QJsonValue &value);
 
+    /// A column of CSV alone.
+    static Field column(const QString &name, const QString &cell);
+
     QString name;
     QString cell;
     QJsonValue value;

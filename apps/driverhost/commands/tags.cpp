@@ -115,7 +115,7 @@ Job prepareTags(const QStringList &arguments)
 {
     CommandLine line(Texts);
     line.addOptions({{QStringLiteral("watch"), QStringLiteral("Keep reading, as watch does.")}});
-    line.addOptions(watchOptions());
+    addWatchOptions(line);
     line.addOptions(tagOptions());
     line.addOptions({formatOption()});
     line.addOptions(linkOptions());
@@ -126,7 +126,8 @@ Job prepareTags(const QStringList &arguments)
     LinkSettings link = linkSettings(line, words);
     const ItemOptions options = itemOptionsOf(line);
     const WatchRun run = watchRunOf(line);
-    line.expectWith(line.isSet("watch"), "--watch", {"interval", "count", "duration"});
+    line.expectWith(line.isSet("watch"), "--watch",
+                    {"interval", "count", "duration", "output", "rotate", "on-change", "wide"});
     if (!words.isEmpty())
         line.addError(QStringLiteral("tags takes no addresses; they are in the project"));
     if (link.project.isEmpty())
@@ -159,7 +160,7 @@ Job prepareTags(const QStringList &arguments)
                 for (const QString &skipped : plan.skipped)
                     report(QStringLiteral("skipped: ") + skipped);
                 if (!isWatched)
-                    return readTags(session, plan.readings, run.format);
+                    return readTags(session, plan.readings, run.form.format);
                 return watchTags(session, plan.readings, watchRunOn(link, run));
             }};
 }

@@ -25,7 +25,7 @@ const CommandLine::Texts Texts = {
 Job prepareWatch(const QStringList &arguments)
 {
     CommandLine line(Texts);
-    line.addOptions(watchOptions());
+    addWatchOptions(line);
     line.addOptions(itemOptions());
     line.addOptions(pointOptions());
     line.addOptions({itemCountOption(), formatOption()});

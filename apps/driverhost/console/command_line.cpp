@@ -79,10 +79,30 @@ QString CommandLine::nameInErrors(const char *option) const
                                              : QStringLiteral("%1: %2").arg(m_defaultsOrigin, name);
 }
 
+void CommandLine::setImplied(const char *option, const QString &value)
+{
+    m_implied[QStringLiteral("--") + QLatin1String(option)] = value;
+}
+
+// What follows such an option is its value when it is a number.
+QStringList CommandLine::withImplied(const QStringList &arguments) const
+{
+    QStringList words;
+    for (int i = 0; i < arguments.size(); ++i) {
+        const auto implied = m_implied.find(arguments.at(i));
+        bool isNumber = false;
+        arguments.value(i + 1).toDouble(&isNumber);
+        words += implied == m_implied.end() || isNumber
+                     ? arguments.at(i)
+                     : arguments.at(i) + QLatin1Char('=') + implied->second;
+    }
+    return words;
+}
+
 std::optional<int> CommandLine::parse(const QStringList &arguments)
 {
     QStringList words{QLatin1String(m_texts.name)};
-    for (const QString &argument : arguments)
+    for (const QString &argument : withImplied(arguments))
         words += withMinusOfNumber(argument);
     const bool isGood = m_parser.parse(words);
     if (m_parser.isSet(QStringLiteral("help"))) {

@@ -21,6 +21,9 @@ public:
 
     void addOptions(const QList<QCommandLineOption> &options);
 
+    /// The option's number may be left out, and is \a value then.
+    void setImplied(const char *option, const QString &value);
+
     /// Takes the arguments after the subcommand's name. The exit code when the run ends with that: help was
     /// asked for, or an option is unknown.
     std::optional<int> parse(const QStringList &arguments);
@@ -57,10 +60,12 @@ public:
 private:
     QString helpText() const;
     QString nameInErrors(const char *option) const;
+    QStringList withImplied(const QStringList &arguments) const;
 
     Texts m_texts;
     QCommandLineParser m_parser;
     QStringList m_options;
+    std::map<QString, QString> m_implied; // by "--" and the option
     std::map<QString, QString> m_defaults;
     QString m_defaultsOrigin;
     QString m_error;

@@ -2,17 +2,26 @@
 
 #include "apps/driverhost/console/command_line.h"
 #include "desk/live/watch_loop.h"
-#include "desk/output/fields.h"
+#include "desk/log/log_file.h"
+#include "desk/log/row_series.h"
+
+/// The file in which a watch keeps what it reads.
+struct WatchLog {
+    QString path;
+    RowSeriesForm form;
+    LogRotation rotation;
+};
 
 /// What the subcommands have in common that read the same values again and again: `watch`, `tags --watch`.
 struct WatchRun {
     WatchSettings settings;
-    OutputFormat format = OutputFormat::Text;
+    RowSeriesForm form; ///< of the lines, where there is no table
+    std::optional<WatchLog> log;
     bool isTraced = false; ///< frames go to standard error, and would tear a table apart
     QString title;         ///< above the table on a terminal
 };
 
-QList<QCommandLineOption> watchOptions();
+void addWatchOptions(CommandLine &line);
 /// What is wrong is noted in \a line.
 WatchRun watchRunOf(CommandLine &line);
 

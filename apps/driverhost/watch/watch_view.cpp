@@ -3,7 +3,6 @@
 #include "apps/driverhost/console/messages.h"
 #include "apps/driverhost/terminal/terminal.h"
 #include "apps/driverhost/watch/screen_view.h"
-#include "desk/output/output_form.h"
 #include "desk/time_text.h"
 
 #include <algorithm>
@@ -12,43 +11,54 @@
 namespace
 {
 
-// One line a value, with its time.
+// Lines on standard output, as they come.
 class LineView : public WatchListener
 {
 public:
-    LineView(const std::vector<Reading> &readings, OutputFormat format)
+    LineView(const std::vector<Reading> &readings, const RowSeriesForm &form)
+        : m_series(readings, form), m_tellsFailures(form.format != OutputFormat::Text && !form.isWide)
     {
-        m_form.format = format;
-        for (const Reading &reading : readings) {
-            for (const Reading::Shown &shown : reading.shown) {
-                m_form.labelWidth = std::max(m_form.labelWidth, labelOf(shown).size());
-                m_form.hasNames = m_form.hasNames || !shown.point->name.isEmpty();
-            }
-        }
-        const QString titles = seriesTitles(m_form);
+        const QString titles = m_series.titles();
         m_isOpen = titles.isEmpty() || print({titles});
     }
 
-    bool add(size_t /*reading*/, const std::vector<ValueRow> &rows) override
+    bool add(size_t reading, const std::vector<ValueRow> &rows) override
     {
-        QStringList lines;
-        for (const ValueRow &row : rows)
-            lines += seriesLine(row, m_form);
-        m_isOpen = m_isOpen && print(lines);
-        return m_isOpen;
+        return printAll(m_series.add(reading, rows));
     }
     bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override
     {
-        if (m_form.format != OutputFormat::Text)
-            return add(reading, rows);
+        const QStringList lines = m_series.add(reading, rows);
+        if (m_tellsFailures)
+            return printAll(lines);
         reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
         return m_isOpen;
     }
-    bool endRound() override { return m_isOpen; }
+    bool endRound() override { return printAll(m_series.endRound()); }
 
 private:
-    SeriesForm m_form;
+    bool printAll(const QStringList &lines)
+    {
+        m_isOpen = m_isOpen && (lines.isEmpty() || print(lines));
+        return m_isOpen;
+    }
+
+    RowSeries m_series;
+    bool m_tellsFailures; // the lines do
     bool m_isOpen = true;
+};
+
+// Where a file has the lines there are none but of failures.
+class SilentView : public WatchListener
+{
+public:
+    bool add(size_t /*reading*/, const std::vector<ValueRow> & /*rows*/) override { return true; }
+    bool addFailure(size_t /*reading*/, const std::vector<ValueRow> & /*rows*/, const QString &error) override
+    {
+        reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
+        return true;
+    }
+    bool endRound() override { return true; }
 };
 
 } // namespace
@@ -56,12 +66,15 @@ private:
 std::unique_ptr<WatchListener> makeWatchView(const Session &session, const std::vector<Reading> &readings,
                                              const WatchRun &run)
 {
-    if (run.format != OutputFormat::Text || !isScreen())
-        return std::make_unique<LineView>(readings, run.format);
-    if (!run.isTraced || !isScreen(STDERR_FILENO))
+    const bool hasTable = isScreen() && (run.log || run.form.format == OutputFormat::Text);
+    const bool isTorn = run.isTraced && isScreen(STDERR_FILENO);
+    if (hasTable && !isTorn)
         return makeScreenView(session, readings, run);
-    report(QStringLiteral(
-        "--trace: values come as lines, since frames would tear the table apart; with standard "
-        "error in a file (2>trace.txt) the table stays"));
-    return std::make_unique<LineView>(readings, run.format);
+    if (hasTable)
+        report(QStringLiteral(
+            "--trace: values come as lines, since frames would tear the table apart; with standard "
+            "error in a file (2>trace.txt) the table stays"));
+    if (run.log)
+        return std::make_unique<SilentView>();
+    return std::make_unique<LineView>(readings, run.form);
 }

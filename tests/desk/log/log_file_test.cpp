@@ -198,6 +198,29 @@ TEST_F(LogFileTest, ATitleThatDidNotFitComesLater)
     EXPECT_EQ(contents(path()), "time,value\nx,2\n");
 }
 
+TEST_F(LogFileTest, NoticesWhatOthersDoToTheFile)
+{
+    LogFile log(path(), Title, {});
+    ASSERT_TRUE(log.open(Morning));
+    ASSERT_TRUE(log.append(line(1), Morning));
+    ASSERT_TRUE(QFile::resize(path(), 0));
+    ASSERT_TRUE(log.append(line(2), Morning));
+    EXPECT_EQ(contents(path()), "time,value\nx,2\n");
+    {
+        ASSERT_TRUE(QFile::resize(path(), 11));
+        const FullDisk disk(12);
+        EXPECT_FALSE(log.append(line(3), Morning));
+        EXPECT_EQ(contents(path()), "time,value\n");
+    }
+    ASSERT_TRUE(QFile::rename(path(), path("moved.csv")));
+    ASSERT_TRUE(log.append(line(4), Morning));
+    EXPECT_EQ(contents(path()), "time,value\nx,4\n");
+    EXPECT_EQ(contents(path("moved.csv")), "time,value\n");
+    ASSERT_TRUE(QFile::remove(path()));
+    ASSERT_TRUE(log.append(line(5), Morning));
+    EXPECT_EQ(contents(path()), "time,value\nx,5\n");
+}
+
 TEST_F(LogFileTest, SaysWhyItCannotBeOpened)
 {
     LogFile log(QStringLiteral("/proc/none/log.csv"), Title, {});

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "apps/driverhost/watch/watch_options.h"
+
+#include <memory>
+
+/// Keeps what a watch reads in a file, a round at a time. Where that is not possible, on a full disk, it says
+/// so and goes on when there is room.
+class LogView : public WatchListener
+{
+public:
+    LogView(const std::vector<Reading> &readings, const WatchLog &log);
+    ~LogView() override;
+
+    /// Whether there is a file to write to.
+    Result<> open();
+
+    bool add(size_t reading, const std::vector<ValueRow> &rows) override;
+    bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override;
+    bool endRound() override;
+
+private:
+    void keep(const QStringList &lines);
+
+    WatchLog m_log;
+    RowSeries m_series;
+    LogFile m_file;
+    QStringList m_lines; // of the round
+    qint64 m_lost = 0;   // lines, since the file could not be written
+};
