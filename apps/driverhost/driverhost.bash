@@ -24,12 +24,13 @@ _driverhost_values() {
         --word-order) echo low high ;;
         --encoding) echo latin1 utf8 ;;
         --passes) echo 1 2 ;;
+        --rotate) echo day 1M 10M 100M ;;
         --device | --why) echo ETHERNET COM1 COM2 ;;
         --fault)
             echo silence delay truncate wrong-station wrong-function wrong-crc exception junk-before junk-after split merge \
                 double stale echo reset close half-open
             ;;
-        --plugin | --project | --points | --values | --make | --check | --from-project | --from-scan) echo FILE ;;
+        --plugin | --project | --points | --values | --make | --check | --from-project | --from-scan | --output) echo FILE ;;
     esac
 }
 

@@ -159,7 +159,7 @@ Result<> LogFile::write(const QByteArray &bytes)
             continue;
         if (count <= 0) {
             const Error error = failure();
-            if (::ftruncate(m_file, m_size) != 0)
+            if (written > 0 && ::ftruncate(m_file, m_size) != 0)
                 return Error{error.text + QStringLiteral(", and the last line is torn")};
             return error;
         }

@@ -55,7 +55,10 @@ expect "slave --fault ec" "echo"
 expect "scan st" "stations"
 expect "scan " "stations HR IR DI DO"
 
+expect "watch HR1 --rotate d" "day"
+
 touch plant.db
+expect "watch HR1 --output pl" "plant.db"
 expect "read --project pl" "plant.db"
 expect "project pl" "plant.db"
 "$program" target add boiler rtutcp://10.0.0.5 2>/dev/null

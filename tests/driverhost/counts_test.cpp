@@ -46,7 +46,7 @@ TEST_F(CountsTest, AWatchHidesNoRetries)
 {
     const HostRun run = host("watch TARGET HR1 --timeout 60 --settle off --interval 0 --count 4");
     EXPECT_EQ(run.code, 0);
-    EXPECT_TRUE(matches(run.err, "^4 transactions in [0-9.]+ s, 0 failed\n")) << run.err.toStdString();
+    EXPECT_TRUE(matches(run.err, "\n4 transactions in [0-9.]+ s, 0 failed\n")) << run.err.toStdString();
     EXPECT_TRUE(matches(run.err, "\n4 requests, 7 attempts, 3 retries; 3 time-outs, 3 reconnects\n"))
         << run.err.toStdString();
     // The reply's time is short, the transaction's is not.

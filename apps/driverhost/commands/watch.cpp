@@ -17,7 +17,8 @@ const CommandLine::Texts Texts = {
     "ends with statistics on standard error. The connection stays open and is opened again by the driver's "
     "rules.",
     "  driverhost watch rtutcp://192.168.0.10:502/1 HR100 HR101 DI17 --interval 0.5\n"
-    "  driverhost watch HR100 --items 8 --duration 60 --format csv >log.csv",
+    "  driverhost watch HR100 --items 8 --duration 60 --format csv >log.csv\n"
+    "  driverhost watch @boiler --points boiler.csv --wide --output log.csv --rotate day",
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "apps/driverhost/console/messages.h"
 #include "desk/items/number_text.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <QDateTime>
 
@@ -12,13 +13,13 @@ LogView::LogView(const std::vector<Reading> &readings, const WatchLog &log)
 {
 }
 
-// What a round that was interrupted has brought is kept as well.
-LogView::~LogView()
+bool LogView::finish()
 {
     if (!m_lines.isEmpty())
         keep(m_lines);
     if (m_lost > 0)
         report(QStringLiteral("%1: %2 not kept").arg(m_log.path, counted(m_lost, "line")));
+    return m_lost == 0;
 }
 
 // A file at the largest size that it may have is to fail as on a full disk, not to end the program.
@@ -51,13 +52,13 @@ bool LogView::endRound()
 void LogView::keep(const QStringList &lines)
 {
     const Result<> kept = m_file.append(lines, QDateTime::currentDateTime());
-    if (!kept && m_lost == 0)
-        report(QStringLiteral("%1; nothing is kept until that is over").arg(kept.errorText()));
     if (!kept) {
-        m_lost += lines.size();
-        return;
+        m_lost += sizeOf(lines);
+        if (m_trouble.isEmpty())
+            report(QStringLiteral("%1; nothing is kept until that is over").arg(kept.errorText()));
+    } else if (!m_trouble.isEmpty()) {
+        report(QStringLiteral("%1: kept again").arg(m_log.path));
     }
-    if (m_lost > 0)
-        report(QStringLiteral("%1: kept again; %2 lost").arg(m_log.path, counted(m_lost, "line")));
-    m_lost = 0;
+    m_trouble =
+        kept ? QString() : QStringLiteral("%1; %2 not kept").arg(kept.errorText(), counted(m_lost, "line"));
 }

@@ -2,15 +2,12 @@
 
 #include "apps/driverhost/watch/watch_options.h"
 
-#include <memory>
-
 /// Keeps what a watch reads in a file, a round at a time. Where that is not possible, on a full disk, it says
 /// so and goes on when there is room.
 class LogView : public WatchListener
 {
 public:
     LogView(const std::vector<Reading> &readings, const WatchLog &log);
-    ~LogView() override;
 
     /// Whether there is a file to write to.
     Result<> open();
@@ -18,6 +15,11 @@ public:
     bool add(size_t reading, const std::vector<ValueRow> &rows) override;
     bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override;
     bool endRound() override;
+    /// Writes what a round that was interrupted has brought, too. False when some lines of the watch are not
+    /// in the file.
+    bool finish();
+    /// Why nothing is kept at present; empty when all is well.
+    QString trouble() const { return m_trouble; }
 
 private:
     void keep(const QStringList &lines);
@@ -26,5 +28,6 @@ private:
     RowSeries m_series;
     LogFile m_file;
     QStringList m_lines; // of the round
-    qint64 m_lost = 0;   // lines, since the file could not be written
+    QString m_trouble;
+    qint64 m_lost = 0; // lines
 };

@@ -24,8 +24,10 @@ QString timeText()
 class ScreenView : public WatchListener
 {
 public:
-    ScreenView(const Session &session, const std::vector<Reading> &readings, const WatchRun &run)
+    ScreenView(const Session &session, const std::vector<Reading> &readings, const WatchRun &run,
+               const LogView *log)
         : m_session(session),
+          m_log(log),
           m_title(run.title),
           m_table(readings, 2 * qint64(run.settings.interval) + Second),
           m_isUnicode(takesUnicode())
@@ -74,11 +76,14 @@ private:
         const int others = lines.size() - MaxErrors;
         if (others > 0)
             lines = lines.mid(0, MaxErrors) << QStringLiteral("(%1 more)").arg(others);
+        if (m_log != nullptr && !m_log->trouble().isEmpty())
+            lines += m_log->trouble();
         const QString wait = waitText(m_session);
         return lines << (wait.isEmpty() ? WatchTable::legend(m_isUnicode) : wait);
     }
 
     const Session &m_session;
+    const LogView *m_log;
     QString m_title;
     WatchTable m_table;
     bool m_isUnicode;
@@ -91,7 +96,7 @@ private:
 } // namespace
 
 std::unique_ptr<WatchListener> makeScreenView(const Session &session, const std::vector<Reading> &readings,
-                                              const WatchRun &run)
+                                              const WatchRun &run, const LogView *log)
 {
-    return std::make_unique<ScreenView>(session, readings, run);
+    return std::make_unique<ScreenView>(session, readings, run, log);
 }

@@ -194,17 +194,17 @@ int watchReadings(Session &session, const std::vector<Reading> &readings, const 
     ValueSummaries values(readings);
     WatchListeners listeners;
     listeners.add(&values);
-    std::unique_ptr<LogView> log;
+    std::optional<LogView> log;
     if (run.log) {
-        log = std::make_unique<LogView>(readings, *run.log);
+        log.emplace(readings, *run.log);
         const Result<> opened = log->open();
         if (!opened) {
             reportError(opened.errorText());
             return OtherFailure;
         }
-        listeners.add(log.get());
+        listeners.add(&*log);
     }
-    std::unique_ptr<WatchListener> view = makeWatchView(session, readings, run);
+    std::unique_ptr<WatchListener> view = makeWatchView(session, readings, run, log ? &*log : nullptr);
     listeners.add(view.get());
     const WatchPauses pauses{StopSignal::raised,
                              [&](qint64 milliseconds) { waitAndTick(signal, milliseconds, listeners); }};
@@ -212,6 +212,9 @@ int watchReadings(Session &session, const std::vector<Reading> &readings, const 
     const bool isWanted = loop.run(listeners);
     // It may have had the whole terminal.
     view.reset();
-    log.reset();
-    return isWanted ? finish(session, loop, values, run) : OutputClosed;
+    const bool isAllKept = !log || log->finish();
+    if (!isWanted)
+        return OutputClosed;
+    const int code = finish(session, loop, values, run);
+    return code == Success && !isAllKept ? OtherFailure : code;
 }

@@ -64,12 +64,12 @@ public:
 } // namespace
 
 std::unique_ptr<WatchListener> makeWatchView(const Session &session, const std::vector<Reading> &readings,
-                                             const WatchRun &run)
+                                             const WatchRun &run, const LogView *log)
 {
     const bool hasTable = isScreen() && (run.log || run.form.format == OutputFormat::Text);
     const bool isTorn = run.isTraced && isScreen(STDERR_FILENO);
     if (hasTable && !isTorn)
-        return makeScreenView(session, readings, run);
+        return makeScreenView(session, readings, run, log);
     if (hasTable)
         report(QStringLiteral(
             "--trace: values come as lines, since frames would tear the table apart; with standard "

@@ -214,11 +214,23 @@ TEST_F(WatchLogTest, SurvivesAFullDisk)
     ASSERT_EQ(prlimit(watch.reader(), RLIMIT_FSIZE, &former, nullptr), 0);
     ASSERT_TRUE(waitUntil([&] { return contents(path()).size() > size; }));
     const QString errors = watch.interrupt();
-    EXPECT_TRUE(errors.contains(": kept again; ")) << errors.toStdString();
+    EXPECT_TRUE(errors.contains(QRegularExpression(": kept again\n(.*\n)*.*: \\d+ lines not kept\n")))
+        << errors.toStdString();
     EXPECT_EQ(errors.count("nothing is kept"), 1);
     const QStringList kept = lines(path());
     for (const QString &line : kept)
         EXPECT_EQ(line.count(','), kept.front().count(',')) << line.toStdString();
+}
+
+TEST_F(WatchLogTest, SaysWhatItHasLost)
+{
+    const HostRun run = host("watch TARGET HR1 --count 3 --interval 0 --output /dev/full");
+    EXPECT_EQ(run.code, 1);
+    EXPECT_TRUE(run.err.startsWith("/dev/full: No space left on device; nothing is kept until that is over\n"
+                                   "/dev/full: 3 lines not kept\n"))
+        << run.err.toStdString();
+    EXPECT_TRUE(run.err.contains("\n3 transactions in ")) << "the watch goes on";
+    EXPECT_EQ(slave.counts().requests, 3u);
 }
 
 TEST_F(WatchLogTest, OfAKilledProgramHasWholeLinesOnly)
@@ -245,6 +257,17 @@ TEST_F(WatchLogTest, ATableStaysOnATerminal)
     ASSERT_TRUE(waitUntil([&] { return lines(path()).size() > 3; }));
     program.type("\x03");
     EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+TEST_F(WatchLogTest, ATableSaysThatNothingIsKept)
+{
+    PtyProgram program({"watch", target(), "HR1", "--interval", "0.02", "--output", "/dev/full"});
+    EXPECT_TRUE(program.waitForScreen([](const Screen &screen) {
+        return screen.text().contains(
+            QRegularExpression("/dev/full: No space left on device; \\d+ lines not kept"));
+    })) << program.screen().text().toStdString();
+    program.type("\x03");
+    EXPECT_EQ(program.waitForEnd(), 1);
 }
 
 TEST_F(WatchLogTest, EndsAtOnceWhenItCannotKeepAnything)
