@@ -1,0 +1,90 @@
+#include "desk/plan/exploring.h"
+
+#include "desk/plan/asking.h"
+
+namespace
+{
+
+// How much a request may cost, in units of its reply, on any line with any device.
+const double LeastRequest = 3;
+const double GreatestRequest = 1e6;
+
+int requestsOf(const SpanPlan &plan, const CheapestRanges &ranges)
+{
+    int requests = 0;
+    for (int span = 0; span < plan.size(); span = ranges.lastSpan[static_cast<size_t>(span)] + 1)
+        ++requests;
+    return requests;
+}
+
+// Whether it matters for the plan what a request costs.
+bool mattersCost(const SpanPlan &plan, const Refusals &refusals, RangeRules rules)
+{
+    if (!rules.fillsGaps || rules.isOneByOne)
+        return false;
+    rules.cost = {LeastRequest, 1};
+    const int most = requestsOf(plan, cheapestRanges(plan.spans, refusals, rules));
+    rules.cost = {GreatestRequest, 1};
+    return requestsOf(plan, cheapestRanges(plan.spans, refusals, rules)) < most;
+}
+
+struct Exploration {
+    Span span;
+    /// What is new about it; the same as the span where all of it has been read together.
+    Span step;
+};
+
+// The shortest range of a wanted length: part of one that is planned, or two of them and the gap between.
+std::optional<Exploration> explorationFor(const SpanPlan &plan, const Refusals &refusals,
+                                          const RangeRules &rules, const CostLearner::Lengths &wanted)
+{
+    std::optional<Exploration> best;
+    const auto consider = [&](const Exploration &exploration) {
+        const int units = (exploration.span.count() + rules.itemsPerUnit - 1) / rules.itemsPerUnit;
+        if (units >= wanted.shortest && units <= wanted.longest &&
+            exploration.span.count() <= rules.maxCount && !refusals.isBarred(exploration.span) &&
+            (!best || exploration.span.count() < best->span.count()))
+            best = exploration;
+    };
+    for (int span = 0; span < plan.size();) {
+        const int last = plan.lastSpan(span);
+        const Span first = plan.range(span, span);
+        consider({first, first});
+        if (last + 1 < plan.size()) {
+            const int next = plan.lastSpan(last + 1);
+            consider({plan.range(span, next),
+                      {plan.range(last, last).last, plan.range(last + 1, last + 1).first}});
+        }
+        span = last + 1;
+    }
+    return best;
+}
+
+} // namespace
+
+RangeReply::Outcome explore(Table &table, StationFacts &facts, RefreshClient &client, qint64 now)
+{
+    RequestFacts &requests = facts.requests(table.area());
+    const std::optional<CostLearner::Lengths> wanted = requests.cost.wantedLengths();
+    if (!wanted)
+        return RangeReply::Given;
+    SpanPlan &plan = table.plan(facts);
+    if (plan.unexplorable && *plan.unexplorable == *wanted)
+        return RangeReply::Given;
+    Refusals &refusals = facts.refusals(table.area());
+    const RangeRules rules = table.rules(facts);
+    std::optional<Exploration> exploration;
+    if (mattersCost(plan, refusals, rules))
+        exploration = explorationFor(plan, refusals, rules, *wanted);
+    if (!exploration) {
+        plan.unexplorable = wanted;
+        return RangeReply::Given;
+    }
+
+    const RangeReply reply = askAndLearn(table, facts, client, exploration->span);
+    const bool isTooLong =
+        reply.outcome == RangeReply::TooMany && requests.limit.addRefused(table.rangeOf(exploration->span));
+    if (reply.isRefusal() && !isTooLong)
+        refusals.addStep(exploration->step, reply.exception, now);
+    return reply.outcome == RangeReply::Ended ? RangeReply::Ended : RangeReply::Given;
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "desk/plan/table.h"
+
+/// The points of a table that a round has still to report. What is taken is told by the callers' numbers.
+class OpenPoints
+{
+public:
+    /// \a points must outlive it, in the order in which a table has them.
+    explicit OpenPoints(const std::vector<TablePoint> &points);
+
+    std::vector<int> takeWithin(const Span &span);
+    std::vector<int> takeEqual(const Span &span);
+    std::vector<int> takeAll();
+
+    bool isEmpty() const { return m_count == 0; }
+    bool isUntouched() const { return m_count == m_points.size(); }
+    std::vector<TablePoint> points() const;
+
+private:
+    template <typename Condition>
+    std::vector<int> take(const Span &span, Condition condition);
+
+    const std::vector<TablePoint> &m_points;
+    std::vector<bool> m_isTaken;
+    size_t m_count;
+};
