@@ -27,6 +27,13 @@ QString areaName(Area area)
     return QStringLiteral("HR");
 }
 
+QString rangeText(const AreaRange &range)
+{
+    const QString first = QStringLiteral("%1-%2%3").arg(QString::number(range.station), areaName(range.area),
+                                                        QString::number(range.first + 1));
+    return range.last == range.first ? first : first + QStringLiteral("..") + QString::number(range.last + 1);
+}
+
 Result<AreaRange> parseAreaRange(const QString &text)
 {
     static const QRegularExpression pattern(

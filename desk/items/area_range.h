@@ -18,3 +18,5 @@ struct AreaRange {
 
 /// Reads a range; the error says what was expected.
 Result<AreaRange> parseAreaRange(const QString &text);
+/// "1-HR1..5"; "1-HR5" where it is one address.
+QString rangeText(const AreaRange &range);

@@ -22,8 +22,10 @@ public:
     int given() const { return m_given; }
     /// The smallest count that is known to be refused; one more than the protocol's maximum if none is.
     int refused() const;
+    /// Whether anything was refused for its length.
+    bool hasRefused() const { return refused() <= m_maximum; }
     /// Whether it is known; without any refusal it is the protocol's.
-    bool isExact() const { return refused() > m_maximum || refused() == m_given + 1; }
+    bool isExact() const { return !hasRefused() || refused() == m_given + 1; }
     /// What to ask for at most, to find out soon where between the two the limit lies.
     int attempt() const;
 

@@ -87,7 +87,14 @@ void Refusals::setNoFunction(const Span &asked, qint64 now)
 void Refusals::restore(const Refusal &refusal)
 {
     const auto place = std::lower_bound(m_refusals.begin(), m_refusals.end(), refusal.span, isBefore);
-    m_refusals.insert(place, refusal);
+    if (place == m_refusals.end() || !(place->span == refusal.span))
+        m_refusals.insert(place, refusal);
+    ++m_version;
+}
+
+void Refusals::restoreNoFunction(const Refusal &refusal)
+{
+    m_noFunction = refusal;
     ++m_version;
 }
 

@@ -32,6 +32,7 @@ public:
     /// Two that can be read are refused together; \a span reaches from the end of one to that of the other.
     void addStep(const Span &span, int exception, qint64 now);
     void restore(const Refusal &refusal);
+    void restoreNoFunction(const Refusal &refusal);
     void clear();
 
     /// There was no answer to \a span on its own, though there was to others. Until that has happened several

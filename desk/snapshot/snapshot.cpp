@@ -152,12 +152,6 @@ QString addressText(const AreaRange &range, int index)
     return QStringLiteral("%1-%2").arg(QString::number(range.station), inArea(range, index, index));
 }
 
-QString rangeText(const AreaRange &range)
-{
-    return QStringLiteral("%1-%2").arg(QString::number(range.station),
-                                       inArea(range, 0, range.last - range.first));
-}
-
 QString snapshotText(const Snapshot &snapshot)
 {
     QStringList lines{QLatin1String(Title), QStringLiteral("format %1").arg(Format),

@@ -20,8 +20,6 @@ struct Snapshot {
 
 /// "1-HR5", where one address is meant.
 QString addressText(const AreaRange &range, int index);
-/// "1-HR1..5".
-QString rangeText(const AreaRange &range);
 
 /// The file of a snapshot: text that people can read and compare.
 ///
