@@ -32,6 +32,7 @@ public:
     /// Lengths that would tell more than those seen; nothing once what a request costs can be told from what
     /// its units cost, even if one of the times is far out.
     std::optional<Lengths> wantedLengths();
+    bool hasMeasured() const { return m_isRestored || m_count > 0; }
     bool isKnown() { return m_isRestored || (m_count > 0 && !wantedLengths()); }
 
     /// What was learnt before: it stands until it is learnt anew.

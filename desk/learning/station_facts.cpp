@@ -10,3 +10,9 @@ void StationFacts::compareCosts()
     else if (bits.isKnown())
         registers.setStart({bits.cost().perRequest, bits.cost().perUnit / byteOfRegister});
 }
+
+void StationFacts::forgetRefusals()
+{
+    for (Refusals &refusals : m_refusals)
+        refusals.clear();
+}

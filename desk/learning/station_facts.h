@@ -27,6 +27,8 @@ class StationFacts
 public:
     RequestFacts &requests(Area area) { return m_requests.at(isBitArea(area) ? 1 : 0); }
     Refusals &refusals(Area area) { return m_refusals.at(static_cast<size_t>(area)); }
+    /// Asks for everything again.
+    void forgetRefusals();
     /// Lets the kind of requests whose costs are not known go by the other.
     void compareCosts();
 

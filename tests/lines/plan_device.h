@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desk/plan/range_reader.h"
+#include "desk/refresh/refresh_client.h"
 #include "tests/lines/serial_timing.h"
 
 #include <map>

@@ -1,6 +1,6 @@
 #include "desk/plan/cheapest_ranges.h"
 
-#include "desk/plan/table.h"
+#include "desk/plan/area_plan.h"
 #include "tests/lines/best_plan.h"
 
 #include <gtest/gtest.h>
@@ -125,13 +125,13 @@ TEST(CheapestRanges, AreAsCheapAsTheBestOfAllSets)
             for (const int hole : holes)
                 refusals.addWanted({hole, hole}, 2, 0);
         }
-        std::vector<TablePoint> points;
+        std::vector<AreaPoint> points;
         for (const AreaRange &point : layout.points) {
             if (layout.device.isThere(point))
                 points.push_back({{point.first, point.last}, 0});
         }
-        const Table table(1, area, points);
-        const std::vector<Span> spans = spansOf(table.points(), refusals);
+        const AreaPlan areaPlan(1, area, points);
+        const std::vector<Span> spans = spansOf(areaPlan.points(), refusals);
         const RangeRules rules{layout.device.timing.cost(area), itemsPerUnit(area),
                                layout.device.maxCount(area), true, false};
         const double cost = cheapestRanges(spans, refusals, rules).cost.front();

@@ -4,7 +4,7 @@
 #include "desk/plan/cheapest_ranges.h"
 
 /// What is wanted of one area of one station.
-struct TablePoint {
+struct AreaPoint {
     Span span;
     int index; ///< the caller's
 };
@@ -35,17 +35,17 @@ struct SpanPlan {
 
 /// Spans that have to be read so that all of the points are, as far as they are not known to be refused.
 /// \a points rise by their first and fall by their last numbers.
-std::vector<Span> spansOf(const std::vector<TablePoint> &points, const Refusals &refusals);
+std::vector<Span> spansOf(const std::vector<AreaPoint> &points, const Refusals &refusals);
 
 /// All that is wanted of one area of one station, and how it is asked for.
-class Table
+class AreaPlan
 {
 public:
-    Table(int station, Area area, std::vector<TablePoint> points);
+    AreaPlan(int station, Area area, std::vector<AreaPoint> points);
 
     int station() const { return m_station; }
     Area area() const { return m_area; }
-    const std::vector<TablePoint> &points() const { return m_points; }
+    const std::vector<AreaPoint> &points() const { return m_points; }
     AreaRange rangeOf(const Span &span) const { return {m_station, m_area, span.first, span.last}; }
 
     /// The cheapest plan for what has been learnt. Made anew only when that has changed it.
@@ -64,8 +64,11 @@ private:
 
     int m_station;
     Area m_area;
-    std::vector<TablePoint> m_points;
+    std::vector<AreaPoint> m_points;
     SpanPlan m_plan;
     bool m_isPlanned = false;
     quint64 m_plansMade = 0;
 };
+
+/// A plan for each area that has points; they are numbered by their places.
+std::vector<AreaPlan> areaPlansOf(const std::vector<AreaRange> &points);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "desk/learning/span_set.h"
-#include "desk/plan/range_reader.h"
+#include "desk/refresh/refresh_client.h"
 
 #include <functional>
 #include <vector>

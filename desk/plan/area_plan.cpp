@@ -1,12 +1,13 @@
-#include "desk/plan/table.h"
+#include "desk/plan/area_plan.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace
 {
 
-bool isBefore(const TablePoint &left, const TablePoint &right)
+bool isBefore(const AreaPoint &left, const AreaPoint &right)
 {
     return left.span.first != right.span.first ? left.span.first < right.span.first
                                                : left.span.last > right.span.last;
@@ -17,10 +18,10 @@ const double WorthTrying = 0.02;
 
 } // namespace
 
-std::vector<Span> spansOf(const std::vector<TablePoint> &points, const Refusals &refusals)
+std::vector<Span> spansOf(const std::vector<AreaPoint> &points, const Refusals &refusals)
 {
     std::vector<Span> spans;
-    for (const TablePoint &point : points) {
+    for (const AreaPoint &point : points) {
         const bool isWithinOther = !spans.empty() && point.span.last <= spans.back().last;
         if (!isWithinOther && refusals.wanted(point.span) == nullptr)
             spans.push_back(point.span);
@@ -28,13 +29,13 @@ std::vector<Span> spansOf(const std::vector<TablePoint> &points, const Refusals 
     return spans;
 }
 
-Table::Table(int station, Area area, std::vector<TablePoint> points)
+AreaPlan::AreaPlan(int station, Area area, std::vector<AreaPoint> points)
     : m_station(station), m_area(area), m_points(std::move(points))
 {
     std::sort(m_points.begin(), m_points.end(), isBefore);
 }
 
-SpanPlan &Table::plan(StationFacts &facts)
+SpanPlan &AreaPlan::plan(StationFacts &facts)
 {
     const Refusals &refusals = facts.refusals(m_area);
     if (!m_isPlanned || m_plan.refusals != refusals.version()) {
@@ -48,7 +49,7 @@ SpanPlan &Table::plan(StationFacts &facts)
     return m_plan;
 }
 
-void Table::replan(SpanPlan &plan, StationFacts &facts, int from)
+void AreaPlan::replan(SpanPlan &plan, StationFacts &facts, int from)
 {
     const CountLimit &limit = facts.requests(m_area).limit;
     const RangeRules rules = this->rules(facts);
@@ -64,7 +65,7 @@ void Table::replan(SpanPlan &plan, StationFacts &facts, int from)
 
 // As long as the limit lies somewhere between what was given and what was refused, longer requests are tried
 // where they would save something.
-CheapestRanges Table::rangesToTry(const std::vector<Span> &spans, StationFacts &facts, int from) const
+CheapestRanges AreaPlan::rangesToTry(const std::vector<Span> &spans, StationFacts &facts, int from) const
 {
     const CountLimit &limit = facts.requests(m_area).limit;
     RangeRules rules = this->rules(facts);
@@ -87,16 +88,29 @@ CheapestRanges Table::rangesToTry(const std::vector<Span> &spans, StationFacts &
     return ranges;
 }
 
-bool Table::isOutdated(const SpanPlan &plan, StationFacts &facts) const
+bool AreaPlan::isOutdated(const SpanPlan &plan, StationFacts &facts) const
 {
     RequestFacts &requests = facts.requests(m_area);
     return plan.maxCount != requests.limit.attempt() || plan.refusedCount != requests.limit.refused() ||
            !isNear(plan.cost, requests.cost.cost());
 }
 
-RangeRules Table::rules(StationFacts &facts) const
+RangeRules AreaPlan::rules(StationFacts &facts) const
 {
     RequestFacts &requests = facts.requests(m_area);
     return {requests.cost.cost(), itemsPerUnit(m_area), requests.limit.attempt(), facts.options.fillsGaps,
             facts.options.isOneByOne};
+}
+
+std::vector<AreaPlan> areaPlansOf(const std::vector<AreaRange> &points)
+{
+    std::map<std::pair<int, Area>, std::vector<AreaPoint>> byArea;
+    for (size_t i = 0; i < points.size(); ++i)
+        byArea[{points[i].station, points[i].area}].push_back(
+            {{points[i].first, points[i].last}, static_cast<int>(i)});
+    std::vector<AreaPlan> areas;
+    areas.reserve(byArea.size());
+    for (auto &[key, areaPoints] : byArea)
+        areas.emplace_back(key.first, key.second, std::move(areaPoints));
+    return areas;
 }

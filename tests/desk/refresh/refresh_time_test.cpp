@@ -1,9 +1,9 @@
 // How long a refresh takes on the line, beside the best plan that who knows the device and the line can make.
 
-#include "desk/plan/refresh.h"
+#include "desk/refresh/refresh.h"
 
-#include "tests/peers/text_printing.h"
 #include "tests/lines/best_plan.h"
+#include "tests/peers/text_printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "desk/plan/hole_search.h"
+#include "desk/refresh/hole_search.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,6 +1,6 @@
-#include "desk/plan/exploring.h"
+#include "desk/refresh/exploring.h"
 
-#include "desk/plan/asking.h"
+#include "desk/refresh/asking.h"
 
 namespace
 {
@@ -62,17 +62,17 @@ std::optional<Exploration> explorationFor(const SpanPlan &plan, const Refusals &
 
 } // namespace
 
-RangeReply::Outcome explore(Table &table, StationFacts &facts, RefreshClient &client, qint64 now)
+RangeReply::Outcome explore(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client, qint64 now)
 {
-    RequestFacts &requests = facts.requests(table.area());
+    RequestFacts &requests = facts.requests(areaPlan.area());
     const std::optional<CostLearner::Lengths> wanted = requests.cost.wantedLengths();
     if (!wanted)
         return RangeReply::Given;
-    SpanPlan &plan = table.plan(facts);
+    SpanPlan &plan = areaPlan.plan(facts);
     if (plan.unexplorable && *plan.unexplorable == *wanted)
         return RangeReply::Given;
-    Refusals &refusals = facts.refusals(table.area());
-    const RangeRules rules = table.rules(facts);
+    Refusals &refusals = facts.refusals(areaPlan.area());
+    const RangeRules rules = areaPlan.rules(facts);
     std::optional<Exploration> exploration;
     if (mattersCost(plan, refusals, rules))
         exploration = explorationFor(plan, refusals, rules, *wanted);
@@ -81,9 +81,9 @@ RangeReply::Outcome explore(Table &table, StationFacts &facts, RefreshClient &cl
         return RangeReply::Given;
     }
 
-    const RangeReply reply = askAndLearn(table, facts, client, exploration->span);
-    const bool isTooLong =
-        reply.outcome == RangeReply::TooMany && requests.limit.addRefused(table.rangeOf(exploration->span));
+    const RangeReply reply = askAndLearn(areaPlan, facts, client, exploration->span);
+    const bool isTooLong = reply.outcome == RangeReply::TooMany &&
+                           requests.limit.addRefused(areaPlan.rangeOf(exploration->span));
     if (reply.isRefusal() && !isTooLong)
         refusals.addStep(exploration->step, reply.exception, now);
     return reply.outcome == RangeReply::Ended ? RangeReply::Ended : RangeReply::Given;

@@ -1,9 +1,9 @@
 // Whatever a device has, refuses and limits: a refresh reports what reading one by one would, in every round.
 
-#include "desk/plan/refresh.h"
+#include "desk/refresh/refresh.h"
 
-#include "tests/peers/text_printing.h"
 #include "tests/lines/layouts.h"
+#include "tests/peers/text_printing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "desk/plan/range_reader.h"
-#include "desk/plan/table.h"
+#include "desk/plan/area_plan.h"
+#include "desk/refresh/refresh_client.h"
 
 /// Brings points up to date, round after round, with as little time on the line as what has been learnt
 /// allows.
@@ -17,11 +17,11 @@ public:
     /// Asks for what would tell how to plan the next round better; nothing once that is known.
     void explore(RefreshClient &client, qint64 now);
 
-    std::vector<Table> &tables() { return m_tables; }
+    std::vector<AreaPlan> &areas() { return m_areas; }
     /// How often anything was planned.
     quint64 plansMade() const;
 
 private:
-    std::vector<Table> m_tables;
+    std::vector<AreaPlan> m_areas;
     Learnt &m_learnt;
 };

@@ -1,15 +1,15 @@
 #pragma once
 
-#include "desk/plan/hole_search.h"
-#include "desk/plan/open_points.h"
+#include "desk/refresh/hole_search.h"
+#include "desk/refresh/open_points.h"
 
 /// Reads all that is wanted of one area of one station once, and learns from what comes of it. Every point is
 /// reported in the end.
-class TableRound
+class AreaRound
 {
 public:
     /// \a now in milliseconds, of the same clock in every round.
-    TableRound(Table &table, StationFacts &facts, RefreshClient &client, qint64 now);
+    AreaRound(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client, qint64 now);
 
     /// Given, or why nothing more is to be asked.
     RangeReply::Outcome run();
@@ -38,10 +38,10 @@ private:
     bool isOver() const { return m_over != RangeReply::Given; }
 
     AreaRange rangeOf(const Span &span) const;
-    Refusals &refusals() const { return m_facts.refusals(m_table.area()); }
-    RequestFacts &requests() const { return m_facts.requests(m_table.area()); }
+    Refusals &refusals() const { return m_facts.refusals(m_areaPlan.area()); }
+    RequestFacts &requests() const { return m_facts.requests(m_areaPlan.area()); }
 
-    Table &m_table;
+    AreaPlan &m_areaPlan;
     StationFacts &m_facts;
     RefreshClient &m_client;
     qint64 m_now;

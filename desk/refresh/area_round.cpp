@@ -1,6 +1,6 @@
-#include "desk/plan/table_round.h"
+#include "desk/refresh/area_round.h"
 
-#include "desk/plan/asking.h"
+#include "desk/refresh/asking.h"
 
 #include <algorithm>
 
@@ -14,12 +14,12 @@ const int Neighbourhood = 3;
 
 } // namespace
 
-TableRound::TableRound(Table &table, StationFacts &facts, RefreshClient &client, qint64 now)
-    : m_table(table), m_facts(facts), m_client(client), m_now(now), m_open(table.points())
+AreaRound::AreaRound(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client, qint64 now)
+    : m_areaPlan(areaPlan), m_facts(facts), m_client(client), m_now(now), m_open(areaPlan.points())
 {
 }
 
-RangeReply::Outcome TableRound::run()
+RangeReply::Outcome AreaRound::run()
 {
     readOpen();
     if (!isOver())
@@ -32,34 +32,34 @@ RangeReply::Outcome TableRound::run()
 }
 
 // What lies within something that turns out to be refused has to be read for itself.
-void TableRound::readOpen()
+void AreaRound::readOpen()
 {
     if (m_open.isUntouched())
-        readSpans(m_table.plan(m_facts));
+        readSpans(m_areaPlan.plan(m_facts));
     while (!m_open.isEmpty() && !isOver()) {
         SpanPlan plan;
         plan.spans = spansOf(m_open.points(), refusals());
         if (plan.spans.empty())
             return;
-        m_table.replan(plan, m_facts);
+        m_areaPlan.replan(plan, m_facts);
         readSpans(plan);
     }
 }
 
-void TableRound::readSpans(SpanPlan &plan)
+void AreaRound::readSpans(SpanPlan &plan)
 {
     m_plan = &plan;
     m_position = 0;
     m_isJoined = m_isDoubtful = false;
     m_holes = 0;
     while (m_position < plan.size() && !isOver()) {
-        if (m_table.isOutdated(plan, m_facts))
-            m_table.replan(plan, m_facts, m_position);
+        if (m_areaPlan.isOutdated(plan, m_facts))
+            m_areaPlan.replan(plan, m_facts, m_position);
         readNext();
     }
 }
 
-void TableRound::readNext()
+void AreaRound::readNext()
 {
     const int last = lastOfNext();
     const int first = firstOfNext(last);
@@ -71,7 +71,7 @@ void TableRound::readNext()
 }
 
 // Where holes are frequent, long ranges would only be refused.
-int TableRound::lastOfNext() const
+int AreaRound::lastOfNext() const
 {
     if (m_isDoubtful)
         return m_position;
@@ -81,18 +81,18 @@ int TableRound::lastOfNext() const
 
 // A range that is not the planned one takes the span before along: so it becomes known whether they can be
 // read together, before a plan relies on it.
-int TableRound::firstOfNext(int last) const
+int AreaRound::firstOfNext(int last) const
 {
     if (!m_isJoined || m_isDoubtful || m_position == 0)
         return m_position;
     const Span whole = m_plan->range(m_position - 1, last);
-    const RangeRules rules = m_table.rules(m_facts);
+    const RangeRules rules = m_areaPlan.rules(m_facts);
     const bool isAllowed = rules.fillsGaps && !rules.isOneByOne && whole.count() <= rules.maxCount &&
                            !refusals().isBarred(whole);
     return isAllowed ? m_position - 1 : m_position;
 }
 
-void TableRound::goOnAfter(int span, bool isRead)
+void AreaRound::goOnAfter(int span, bool isRead)
 {
     m_isJoined = isRead && span != m_plan->lastSpan(m_position);
     m_isDoubtful = false;
@@ -100,7 +100,7 @@ void TableRound::goOnAfter(int span, bool isRead)
 }
 
 // The span before cannot be read, or not together with this one.
-void TableRound::goOnAt(int span)
+void AreaRound::goOnAt(int span)
 {
     m_position = span;
     m_isJoined = false;
@@ -109,7 +109,7 @@ void TableRound::goOnAt(int span)
     ++m_holes;
 }
 
-void TableRound::takeRefusal(int first, int last, const RangeReply &reply)
+void AreaRound::takeRefusal(int first, int last, const RangeReply &reply)
 {
     const Span span = m_plan->range(first, last);
     const bool isShorterWorthTrying =
@@ -128,7 +128,7 @@ void TableRound::takeRefusal(int first, int last, const RangeReply &reply)
 
 // What was read together before is lost by chance. And a station that has been silent for long, or always,
 // has to answer to one span before it is asked for more.
-bool TableRound::isWorthSearching(int first, int last)
+bool AreaRound::isWorthSearching(int first, int last)
 {
     const Span span = m_plan->range(first, last);
     if (refusals().wasGiven(span) && span.count() <= requests().limit.given())
@@ -145,7 +145,7 @@ bool TableRound::isWorthSearching(int first, int last)
 }
 
 // The device may not know the function, and then need not be asked for every part.
-void TableRound::readFirstAlone(int last, const RangeReply &reply)
+void AreaRound::readFirstAlone(int last, const RangeReply &reply)
 {
     const int first = m_position;
     const RangeReply answer = ask(m_plan->range(first, first));
@@ -155,7 +155,7 @@ void TableRound::readFirstAlone(int last, const RangeReply &reply)
         takeAlone(first, answer, true);
 }
 
-void TableRound::search(int first, int last, bool isFirstGiven, const RangeReply &reply)
+void AreaRound::search(int first, int last, bool isFirstGiven, const RangeReply &reply)
 {
     const auto read = [&](int from, int to) { return ask(m_plan->range(from, to)); };
     const auto isDoubtful = [&](int count, const RangeReply &refusal) {
@@ -175,7 +175,7 @@ void TableRound::search(int first, int last, bool isFirstGiven, const RangeReply
     }
 }
 
-void TableRound::takeStep(int span, const RangeReply &reply)
+void AreaRound::takeStep(int span, const RangeReply &reply)
 {
     const Span step{m_plan->range(span - 1, span - 1).last, m_plan->range(span, span).last};
     refusals().addStep(step, reply.exception, m_now);
@@ -184,7 +184,7 @@ void TableRound::takeStep(int span, const RangeReply &reply)
 }
 
 // A span that was refused on its own. No answer says so only where there was one to others at the same time.
-void TableRound::takeAlone(int span, const RangeReply &reply, bool isLossTelling)
+void AreaRound::takeAlone(int span, const RangeReply &reply, bool isLossTelling)
 {
     const Span alone = m_plan->range(span, span);
     m_client.failed(rangeOf(alone), m_open.takeEqual(alone));
@@ -203,21 +203,21 @@ void TableRound::takeAlone(int span, const RangeReply &reply, bool isLossTelling
     goOnAt(span + 1);
 }
 
-void TableRound::fail(int first, int last)
+void AreaRound::fail(int first, int last)
 {
     const Span span = m_plan->range(first, last);
     m_client.failed(rangeOf(span), m_open.takeWithin(span));
     goOnAfter(last, false);
 }
 
-void TableRound::failAll(const AreaRange &asked)
+void AreaRound::failAll(const AreaRange &asked)
 {
     const std::vector<int> points = m_open.takeAll();
     if (!points.empty())
         m_client.failed(asked, points);
 }
 
-void TableRound::askAgain()
+void AreaRound::askAgain()
 {
     const std::optional<Refusals::Refusal> refusal = refusals().due(m_now);
     if (!refusal)
@@ -234,18 +234,18 @@ void TableRound::askAgain()
         refusals().addStep(refusal->span, refusal->exception, m_now);
 }
 
-void TableRound::reportRefused()
+void AreaRound::reportRefused()
 {
-    for (const TablePoint &point : m_open.points()) {
+    for (const AreaPoint &point : m_open.points()) {
         const std::vector<int> points = m_open.takeEqual(point.span);
         if (!points.empty())
             m_client.notAsked(*refusals().wanted(point.span), points);
     }
 }
 
-RangeReply TableRound::ask(const Span &span)
+RangeReply AreaRound::ask(const Span &span)
 {
-    const RangeReply reply = askAndLearn(m_table, m_facts, m_client, span);
+    const RangeReply reply = askAndLearn(m_areaPlan, m_facts, m_client, span);
     if (reply.isOver())
         m_over = reply.outcome;
     if (reply.outcome != RangeReply::Given)
@@ -256,7 +256,7 @@ RangeReply TableRound::ask(const Span &span)
     return reply;
 }
 
-AreaRange TableRound::rangeOf(const Span &span) const
+AreaRange AreaRound::rangeOf(const Span &span) const
 {
-    return m_table.rangeOf(span);
+    return m_areaPlan.rangeOf(span);
 }
