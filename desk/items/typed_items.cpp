@@ -132,6 +132,9 @@ TypedItems typedItems(const Items &items, ValueForm form)
     typed.items = items;
     typed.type = typeOf(items.kind, form);
     typed.order = defaultOrder(typed.type);
+    typed.order.isHighWordFirst =
+        typed.order.isHighWordFirst ||
+        (items.kind == DoubleWordItem && (items.highWordFirst || items.address.highWordFirst));
     typed.count = items.count;
     return typed;
 }

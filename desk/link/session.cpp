@@ -1,6 +1,18 @@
 #include "desk/link/session.h"
 
 #include "desk/wire/frame_text.h"
+#include "desk/wire/protocol.h"
+
+namespace
+{
+
+bool isRefusedForGood(const Exchange &exchange)
+{
+    const int exception = exceptionIn(exchange);
+    return exception >= modbus::IllegalFunction && exception <= modbus::IllegalDataValue;
+}
+
+} // namespace
 
 Session::Session(const QString &plugin, const LinkSettings &settings)
     : Session(plugin, settings, std::make_unique<TcpChannel>(settings.channel))
@@ -59,12 +71,26 @@ void Session::finish()
     m_command.end(m_channel->now(), m_channel->isCancelled());
     m_counts.add(m_command);
     m_trace.flush();
+    if (m_hasEndedAttempts)
+        m_channel->setRetries(m_settings.retries);
+    m_hasEndedAttempts = false;
 }
 
 void Session::observe(ChannelEvent event, const QByteArray &bytes)
 {
     m_command.add(event, bytes, m_channel->now());
     trace(event, bytes);
+    if (event == ChannelEvent::Received && !m_repeatsRefused)
+        endAttemptsWhenRefused();
+}
+
+// The driver asks the channel after each attempt whether there is another one.
+void Session::endAttemptsWhenRefused()
+{
+    if (!isRefusedForGood(m_command.exchanges().back()))
+        return;
+    m_channel->setRetries(0);
+    m_hasEndedAttempts = true;
 }
 
 void Session::trace(ChannelEvent event, const QByteArray &bytes)

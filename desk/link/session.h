@@ -26,6 +26,10 @@ public:
     std::optional<QByteArray> read(const Items &items);
     bool write(const Items &items, const QByteArray &data);
 
+    /// Whether a request that was refused for its function, addresses or count is sent again, as the retries
+    /// have it (default); a device that has refused it once does so again.
+    void setRepeatsRefused(bool repeats) { m_repeatsRefused = repeats; }
+
     int stationFor(const Items &items) const;
     const ChannelSettings &settings() const { return m_settings; }
     /// Gives replies another time from now on, in milliseconds.
@@ -47,6 +51,7 @@ private:
     void finish();
     void observe(ChannelEvent event, const QByteArray &bytes);
     void trace(ChannelEvent event, const QByteArray &bytes);
+    void endAttemptsWhenRefused();
 
     ChannelSettings m_settings;
     std::unique_ptr<LineChannel> m_channel;
@@ -54,4 +59,6 @@ private:
     MasterTrace m_trace;
     CommandRecord m_command;
     LinkCounts m_counts;
+    bool m_repeatsRefused = true;
+    bool m_hasEndedAttempts = false;
 };

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 
-WatchLoop::WatchLoop(Session &session, const std::vector<Reading> &readings, const WatchSettings &settings,
-                     const WatchPauses &pauses)
+WatchLoop::WatchLoop(Session &session, const std::vector<Reading> &readings, Learnt &learnt,
+                     const WatchSettings &settings, const WatchPauses &pauses)
     : m_session(session),
       m_readings(readings),
+      m_planned(session, readings, learnt),
       m_settings(settings),
       m_pauses(pauses),
       m_lastRows(readings.size())
@@ -17,6 +18,7 @@ WatchLoop::WatchLoop(Session &session, const std::vector<Reading> &readings, con
 bool WatchLoop::run(WatchListener &listener)
 {
     m_clock.start();
+    m_listener = &listener;
     m_session.channel().setCancelled([&] {
         listener.tick();
         return isStopped();
@@ -29,71 +31,65 @@ bool WatchLoop::run(WatchListener &listener)
 bool WatchLoop::readRounds(WatchListener &listener)
 {
     while (true) {
-        if (!readRound(listener))
+        if (!m_planned.readRound(*this))
             return false;
         ++m_rounds;
         if (!listener.endRound())
             return false;
         if (isOver())
             return true;
+        m_planned.explore();
         m_pauses.wait(timeToNextRound());
         if (isOver())
             return true;
     }
 }
 
-bool WatchLoop::readRound(WatchListener &listener)
+void WatchLoop::addCommand(bool isRead)
 {
-    for (size_t i = 0; i < m_readings.size(); ++i) {
-        if (!readOne(listener, i))
-            return false;
-        // Without a connection the others would wait for one each, and in vain.
-        if (m_isUnconnected)
-            return failOthers(listener, i + 1);
-    }
-    return true;
-}
-
-bool WatchLoop::readOne(WatchListener &listener, size_t index)
-{
-    const Reading &reading = m_readings[index];
-    const std::optional<QByteArray> data = m_session.read(reading.items);
-    m_isUnconnected = !data && m_session.failure().kind == FailureKind::CannotConnect;
-    if (data) {
-        const CommandRecord &command = m_session.lastCommand();
+    const CommandRecord &command = m_session.lastCommand();
+    if (isRead)
         m_statistics.addSuccess(command.latency(), command.duration());
-        std::vector<ValueRow> rows = rowsOf(reading, *data, m_session.stationFor(reading.items));
-        for (ValueRow &row : rows) {
-            row.time = dateAndTimeText(QDateTime::currentDateTime());
-            row.latency = command.latency();
-        }
-        addTransaction(rows);
-        m_lastRows[index] = rows;
-        return listener.add(index, rows);
-    }
-    // What was given up because the run is over is no failure of the slave.
-    if (isStopped())
-        return true;
-    m_failure = m_session.failure();
-    m_statistics.addFailure(m_failure->text);
-    std::vector<ValueRow> rows = failedRows(index);
-    addTransaction(rows);
-    return listener.addFailure(index, rows, failureText(index));
+    else
+        m_statistics.addFailure(m_session.failure().text);
 }
 
-bool WatchLoop::failOthers(WatchListener &listener, size_t first)
-{
-    for (size_t i = first; i < m_readings.size() && !isStopped(); ++i) {
-        if (!listener.addFailure(i, failedRows(i), failureText(i)))
-            return false;
-    }
-    return true;
-}
-
-std::vector<ValueRow> WatchLoop::failedRows(size_t index)
+bool WatchLoop::add(size_t index, const QByteArray &data)
 {
     const Reading &reading = m_readings[index];
-    const Failure failure = m_session.failure();
+    std::vector<ValueRow> rows = rowsOf(reading, data, m_session.stationFor(reading.items));
+    for (ValueRow &row : rows) {
+        row.time = dateAndTimeText(QDateTime::currentDateTime());
+        row.latency = m_session.lastCommand().latency();
+    }
+    addTransaction(rows);
+    m_lastRows[index] = rows;
+    return m_listener->add(index, rows);
+}
+
+bool WatchLoop::addFailure(const std::vector<size_t> &readings, const Failure &failure)
+{
+    m_failure = failure;
+    const QString error = errorOf(readings, failure);
+    return std::all_of(readings.begin(), readings.end(), [&](size_t reading) {
+        std::vector<ValueRow> rows = failedRows(reading, failure);
+        addTransaction(rows);
+        return m_listener->addFailure(reading, rows, error);
+    });
+}
+
+bool WatchLoop::addNotAsked(const std::vector<size_t> &readings, const Failure &failure)
+{
+    m_failure = failure;
+    const QString error = errorOf(readings, failure);
+    return std::all_of(readings.begin(), readings.end(), [&](size_t reading) {
+        return m_listener->addNotAsked(reading, failedRows(reading, failure), error);
+    });
+}
+
+std::vector<ValueRow> WatchLoop::failedRows(size_t index, const Failure &failure) const
+{
+    const Reading &reading = m_readings[index];
     std::vector<ValueRow> rows =
         failedRowsOf(reading, {nameOf(failure.kind), failure.text}, m_session.stationFor(reading.items));
     const QString time = dateAndTimeText(QDateTime::currentDateTime());
@@ -105,9 +101,12 @@ std::vector<ValueRow> WatchLoop::failedRows(size_t index)
     return rows;
 }
 
-QString WatchLoop::failureText(size_t index)
+QString WatchLoop::errorOf(const std::vector<size_t> &readings, const Failure &failure) const
 {
-    return labelOf(m_readings[index]) + QStringLiteral(": ") + m_session.failure().text;
+    std::vector<const Reading *> failed;
+    for (const size_t reading : readings)
+        failed.push_back(&m_readings[reading]);
+    return labelOf(failed) + QStringLiteral(": ") + failure.text;
 }
 
 void WatchLoop::addTransaction(std::vector<ValueRow> &rows) const

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "desk/link/session.h"
+#include "desk/live/planned_readings.h"
 #include "desk/live/statistics.h"
-#include "desk/readings/readings.h"
 
 #include <QElapsedTimer>
 
@@ -19,9 +18,15 @@ class WatchListener
 public:
     virtual ~WatchListener() = default;
 
-    /// One reading is done, or has failed for the reason in the rows; \a error is the same for people.
+    /// One reading is done, or has failed for the reason in the rows; \a error is the same for people, in the
+    /// same words for all that failed together.
     virtual bool add(size_t reading, const std::vector<ValueRow> &rows) = 0;
     virtual bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) = 0;
+    /// It was not asked for, since it was refused before.
+    virtual bool addNotAsked(size_t reading, const std::vector<ValueRow> &rows, const QString &error)
+    {
+        return addFailure(reading, rows, error);
+    }
     /// A round is over.
     virtual bool endRound() = 0;
     /// Called now and then while a reply is waited for.
@@ -35,11 +40,12 @@ struct WatchPauses {
 };
 
 /// Reads until the rounds or the time are over, or until it is asked to stop.
-class WatchLoop
+class WatchLoop : private ReadingListener
 {
 public:
-    WatchLoop(Session &session, const std::vector<Reading> &readings, const WatchSettings &settings,
-              const WatchPauses &pauses);
+    /// What is learnt of the stations is kept in \a learnt.
+    WatchLoop(Session &session, const std::vector<Reading> &readings, Learnt &learnt,
+              const WatchSettings &settings, const WatchPauses &pauses);
 
     /// False when the listener wanted no more.
     bool run(WatchListener &listener);
@@ -52,12 +58,14 @@ public:
     const std::optional<Failure> &lastFailure() const { return m_failure; }
 
 private:
+    bool add(size_t reading, const QByteArray &data) override;
+    bool addFailure(const std::vector<size_t> &readings, const Failure &failure) override;
+    bool addNotAsked(const std::vector<size_t> &readings, const Failure &failure) override;
+    void addCommand(bool isRead) override;
+
     bool readRounds(WatchListener &listener);
-    bool readRound(WatchListener &listener);
-    bool readOne(WatchListener &listener, size_t index);
-    bool failOthers(WatchListener &listener, size_t first);
-    std::vector<ValueRow> failedRows(size_t index);
-    QString failureText(size_t index);
+    std::vector<ValueRow> failedRows(size_t index, const Failure &failure) const;
+    QString errorOf(const std::vector<size_t> &readings, const Failure &failure) const;
     void addTransaction(std::vector<ValueRow> &rows) const;
     bool isStopped() const;
     bool isOver() const;
@@ -65,12 +73,13 @@ private:
 
     Session &m_session;
     const std::vector<Reading> &m_readings;
+    PlannedReadings m_planned;
     WatchSettings m_settings;
     WatchPauses m_pauses;
+    WatchListener *m_listener = nullptr;
     Statistics m_statistics;
     QElapsedTimer m_clock;
     std::vector<std::vector<ValueRow>> m_lastRows; // of each reading; empty until it was read
     int m_rounds = 0;
     std::optional<Failure> m_failure;
-    bool m_isUnconnected = false;
 };

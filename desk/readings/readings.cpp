@@ -66,6 +66,14 @@ QString labelOf(const Reading &reading)
     return reading.shown.empty() ? reading.items.label(0) : labelOf(reading.shown.front());
 }
 
+QString labelOf(const std::vector<const Reading *> &readings)
+{
+    if (readings.empty())
+        return {};
+    const QString first = labelOf(*readings.front());
+    return readings.size() == 1 ? first : first + QStringLiteral(" and %1 more").arg(readings.size() - 1);
+}
+
 std::vector<ValueRow> rowsOf(const Reading &reading, const QByteArray &data, int station)
 {
     std::vector<ValueRow> rows;

@@ -30,6 +30,8 @@ Point namelessPoint(const TypedItems &typed);
 QString labelOf(const Reading::Shown &shown);
 /// What messages call the reading: what its first value is called.
 QString labelOf(const Reading &reading);
+/// What messages call several readings: "HR1 and 3 more".
+QString labelOf(const std::vector<const Reading *> &readings);
 
 /// What the data that the driver read for \a reading shows. It came from \a station.
 std::vector<ValueRow> rowsOf(const Reading &reading, const QByteArray &data, int station);

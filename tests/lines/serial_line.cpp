@@ -2,7 +2,6 @@
 
 #include "desk/wire/rtu_frame.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace
@@ -74,10 +73,10 @@ int SerialLine::send(const char *bytes, int size, qint64 /*deadline*/)
 QByteArray SerialLine::receive(qint64 deadline)
 {
     if (!m_isOpen || m_reply.isEmpty() || m_replyAt > deadline) {
-        m_now = std::max(m_now, deadline);
+        pause(deadline);
         return {};
     }
-    m_now = std::max(m_now, m_replyAt);
+    pause(m_replyAt);
     QByteArray reply;
     reply.swap(m_reply);
     return reply;

@@ -3,6 +3,8 @@
 #include "desk/channel/line.h"
 #include "tests/lines/plan_device.h"
 
+#include <algorithm>
+
 /// A serial line with its devices behind a gateway, on a clock of its own: frames take the time that the line
 /// takes, and nobody waits for it.
 class SerialLine : public Line
@@ -16,6 +18,7 @@ public:
     LineState state() override { return m_isOpen ? LineState::Open : LineState::Closed; }
     int send(const char *bytes, int size, qint64 deadline) override;
     QByteArray receive(qint64 deadline) override;
+    void pause(qint64 until) override { m_now = std::max(m_now, until); }
     QString errorString() const override { return {}; }
     qint64 now() const override { return m_now; }
 
@@ -26,8 +29,6 @@ public:
     int requests() const { return m_requests; }
     int refusals() const { return m_refusals; }
     double busy() const { return m_busy; }
-    /// Lets time pass.
-    void wait(qint64 microseconds) { m_now += microseconds; }
 
 private:
     QByteArray replyTo(const QByteArray &request);

@@ -33,7 +33,7 @@ int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat
         reportBroadcast(session.stationFor(readings[i].items));
         if (values.read(readings[i]))
             continue;
-        values.fail(readings[i]);
+        values.fail({&readings[i]});
         if (values.isHopeless()) {
             values.failOthers(readings, i + 1);
             break;

@@ -3,10 +3,13 @@
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/link_options.h"
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/console/plan_options.h"
 #include "apps/driverhost/runs/reading_run.h"
 #include "apps/driverhost/terminal/progress.h"
 #include "apps/driverhost/watch/watch_options.h"
-#include "desk/plan/tag_plan.h"
+#include "desk/live/planned_readings.h"
+#include "desk/output/plan_form.h"
+#include "desk/plan/tag_readings.h"
 #include "desk/project/project_file.h"
 #include "drivers/tools/project_lookup.h"
 
@@ -16,13 +19,13 @@ namespace
 const CommandLine::Texts Texts = {
     "tags",
     "[rtutcp://HOST:PORT/STATION|@NAME] --project FILE",
-    "Reads all tags of a link of the project, the one of --device, through the driver as a panel would: bits "
-    "by runs\n"
-    "of those that are used, registers in ranges. Host, port and station are those of the link's default "
-    "node unless\n"
-    "given. The project holds no kinds: bits are bits, registers are words, or double words with --kind "
-    "dword or SW\n"
-    "in the address.",
+    "Reads all tags of a link of the project, the one of --device, through the driver, by few requests: the "
+    "ones that\n"
+    "take the line for the shortest time. Host, port and station are those of the link's default node unless "
+    "given. The\n"
+    "project holds no kinds: bits are bits, registers are words, or double words with --kind dword or SW in "
+    "the\n"
+    "address.",
     "  driverhost tags --project project.db --device ETHERNET\n"
     "  driverhost tags rtutcp://192.168.0.10:502/1 --project project.db --watch --interval 2",
 };
@@ -46,67 +49,63 @@ Result<> takeFromNode(LinkSettings &settings, const Project::Node &node, const C
     return {};
 }
 
-// A range that the slave refuses is read again value by value.
-void readOrSplit(ReadingRun &values, Session &session, const Reading &reading)
+class TagsListener : public ReadingListener
 {
-    if (values.read(reading))
-        return;
-    const bool isSplit = session.failure().kind == FailureKind::Exception && reading.shown.size() > 1;
-    if (!isSplit) {
-        values.fail(reading);
-        return;
+public:
+    TagsListener(const std::vector<Reading> &readings, ReadingRun &values, Progress &progress)
+        : m_readings(readings), m_values(values), m_progress(progress)
+    {
     }
-    for (const Reading &single : oneByOne(reading)) {
-        if (!values.read(single))
-            values.fail(single);
-    }
-}
 
-int readTags(Session &session, const std::vector<Reading> &readings, OutputFormat format)
+    bool add(size_t reading, const QByteArray &data) override
+    {
+        m_values.add(m_readings[reading], data);
+        m_progress.show(++m_done);
+        return true;
+    }
+    bool addFailure(const std::vector<size_t> &readings, const Failure & /*failure*/) override
+    {
+        m_values.fail(these(readings));
+        return true;
+    }
+    bool addNotAsked(const std::vector<size_t> &readings, const Failure &failure) override
+    {
+        m_values.failUnasked(these(readings), failure);
+        return true;
+    }
+    void addCommand(bool /*isRead*/) override {}
+
+private:
+    std::vector<const Reading *> these(const std::vector<size_t> &readings)
+    {
+        m_done += static_cast<qint64>(readings.size());
+        std::vector<const Reading *> failed;
+        for (const size_t reading : readings)
+            failed.push_back(&m_readings[reading]);
+        return failed;
+    }
+
+    const std::vector<Reading> &m_readings;
+    ReadingRun &m_values;
+    Progress &m_progress;
+    qint64 m_done = 0;
+};
+
+int readTags(Session &session, const std::vector<Reading> &readings, Learnt &learnt, OutputFormat format)
 {
     Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
     InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
     ReadingRun values(session);
-    for (size_t i = 0; i < readings.size() && !run.isInterrupted(); ++i) {
-        progress.show(static_cast<qint64>(i));
-        readOrSplit(values, session, readings[i]);
-        if (values.isHopeless()) {
-            values.failOthers(readings, i + 1);
-            break;
-        }
-    }
+    TagsListener listener(readings, values, progress);
+    PlannedReadings(session, readings, learnt).readRound(listener);
     return values.finish(format, run);
 }
 
-// The same readings; those that the slave refuses as a whole value by value.
-std::vector<Reading> readable(Session &session, const std::vector<Reading> &readings)
+int showPlan(const std::vector<Reading> &readings, int linkStation, Learnt learnt, OutputFormat format)
 {
-    Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
-    const InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
-    std::vector<Reading> result;
-    bool isConnected = true;
-    for (const Reading &reading : readings) {
-        progress.show(static_cast<qint64>(result.size()));
-        const bool isRead = isConnected && session.read(reading.items);
-        isConnected =
-            !run.isInterrupted() && (isRead || session.failure().kind != FailureKind::CannotConnect);
-        if (isConnected && !isRead && session.failure().kind == FailureKind::Exception) {
-            const std::vector<Reading> singles = oneByOne(reading);
-            result.insert(result.end(), singles.begin(), singles.end());
-        } else {
-            result.push_back(reading);
-        }
-    }
-    return run.isInterrupted() ? std::vector<Reading>() : result;
-}
-
-int watchTags(Session &session, const std::vector<Reading> &readings, const WatchRun &run)
-{
-    const std::vector<Reading> usable = readable(session, readings);
-    if (!usable.empty() || readings.empty())
-        return watchReadings(session, usable, run);
-    reportError(QStringLiteral("interrupted"));
-    return Interrupted;
+    const PlannedPoints points = plannedPointsOf(readings, linkStation);
+    std::vector<AreaPlan> areas = areaPlansOf(points.points);
+    return print(linesOf(planReportOf(areas, learnt), format)) ? Success : OutputClosed;
 }
 
 } // namespace
@@ -116,8 +115,13 @@ Job prepareTags(const QStringList &arguments)
     CommandLine line(Texts);
     line.addOptions({{QStringLiteral("watch"), QStringLiteral("Keep reading, as watch does.")}});
     addWatchOptions(line);
+    line.addOptions(
+        {{QStringLiteral("plan"),
+          QStringLiteral("Show the requests that would bring the tags, what each costs and why, and send "
+                         "none.")}});
     line.addOptions(tagOptions());
     line.addOptions({formatOption()});
+    line.addOptions(planOptions());
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
@@ -149,18 +153,29 @@ Job prepareTags(const QStringList &arguments)
                         .arg(link.project, link.channel.device));
         return DatabaseError;
     }
+    const bool isPlanShown = line.isSet("plan");
     const Result<> endpoint = takeFromNode(link, *node, line);
-    if (!endpoint) {
+    if (!endpoint && !isPlanShown) {
         reportError(endpoint.errorText());
         return UsageError;
     }
-    const TagPlan plan = planTags(tagsOfLink(*project, node->link), kind, options.form);
+    const TagReadings tags = tagReadingsOf(tagsOfLink(*project, node->link), kind, options.form);
+    const PlanOptions plan = planOptionsOf(line);
+    const Result<Learnt> known = learntFor(plan, tags.readings, link.channel.station);
+    if (!known) {
+        reportError(known.errorText());
+        return OtherFailure;
+    }
+    if (isPlanShown)
+        return showPlan(tags.readings, link.channel.station, *known, run.form.format);
     const bool isWatched = line.isSet("watch");
     return {link, {}, [=](Session &session) {
-                for (const QString &skipped : plan.skipped)
+                for (const QString &skipped : tags.skipped)
                     report(QStringLiteral("skipped: ") + skipped);
-                if (!isWatched)
-                    return readTags(session, plan.readings, run.form.format);
-                return watchTags(session, plan.readings, watchRunOn(link, run));
+                Learnt learnt = *known;
+                const int code = isWatched
+                                     ? watchReadings(session, tags.readings, learnt, watchRunOn(link, run))
+                                     : readTags(session, tags.readings, learnt, run.form.format);
+                return keepLearnt(plan, learnt, code);
             }};
 }

@@ -1,8 +1,10 @@
 #include "apps/driverhost/commands/commands.h"
 
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/console/plan_options.h"
 #include "apps/driverhost/console/point_options.h"
 #include "apps/driverhost/watch/watch_options.h"
+#include "desk/readings/value_readings.h"
 
 namespace
 {
@@ -30,6 +32,7 @@ Job prepareWatch(const QStringList &arguments)
     line.addOptions(itemOptions());
     line.addOptions(pointOptions());
     line.addOptions({itemCountOption(), formatOption()});
+    line.addOptions(planOptions());
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
@@ -38,8 +41,16 @@ Job prepareWatch(const QStringList &arguments)
     const WatchRun run = watchRunOn(addressed.link, watchRunOf(line));
     if (!line.isValid())
         return line.reportUsageError();
+    const std::vector<Reading> readings = valueReadingsOf(addressed.points);
+    const PlanOptions plan = planOptionsOf(line);
+    const Result<Learnt> known = learntFor(plan, readings, addressed.link.channel.station);
+    if (!known) {
+        reportError(known.errorText());
+        return OtherFailure;
+    }
     return {addressed.link, addressed.tags, [=](Session &session) {
-                reportPortions(addressed.points);
-                return watchReadings(session, readingsOf(addressed.points), run);
+                Learnt learnt = *known;
+                const int code = watchReadings(session, readings, learnt, run);
+                return keepLearnt(plan, learnt, code);
             }};
 }

@@ -13,8 +13,12 @@ public:
 
     /// False when the driver fails; nothing is noted then.
     bool read(const Reading &reading);
-    /// Reports the failure of \a reading and notes it, or that nobody waited for its end.
-    void fail(const Reading &reading);
+    /// Notes what the driver gave for \a reading.
+    void add(const Reading &reading, const QByteArray &data);
+    /// Reports the session's failure for all of the readings and notes it, or that nobody waited for its end.
+    void fail(const std::vector<const Reading *> &readings);
+    /// The same for readings that were not asked for.
+    void failUnasked(const std::vector<const Reading *> &readings, const Failure &failure);
     /// Notes those from \a first on as failed for the reason of the last one, without trying.
     void failOthers(const std::vector<Reading> &readings, size_t first);
 
@@ -24,7 +28,8 @@ public:
     int finish(OutputFormat format, const InterruptibleRun &run) const;
 
 private:
-    void addFailedRows(const Reading &reading);
+    void addFailedRows(const Reading &reading, const Failure &failure);
+    void noteFailure(const Failure &failure);
 
     Session &m_session;
     std::vector<ValueRow> m_rows;

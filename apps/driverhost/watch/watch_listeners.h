@@ -17,6 +17,10 @@ public:
     {
         return all([&](WatchListener &listener) { return listener.addFailure(reading, rows, error); });
     }
+    bool addNotAsked(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override
+    {
+        return all([&](WatchListener &listener) { return listener.addNotAsked(reading, rows, error); });
+    }
     bool endRound() override
     {
         return all([](WatchListener &listener) { return listener.endRound(); });

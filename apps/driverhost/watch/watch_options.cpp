@@ -188,7 +188,7 @@ WatchRun watchRunOn(const LinkSettings &link, WatchRun run)
     return run;
 }
 
-int watchReadings(Session &session, const std::vector<Reading> &readings, const WatchRun &run)
+int watchReadings(Session &session, const std::vector<Reading> &readings, Learnt &learnt, const WatchRun &run)
 {
     const StopSignal signal;
     ValueSummaries values(readings);
@@ -208,7 +208,7 @@ int watchReadings(Session &session, const std::vector<Reading> &readings, const 
     listeners.add(view.get());
     const WatchPauses pauses{StopSignal::raised,
                              [&](qint64 milliseconds) { waitAndTick(signal, milliseconds, listeners); }};
-    WatchLoop loop(session, readings, run.settings, pauses);
+    WatchLoop loop(session, readings, learnt, run.settings, pauses);
     const bool isWanted = loop.run(listeners);
     // It may have had the whole terminal.
     view.reset();

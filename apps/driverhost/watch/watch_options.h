@@ -30,5 +30,6 @@ WatchRun watchRunOn(const LinkSettings &link, WatchRun run);
 
 /// Reads until the rounds or the time are over or a signal asks to stop, as a table in place on a terminal
 /// and as lines elsewhere; then reports the statistics. Success when anything could be read, otherwise the
-/// exit code of the last failure.
-int watchReadings(Session &session, const std::vector<Reading> &readings, const WatchRun &run);
+/// exit code of the last failure. What is learnt of the stations is kept in \a learnt.
+int watchReadings(Session &session, const std::vector<Reading> &readings, Learnt &learnt,
+                  const WatchRun &run);

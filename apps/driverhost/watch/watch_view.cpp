@@ -11,6 +11,22 @@
 namespace
 {
 
+// What fails together says the same of each of its values, and is reported once.
+class RoundFailures
+{
+public:
+    void report(const QString &error)
+    {
+        if (error != m_last)
+            reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
+        m_last = error;
+    }
+    void endRound() { m_last.clear(); }
+
+private:
+    QString m_last;
+};
+
 // Lines on standard output, as they come.
 class LineView : public WatchListener
 {
@@ -31,10 +47,20 @@ public:
         const QStringList lines = m_series.add(reading, rows);
         if (m_tellsFailures)
             return printAll(lines);
-        reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
+        m_failures.report(error);
         return m_isOpen;
     }
-    bool endRound() override { return printAll(m_series.endRound()); }
+    // It was reported when it was refused.
+    bool addNotAsked(size_t reading, const std::vector<ValueRow> &rows, const QString & /*error*/) override
+    {
+        const QStringList lines = m_series.add(reading, rows);
+        return m_tellsFailures ? printAll(lines) : m_isOpen;
+    }
+    bool endRound() override
+    {
+        m_failures.endRound();
+        return printAll(m_series.endRound());
+    }
 
 private:
     bool printAll(const QStringList &lines)
@@ -46,6 +72,7 @@ private:
     RowSeries m_series;
     bool m_tellsFailures; // the lines do
     bool m_isOpen = true;
+    RoundFailures m_failures;
 };
 
 // Where a file has the lines there are none but of failures.
@@ -55,10 +82,22 @@ public:
     bool add(size_t /*reading*/, const std::vector<ValueRow> & /*rows*/) override { return true; }
     bool addFailure(size_t /*reading*/, const std::vector<ValueRow> & /*rows*/, const QString &error) override
     {
-        reportError(dateAndTimeText(QDateTime::currentDateTime()) + QLatin1Char(' ') + error);
+        m_failures.report(error);
         return true;
     }
-    bool endRound() override { return true; }
+    bool addNotAsked(size_t /*reading*/, const std::vector<ValueRow> & /*rows*/,
+                     const QString & /*error*/) override
+    {
+        return true;
+    }
+    bool endRound() override
+    {
+        m_failures.endRound();
+        return true;
+    }
+
+private:
+    RoundFailures m_failures;
 };
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "tests/driverhost/support/slave_test.h"
 
-#include "desk/plan/tag_plan.h"
 #include "desk/project/project_list.h"
 #include "desk/project/project_why.h"
 
@@ -30,10 +29,10 @@ QString problemWith(const char *list)
 
 } // namespace
 
-class TagsScanProjectTest : public SlaveTest
+class ScanProjectTest : public SlaveTest
 {
 protected:
-    TagsScanProjectTest() : SlaveTest(withHoles()) {}
+    ScanProjectTest() : SlaveTest(withHoles()) {}
 
     QString file(const char *name) const { return folder.filePath(QLatin1String(name)); }
     void write(const QString &path, const QString &text)
@@ -55,52 +54,7 @@ protected:
     QTemporaryDir folder;
 };
 
-TEST_F(TagsScanProjectTest, TagsReadsTheWholeLinkByRunsAndRanges)
-{
-    setHoldingRegister(0, 11);
-    setHoldingRegister(1, 22);
-    setHoldingRegister(3, 0x0008);
-    setHoldingRegister(29, 1);
-    slave.setValue(1, Area::Coils, 3, 1);
-    slave.setValue(5, Area::DiscreteInputs, 8, 1);
-    slave.setValue(1, Area::DiscreteInputs, 65535, 1);
-    const QString project =
-        makeProject(QStringLiteral("tag 1 HR1\ntag 1 HR2\ntag 1 HR4.3\ntag 1 HRSW30\ntag 1 DO1\ntag 1 "
-                                   "DO2\ntag 1 FN5DO4\ntag 1 5-DI9\ntag 1 DI65536\n"));
-    const HostRun run = host(QStringLiteral("tags --format csv --project ") + project);
-    EXPECT_EQ(run.code, 0) << run.err.toStdString();
-    for (const char *line : {"1,HR1,0,word,11,,", "1,HR2,1,word,22,,", "1,HR4.3,3,bit,1,,",
-                             "1,HRSW30,29,dword,65536,,", "1,DO1,0,bit,0,,", "1,DO2,1,bit,0,,",
-                             "1,FN5DO4,3,bit,1,,", "5,5-DI9,8,bit,1,,", "1,DI65536,65535,bit,1,,"})
-        EXPECT_TRUE(run.out.split(QLatin1Char('\n')).contains(QLatin1String(line))) << line << '\n'
-                                                                                    << run.out.toStdString();
-    // HR1..2, HR4, HR30..31; DO1..2 and DO4 around the hole; one discrete input each of two stations.
-    EXPECT_EQ(slave.counts().requests, 7u);
-}
-
-TEST_F(TagsScanProjectTest, TagsReadsOneByOneWhatTheSlaveRefusesTogether)
-{
-    setHoldingRegister(9, 5);
-    const QString project = makeProject(QStringLiteral("tag 1 HR10\ntag 1 HR11\n"));
-    const HostRun run = host(QStringLiteral("tags --retries 0 --format csv --project ") + project);
-    EXPECT_EQ(run.code, 5);
-    EXPECT_TRUE(run.out.contains(QLatin1String("1,HR10,9,word,5,,\n")));
-    EXPECT_TRUE(run.err.contains(QLatin1String("HR11: exception code:0x02"))) << run.err.toStdString();
-    const HostRun watch =
-        host(QStringLiteral("tags --retries 0 --watch --count 1 --interval 0 --project ") + project);
-    EXPECT_TRUE(watch.out.contains(QLatin1String("HR10  5"))) << watch.out.toStdString();
-}
-
-TEST_F(TagsScanProjectTest, TagsNeedsAProjectWithTheLink)
-{
-    EXPECT_EQ(host(QStringLiteral("tags")).code, 2);
-    EXPECT_EQ(host(QStringLiteral("tags --project ") + file("none")).code, 6);
-    const QString project = makeProject(QStringLiteral("tag 1 HR1\n"));
-    EXPECT_EQ(host(QStringLiteral("tags --device COM1 --project ") + project).code, 6);
-    EXPECT_EQ(slave.counts().connections, 0u);
-}
-
-TEST_F(TagsScanProjectTest, ScanFindsStations)
+TEST_F(ScanProjectTest, ScanFindsStations)
 {
     const HostRun run =
         host(QStringLiteral("scan TARGET stations --from 1 --to 6 --timeout 50 --delay 0 --after-silence 0"));
@@ -111,7 +65,7 @@ TEST_F(TagsScanProjectTest, ScanFindsStations)
               QStringLiteral("1  answers with exception code:0"));
 }
 
-TEST_F(TagsScanProjectTest, ScanFindsTheRangesOfAnArea)
+TEST_F(ScanProjectTest, ScanFindsTheRangesOfAnArea)
 {
     const HostRun run = host(QStringLiteral("scan TARGET HR --to 200 --delay 0"));
     EXPECT_EQ(run.code, 0) << run.err.toStdString();
@@ -125,7 +79,7 @@ TEST_F(TagsScanProjectTest, ScanFindsTheRangesOfAnArea)
     EXPECT_EQ(host(QStringLiteral("scan TARGET HR --from 9 --to 8")).code, 2);
 }
 
-TEST_F(TagsScanProjectTest, ScanStoppedShowsWhatItFound)
+TEST_F(ScanProjectTest, ScanStoppedShowsWhatItFound)
 {
     QProcess process;
     process.start(hostProgram(),
@@ -139,7 +93,7 @@ TEST_F(TagsScanProjectTest, ScanStoppedShowsWhatItFound)
     EXPECT_TRUE(process.readAllStandardOutput().startsWith("HR1..10\nHR21..49\nHR51.."));
 }
 
-TEST_F(TagsScanProjectTest, ScanEndsWhenNobodyIsThere)
+TEST_F(ScanProjectTest, ScanEndsWhenNobodyIsThere)
 {
     slave.stop();
     const HostRun run = host(QStringLiteral("scan TARGET stations"));
@@ -147,7 +101,7 @@ TEST_F(TagsScanProjectTest, ScanEndsWhenNobodyIsThere)
     EXPECT_EQ(run.err.count(QLatin1String("cannot connect")), 1);
 }
 
-TEST_F(TagsScanProjectTest, ProjectMakesAndPrintsTheSame)
+TEST_F(ScanProjectTest, ProjectMakesAndPrintsTheSame)
 {
     const QString list =
         QStringLiteral("link 1 ETHERNET\nlink 2 COM3\nnode 1 1 default 10.0.0.5:502\nnode 1 7\n"
@@ -162,7 +116,7 @@ TEST_F(TagsScanProjectTest, ProjectMakesAndPrintsTheSame)
     EXPECT_EQ(host(QStringLiteral("project ") + file("db2")).out, list);
 }
 
-TEST_F(TagsScanProjectTest, ProjectRefusesABadListAndLeavesTheOldFile)
+TEST_F(ScanProjectTest, ProjectRefusesABadListAndLeavesTheOldFile)
 {
     const QString project = makeProject(QStringLiteral("tag 1 HR1\n"));
     write(file("bad"), QStringLiteral("link 1 ETHERNET\nnode 1 1 default\n\ntag 1 HR0\n"));
@@ -197,7 +151,7 @@ TEST(ProjectList, SaysWhatIsWrongAndWhere)
         problemWith("link 1 COM1\nnode 1 1 default\ntag 1\n").contains(QLatin1String("tag LINK ADDRESS")));
 }
 
-TEST_F(TagsScanProjectTest, WhyAgreesWithTheDriver)
+TEST_F(ScanProjectTest, WhyAgreesWithTheDriver)
 {
     makeProject(QStringLiteral("tag 1 HR1\n"));
     write(file("text"), QStringLiteral("no database at all"));
@@ -223,7 +177,7 @@ TEST_F(TagsScanProjectTest, WhyAgreesWithTheDriver)
     }
 }
 
-TEST_F(TagsScanProjectTest, WhyFollowsTheFoldersOfAProgram)
+TEST_F(ScanProjectTest, WhyFollowsTheFoldersOfAProgram)
 {
     makeProject(QStringLiteral("tag 1 HR1\n"));
     const QDir program(folder.path());
@@ -237,24 +191,4 @@ TEST_F(TagsScanProjectTest, WhyFollowsTheFoldersOfAProgram)
     EXPECT_TRUE(text.contains(program.absoluteFilePath(QStringLiteral("compile/database/database"))));
     EXPECT_TRUE(text.contains(QLatin1String("table LINK: 1 row, 1 of them with HMIPORT = 2000")))
         << text.toStdString();
-}
-
-TEST(TagPlan, KeepsRangesToWhatOneRequestCarries)
-{
-    QStringList tags;
-    for (int number = 1; number <= 300; ++number)
-        tags += QStringLiteral("HR%1").arg(number);
-    const TagPlan words = planTags(tags, WordItem, ValueForm::Unsigned);
-    ASSERT_EQ(words.readings.size(), 3u);
-    EXPECT_EQ(words.readings[0].items.count, 125);
-    EXPECT_EQ(labelOf(words.readings[2].shown.back()), "HR300");
-    EXPECT_EQ(planTags(tags, DoubleWordItem, ValueForm::Unsigned).readings.size(), 300u);
-
-    const TagPlan bits = planTags({"DO1", "DO2000", "DO2001"}, WordItem, ValueForm::Unsigned);
-    ASSERT_EQ(bits.readings.size(), 2u);
-    EXPECT_EQ(bits.readings[0].items.count, 250);
-    const TagPlan last = planTags({"DO65530", "DO65536"}, WordItem, ValueForm::Unsigned);
-    ASSERT_EQ(last.readings.size(), 1u);
-    EXPECT_TRUE(checkItems(last.readings[0].items));
-    EXPECT_EQ(planTags({"nonsense", "HR1"}, WordItem, ValueForm::Unsigned).skipped.size(), 1);
 }
