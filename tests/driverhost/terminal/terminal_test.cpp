@@ -101,7 +101,8 @@ TEST_F(TerminalTest, ATraceInAFileLeavesTheTable)
     QTemporaryDir folder;
     PtyProgram program(words("watch TARGET HR1 --interval 0.05 --trace"), 100, 30, "C.UTF-8",
                        folder.filePath("trace.txt"));
-    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) { return shows(screen, "reply ms") && shows(screen, "round 1"); }));
+    ASSERT_TRUE(program.waitForScreen(
+        [](const Screen &screen) { return shows(screen, "reply ms") && shows(screen, "round 1"); }));
     program.type("\x03");
     EXPECT_EQ(program.waitForEnd(), 0);
     QFile trace(folder.filePath("trace.txt"));
