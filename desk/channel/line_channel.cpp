@@ -14,7 +14,6 @@ LineChannel::LineChannel(Line &line, DeviceSetting *device, const ExchangeSettin
     : m_line(line),
       m_device(device),
       m_settings(settings),
-      m_timeout(Millisecond * settings.timeout),
       m_settling(settings, static_cast<quint16>(line.now() / Millisecond)),
       m_asked(-1),
       m_canTell(false),
@@ -73,6 +72,12 @@ unsigned int LineChannel::delayTime() const
     return m_line.isCancelled() ? 0 : m_settings.delay;
 }
 
+// When the time-out is over that starts then.
+qint64 LineChannel::deadlineAfter(qint64 start) const
+{
+    return start + Millisecond * m_settings.timeout;
+}
+
 // An exchange whose reply was not waited for, or has not come whole.
 void LineChannel::endExchange()
 {
@@ -90,6 +95,8 @@ void LineChannel::noticeEnd() const
     if (!m_isAnswered) {
         ++m_strays.deafEnds;
         m_opening.fail(m_line.now());
+    } else if (m_asked < 0) {
+        ++m_strays.idleEnds;
     }
     notify(state == LineState::ResetByOther ? ChannelEvent::ResetByOther : ChannelEvent::ClosedByOther);
 }

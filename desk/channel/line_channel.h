@@ -42,7 +42,11 @@ public:
 
     void setStation(int station) { m_settings.station = station; }
     void setRetries(int retries) { m_settings.retries = retries; }
-    void setTimeout(int timeout) { m_timeout = qint64(1000) * timeout; }
+    void setTimeout(int timeout)
+    {
+        m_settings.timeout = timeout;
+        m_settling.setTimeout(timeout);
+    }
     /// While it keeps its line open, close() only throws away what has come; what comes later goes before the
     /// next request. For asking stations that may not be there.
     void setKeepsOpen(bool keepsOpen) { m_keepsOpen = keepsOpen; }
@@ -63,6 +67,7 @@ private:
     // Only a device that never stops sends as much unasked.
     static const int MaxUnasked = 65536;
 
+    qint64 deadlineAfter(qint64 start) const;
     bool receive(qint64 deadline);
     void awaitReply(qint64 deadline);
     void takeReply(ReplyFinder::Verdict verdict);
@@ -85,7 +90,6 @@ private:
     Line &m_line;
     DeviceSetting *m_device;
     ExchangeSettings m_settings;
-    qint64 m_timeout; // in microseconds
     Settling m_settling;
     ChannelObserver m_observer;
     QString m_error;

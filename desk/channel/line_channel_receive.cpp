@@ -12,7 +12,7 @@ int LineChannel::readData(char *buffer, int maxLength)
         return 0;
     // The time of the rest begins with the last byte before it, however long the whole reply was waited for.
     const bool isRest = m_canTell && m_handedAt >= 0;
-    const qint64 deadline = (isRest ? m_handedAt : m_line.now()) + m_timeout;
+    const qint64 deadline = deadlineAfter(isRest ? m_handedAt : m_line.now());
     if (m_asked >= 0)
         awaitReply(deadline);
     while (m_stream.size() < maxLength && receive(deadline)) {

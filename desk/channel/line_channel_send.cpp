@@ -32,7 +32,7 @@ int LineChannel::writeData(const char *data, int length)
 int LineChannel::sendRequest(const QByteArray &request)
 {
     notify(ChannelEvent::Sent, request);
-    const int sent = m_line.send(request.constData(), sizeOf(request), m_line.now() + m_timeout);
+    const int sent = m_line.send(request.constData(), sizeOf(request), deadlineAfter(m_line.now()));
     m_error = m_line.errorString();
     if (sent < request.size())
         noticeEnd();
@@ -52,7 +52,7 @@ bool LineChannel::settle(int station)
 {
     if (m_settling.isSettled(station, m_line.now()))
         return true;
-    const qint64 deadline = m_line.now() + m_timeout;
+    const qint64 deadline = deadlineAfter(m_line.now());
     if (!m_settling.wantsProbe(station) || sendProbe(station))
         awaitSettled(station, deadline);
     return discardUnasked() && m_settling.isSettled(station, m_line.now());
@@ -62,7 +62,7 @@ bool LineChannel::sendProbe(int station)
 {
     const QByteArray probe = m_settling.probe(station, m_line.now());
     notify(ChannelEvent::ProbeSent, probe);
-    return m_line.send(probe.constData(), sizeOf(probe), m_line.now() + m_timeout) == probe.size();
+    return m_line.send(probe.constData(), sizeOf(probe), deadlineAfter(m_line.now())) == probe.size();
 }
 
 // Whole frames are thrown away until the echo comes, or until the line has been quiet for long enough.

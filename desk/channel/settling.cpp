@@ -49,6 +49,11 @@ Settling::Settling(const ExchangeSettings &settings, quint16 lastNumber)
 {
 }
 
+void Settling::setTimeout(int milliseconds)
+{
+    m_timeout = Millisecond * milliseconds;
+}
+
 SettleRule Settling::ruleFor(int station) const
 {
     return m_stationRules.value(station, m_rule);
@@ -69,12 +74,13 @@ void Settling::noteRequest(int station)
 
 void Settling::noteReply(int station)
 {
-    const QMap<int, Station>::iterator known = m_stations.find(station);
-    if (known == m_stations.end() || !known->isIgnoring)
+    Station &known = m_stations[station];
+    known.hasAnswered = true;
+    if (!known.isIgnoring)
         return;
-    known->isIgnoring = false;
-    if (known->habit == Unknown && ++known->ignored >= IgnoredTimes)
-        known->habit = Ignores;
+    known.isIgnoring = false;
+    if (known.habit == Unknown && ++known.ignored >= IgnoredTimes)
+        known.habit = Ignores;
 }
 
 void Settling::noteLoss(int station, qint64 now)
@@ -85,7 +91,6 @@ void Settling::noteLoss(int station, qint64 now)
     if (lost.isSettled)
         lost.lostAt = now;
     lost.isSettled = false;
-    lost.isIgnoring = false;
     lost.quietSince = now;
 }
 
@@ -111,6 +116,7 @@ bool Settling::noteProbeReply(Station &station, const QByteArray &frame, qint64 
         return false;
     station.habit = Answers;
     station.ignored = 0;
+    station.isIgnoring = false;
     ++m_counts.byEcho;
     settle(station, now);
     return true;
@@ -123,7 +129,7 @@ bool Settling::isSettled(int station, qint64 now)
         return true;
     if (now < quietEnd(station))
         return false;
-    known->isIgnoring = !known->probes.isEmpty();
+    known->isIgnoring = known->isIgnoring || !known->probes.isEmpty();
     ++m_counts.byQuiet;
     settle(*known, now);
     return true;
@@ -157,16 +163,20 @@ QByteArray Settling::probe(int station, qint64 now)
     return probeFrame(station, asked.probes.last());
 }
 
-// A station of which nothing is known has to leave a probe without an answer first; one that has ever
-// answered is believed nothing else.
+// A station that has ever answered a probe is believed nothing else; one that has answered other requests has to
+// leave a probe without an answer first.
 qint64 Settling::quietEnd(int station) const
 {
     const Station known = m_stations.value(station);
     const qint64 end = known.quietSince + quietTime(station);
     if (!wantsProbe(station))
         return end;
-    const bool mayIgnore = ruleFor(station).mode == SettleMode::Auto && known.habit == Unknown;
-    return mayIgnore && !known.probes.isEmpty() ? std::max(end, known.probedAt + m_timeout) : Never;
+    if (ruleFor(station).mode == SettleMode::Echo || known.habit == Answers)
+        return Never;
+    if (!known.hasAnswered || known.isIgnoring)
+        return end;
+    const qint64 moreThanTimeout = m_timeout + 1;
+    return known.probes.isEmpty() ? Never : std::max(end, known.probedAt + moreThanTimeout);
 }
 
 qint64 Settling::worthAskingAt(int station, qint64 now)

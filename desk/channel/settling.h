@@ -29,21 +29,23 @@ public:
     /// What a station does with function 8, as far as it has been seen.
     enum Habit { Unknown, Answers, Refuses, Ignores };
 
-    /// A station that an exchange has failed with.
+    /// A station that has answered, or that an exchange has failed with.
     struct Station {
         Habit habit = Unknown;
+        bool hasAnswered = false; ///< with a whole reply to a request
         bool isSettled = true;
         qint64 lostAt = 0;
         qint64 quietSince = 0;
         qint64 probedAt = 0;     ///< the first time since the last request
         QList<quint16> probes;   ///< sent since the last request, not answered yet
         int ignored = 0;         ///< how often in a row it answered after probes that it had not
-        bool isIgnoring = false; ///< settled by quiet, and no probe was answered
+        bool isIgnoring = false; ///< its last probes were not answered; nor has anything been since
     };
 
     /// Numbers count up from the one after \a lastNumber, unless there is another source.
     Settling(const ExchangeSettings &settings, quint16 lastNumber);
     void setNumberSource(const NumberSource &numbers) { m_numbers = numbers; }
+    void setTimeout(int milliseconds);
     /// On a line that echoes, function 8 proves nothing.
     void setEchoing(bool isEchoing) { m_isEchoing = isEchoing; }
 
@@ -67,7 +69,7 @@ public:
     qint64 worthAskingAt(int station, qint64 now);
 
     const SettleCounts &counts() const { return m_counts; }
-    /// All stations that an exchange has failed with.
+    /// All stations that have answered, or that an exchange has failed with.
     const QMap<int, Station> &stations() const { return m_stations; }
 
 private:

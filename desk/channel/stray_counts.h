@@ -9,5 +9,6 @@ struct StrayCounts {
     quint64 otherFrames = 0;   ///< whole frames of stations that never were
     int lastOtherStation = -1; ///< of those; -1 for none
     quint64 requestCopies = 0; ///< requests that came back
+    quint64 idleEnds = 0;      ///< connections that the other side ended while nothing was asked
     quint64 deafEnds = 0;      ///< connections that the other side ended before it answered anything
 };

@@ -43,13 +43,15 @@ protected:
     {
         settling.noteFrame(frame, milliseconds * Ms);
     }
+    /// Has answered a request before.
+    void SetUp() override { settling.noteReply(Station); }
     /// Fails, is asked with probes, is settled by quiet, answers.
     void ignoreProbes()
     {
         loseAt(now);
         EXPECT_TRUE(settling.wantsProbe(Station));
         settling.probe(Station, now * Ms);
-        now += 300;
+        now += 301;
         EXPECT_TRUE(isSettledAt(now));
         settling.noteReply(Station);
     }
@@ -136,9 +138,28 @@ TEST_F(SettlingTest, GivesAnUnknownStationTimeForTheProbe)
     loseAt(0);
     EXPECT_FALSE(isSettledAt(10000)) << "quiet alone does not do";
     settling.probe(Station, 10000 * Ms);
-    EXPECT_FALSE(isSettledAt(10099));
-    EXPECT_TRUE(isSettledAt(10100));
+    EXPECT_FALSE(isSettledAt(10100));
+    EXPECT_TRUE(isSettledAt(10101));
     EXPECT_EQ(1u, settling.counts().byQuiet);
+}
+
+TEST_F(SettlingTest, ProbesAStationOnceAfterItsLastAnswer)
+{
+    loseAt(0);
+    settling.probe(Station, 0);
+    EXPECT_TRUE(isSettledAt(300));
+    loseAt(400);
+    EXPECT_FALSE(isSettledAt(699));
+    EXPECT_TRUE(isSettledAt(700)) << "it is dead, and has left a probe without an answer";
+}
+
+TEST_F(SettlingTest, NeedsNoProbeOfAStationThatHasNeverAnswered)
+{
+    const int silent = 7;
+    settling.noteLoss(silent, 0);
+    EXPECT_EQ(300 * Ms, settling.worthAskingAt(silent, 0));
+    EXPECT_FALSE(settling.isSettled(silent, 299 * Ms));
+    EXPECT_TRUE(settling.isSettled(silent, 300 * Ms));
 }
 
 TEST_F(SettlingTest, WaitsForTheQuietTimeAfterEveryFrameOfTheStation)
@@ -236,7 +257,7 @@ TEST_F(OffTest, SettlesNothing)
 {
     loseAt(0);
     EXPECT_TRUE(isSettledAt(0));
-    EXPECT_TRUE(settling.stations().isEmpty());
+    EXPECT_TRUE(settling.stations().value(Station).isSettled);
 }
 
 TEST(SettlingOfStations, HasRulesForSingleStations)
