@@ -57,6 +57,7 @@ SnapshotAndLink snapshotAndLink(CommandLine &line)
 
 RangesRead readRanges(Session &session, const std::vector<AreaRange> &ranges)
 {
+    session.setRepeatsRefused(false);
     SnapshotReading reading(
         [&](const Items &items, QByteArray &data) { return askForRange(session, items, data); });
     Progress progress(QStringLiteral("reading"), lengthOf(ranges));

@@ -66,6 +66,13 @@ TEST_F(SnapshotCommandTest, KeepsValuesHolesTimeAndStation)
                   "range 2-DO7..8\nDO7 1\nDO8 0\nrange 1-IR1..2\nIR1 0\nIR2 1\nrange 1-DI2\nDI2 1\nend\n");
 }
 
+TEST_F(SnapshotCommandTest, AsksForWhatIsRefusedOnce)
+{
+    EXPECT_EQ(keep("HR1..5 --retries 3").code, 0);
+    EXPECT_LE(slave.counts().exceptions, 5u);
+    EXPECT_LE(slave.counts().requests, 9u);
+}
+
 TEST_F(SnapshotCommandTest, KeepsNothingWhenTheSlaveDoesNotAnswer)
 {
     ASSERT_EQ(keep("HR1").code, 0);
