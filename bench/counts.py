@@ -28,12 +28,11 @@ def run(*command):
     return subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
 
 
-def instructions(programs, projects):
-    """The instructions of every figure that bench_counts dumps, without those of the channel."""
+def instructions(*command, without=()):
+    """The instructions of every figure that a program dumps, without those of some functions."""
     with tempfile.TemporaryDirectory() as folder:
-        run("valgrind", "-q", "--tool=callgrind", "--collect-atstart=no",
-            "--toggle-collect=void counted*", "--toggle-collect=CannedChannel::*",
-            f"--callgrind-out-file={folder}/out", program(programs, "counts"), str(projects), COUNTED_PROJECT)
+        run("valgrind", "-q", "--tool=callgrind", "--collect-atstart=no", "--toggle-collect=void counted*",
+            *(f"--toggle-collect={function}" for function in without), f"--callgrind-out-file={folder}/out", *command)
         figures = {}
         for dump in pathlib.Path(folder).iterdir():
             text = dump.read_text(encoding="utf-8")
@@ -48,12 +47,14 @@ def printed(*command):
 
 
 def measure(programs, projects):
-    figures = instructions(programs, projects)
+    figures = instructions(program(programs, "counts"), str(projects), COUNTED_PROJECT, without=["CannedChannel::*"])
     load, query = figures.pop("instructions: load"), figures.pop("instructions: query")
     figures["load: instructions a tag, against a query"] = round(load / query, 4)
     figures.update(printed(program(programs, "allocations"), str(projects)))
     footprint = printed(program(programs, "footprint"), str(projects), LARGEST_PROJECT)
     figures.update({name: round(value, 3) for name, value in footprint.items()})
+    figures.update(instructions(program(programs, "plans"), "--count"))
+    figures.update({name: round(value, 4) for name, value in printed(program(programs, "plans"), "--figures").items()})
     return figures
 
 

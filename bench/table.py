@@ -68,6 +68,11 @@ def tcp_table(results):
     print_table("Transactions over TCP, microseconds of processor time", header, rows, names=2)
 
 
+def plans_table(results):
+    header, *rows = [line.split("\t") for line in (results / "plans.txt").read_text(encoding="utf-8").splitlines()]
+    print_table("A refresh on the line after three rounds: time and requests", header, rows, names=2)
+
+
 def main():
     if len(sys.argv) != 2:
         sys.exit(__doc__)
@@ -75,6 +80,7 @@ def main():
     tcp_table(results)
     memory_table(results)
     load_table(results)
+    plans_table(results)
     print("\nCounts\n\n" + (results / "counts.txt").read_text(encoding="utf-8").rstrip())
 
 

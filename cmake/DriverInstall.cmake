@@ -16,7 +16,7 @@ install(TARGETS driver_tools driver_channel EXPORT DriverTools
   INCLUDES DESTINATION "${header_folder}")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/runtime/host" "${PROJECT_SOURCE_DIR}/runtime/drivers"
   DESTINATION "${header_folder}" COMPONENT dev
-  FILES_MATCHING PATTERN "*.h" PATTERN modbus_rtu_slave_over_tcp EXCLUDE)
+  FILES_MATCHING PATTERN "*.h" PATTERN modbus_rtu_slave_over_tcp EXCLUDE PATTERN crc_table.h EXCLUDE)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/desk/channel"
   DESTINATION "${header_folder}/desk" COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(FILES "${PROJECT_SOURCE_DIR}/desk/wire/protocol.h" "${PROJECT_SOURCE_DIR}/desk/wire/rtu_frame.h"

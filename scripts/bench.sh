@@ -64,6 +64,7 @@ everything() {
     for size in 10000 100000 1000000; do
         program footprint "$projects" "tags-$size" >"$results/footprint-$size.txt"
     done
+    echo "Refreshing by plans" && program plans >"$results/plans.txt"
     echo "Timing transactions over TCP" && program tcp "$projects" >"$results/tcp.txt"
     python3 bench/table.py "$results"
     return "$failed"

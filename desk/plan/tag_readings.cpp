@@ -2,6 +2,9 @@
 
 #include "desk/readings/value_readings.h"
 
+#include <algorithm>
+#include <tuple>
+
 namespace
 {
 
@@ -33,6 +36,14 @@ Result<TypedItems> parseTag(const QString &text, ItemKind registerKind, ValueFor
     return typedItems(items, form);
 }
 
+bool isBefore(const Point &left, const Point &right)
+{
+    const auto placeOf = [](const Address &address) {
+        return std::make_tuple(address.station, address.area, address.number, address.bit);
+    };
+    return placeOf(left.at.address) < placeOf(right.at.address);
+}
+
 } // namespace
 
 TagReadings tagReadingsOf(const QStringList &tags, ItemKind registerKind, ValueForm form)
@@ -47,6 +58,7 @@ TagReadings tagReadingsOf(const QStringList &tags, ItemKind registerKind, ValueF
         else
             all.skipped += tag.errorText();
     }
+    std::stable_sort(points.begin(), points.end(), isBefore);
     all.readings = valueReadingsOf(points);
     return all;
 }

@@ -32,7 +32,7 @@ bool isBytes(int dataType)
 
 bool isSupported(int dataType)
 {
-    return dataType <= SecondBitItem && dataType != EightByteItem;
+    return dataType >= BitItem && dataType <= SecondBitItem && dataType != EightByteItem;
 }
 
 bool isHighWordFirst(const DriverModel::Address &address)
@@ -169,16 +169,18 @@ bool DriverModel::fail(const std::string &text)
 // What the slave makes of a range: nothing of nothing, and nothing beyond its areas.
 bool DriverModel::isServed(long long start, long long quantity)
 {
+    if (!isSent())
+        return false;
     const std::string code = quantity == 0                                             ? "03"
                              : start + quantity > static_cast<long long>(coils.size()) ? "02"
                                                                                        : "";
     if (code.empty())
         return true;
-    return isAnswered() && fail("exception code:0x" + code);
+    return isAnswered(true) && fail("exception code:0x" + code);
 }
 
 // A reply always carries the low byte of the station, and a larger station accepts none.
-bool DriverModel::isAnswered()
+bool DriverModel::isAnswered(bool /*isException*/)
 {
     return station < 256 || fail("invalid slave id:" + std::to_string(station % 256));
 }
@@ -189,7 +191,7 @@ bool DriverModel::readRegisters(const char *item, const Address &address, const 
     if (count < 0 || count > 125 || address.offset + count > 65536)
         return fail(std::string("can't read any ") + item + " from " + area +
                     std::to_string(address.offset + 1));
-    if (!isServed(address.offset, count) || !isAnswered())
+    if (!isServed(address.offset, count) || !isAnswered(false))
         return false;
     const std::vector<std::uint16_t> &memory = isHolding(area) ? holdingRegisters : inputRegisters;
     registers.assign(memory.begin() + address.offset,
@@ -231,7 +233,7 @@ QByteArray DriverModel::readBits(const std::string &area, bool isCoil, int offse
         fail("can't read " + std::to_string(count) + " bits from " + area + std::to_string(offset + 1));
         return QByteArray();
     }
-    if (!isServed(offset, count) || !isAnswered())
+    if (!isServed(offset, count) || !isAnswered(false))
         return QByteArray();
     const std::vector<std::uint8_t> &memory = isCoil ? coils : discreteInputs;
     return packed(
@@ -289,7 +291,7 @@ bool DriverModel::storeRegisters(const char *item, int offset, const std::vector
 {
     const auto count = static_cast<long long>(registers.size());
     if (isOneByOne && registers.empty())
-        return fail("PLC no response"); // a request without a value, to which a slave says nothing
+        return isSent() && failAndClose("PLC no response"); // no value, to which a slave says nothing
     if (isOneByOne)
         return storeEach(offset, registers);
     if (count > 123)
@@ -297,7 +299,7 @@ bool DriverModel::storeRegisters(const char *item, int offset, const std::vector
     if (!isServed(offset, count))
         return false;
     std::copy(registers.begin(), registers.end(), holdingRegisters.begin() + offset);
-    return isAnswered();
+    return isAnswered(false);
 }
 
 bool DriverModel::storeEach(int offset, const std::vector<std::uint16_t> &registers)
@@ -306,7 +308,7 @@ bool DriverModel::storeEach(int offset, const std::vector<std::uint16_t> &regist
         if (!isServed(offset, 1))
             return false;
         holdingRegisters[static_cast<size_t>(offset++)] = value;
-        if (!isAnswered())
+        if (!isAnswered(false))
             return false;
     }
     return true;
@@ -339,8 +341,8 @@ bool DriverModel::writeCoils(const Address &address, int count, const QByteArray
         if (isOneByOne && !isServed(coil, 1))
             return false;
         coils[static_cast<size_t>(coil)] = static_cast<std::uint8_t>(bitOf(bits, i));
-        if (isOneByOne && !isAnswered())
+        if (isOneByOne && !isAnswered(false))
             return false;
     }
-    return isOneByOne || isAnswered();
+    return isOneByOne || isAnswered(false);
 }

@@ -39,6 +39,7 @@ public:
 
     /// A slave whose four areas have \a areaSize items.
     explicit DriverModel(int areaSize);
+    virtual ~DriverModel() = default;
 
     Outcome read(int dataType, const Address &address, int count);
     Outcome write(int dataType, const Address &address, int count, const QByteArray &data);
@@ -51,10 +52,21 @@ public:
     std::vector<std::uint16_t> holdingRegisters;
     std::vector<std::uint16_t> inputRegisters;
 
-private:
+protected:
     bool fail(const std::string &text);
+
+    /// What may go wrong on the way; each says why. Here nothing does but a station that accepts no reply.
+    /// @{
+    /// Whether a request reaches the slave.
+    virtual bool isSent() { return true; }
+    /// Whether its reply, or its exception, passes the checks before their content counts.
+    virtual bool isAnswered(bool isException);
+    /// A failure after which the channel is closed.
+    virtual bool failAndClose(const std::string &text) { return fail(text); }
+    /// @}
+
+private:
     bool isServed(long long start, long long quantity);
-    bool isAnswered();
 
     bool readRegisters(const char *item, const Address &address, const std::string &area, long long count,
                        std::vector<std::uint16_t> &registers);

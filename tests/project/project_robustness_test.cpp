@@ -239,6 +239,22 @@ TEST(ProjectRobustness, LongTags)
     EXPECT_EQ(outcome(), "DI 0 65535, DO 2");
 }
 
+// SQLite follows the link and refuses what is longer than 512 characters, which the system does not.
+TEST(ProjectRobustness, ALinkToAPathThatIsTooLongForSQLite)
+{
+    const ProjectDatabase project(stringList({"DI1"}), 1);
+    QString deep = text("deep");
+    for (int i = 0; i < 3; ++i)
+        deep += QLatin1Char('/') + QString(200, QLatin1Char('d'));
+    QDir folder = QFileInfo(ProjectDatabase::path()).dir();
+    ASSERT_TRUE(folder.mkpath(deep));
+    ASSERT_TRUE(folder.rename(text("database"), deep + text("/database")));
+    ASSERT_TRUE(QFile::link(deep + text("/database"), ProjectDatabase::path()));
+    EXPECT_EQ(outcome(), CanNotOpen);
+    ASSERT_TRUE(folder.remove(deep + text("/database")));
+    ASSERT_TRUE(folder.rmpath(deep));
+}
+
 TEST(ProjectRobustness, ManyRows)
 {
     const ProjectDatabase project(QStringList(), 1);

@@ -1,5 +1,6 @@
 #include "drivers/qt/qt_lines.h"
 #include "drivers/tools/checksum.h"
+#include "drivers/tools/crc_table.h"
 #include "tests/doubles/frames.h"
 #include "tests/support/gtest_qt.h"
 #include "tests/support/random_data.h"
@@ -182,4 +183,20 @@ TEST(Crc, SickStepTakesTheByteBefore)
     EXPECT_EQ(update_crc_sick(0x8000, 0, 0), 0x8005);
     EXPECT_EQ(update_crc_sick(0xC001, '\x01', '\x80'), 0x8006);
     EXPECT_EQ(update_crc_sick(0, '\xFE', '\xFF'), 0xFFFE);
+}
+
+// The compiler has made the tables; here the same functions run.
+TEST(Crc, TablesAsTheyAreMade)
+{
+    volatile quint32 polynomial = 0x1021;
+    const auto unreflectedEntries = crc_table::unreflectedTable(polynomial, crc_table::EveryByte());
+    polynomial = 0x8408;
+    const auto reflectedEntries = crc_table::reflectedTable<quint16>(polynomial, crc_table::EveryByte());
+    polynomial = 0xEDB88320;
+    const auto wideEntries = crc_table::reflectedTable<quint32>(polynomial, crc_table::EveryByte());
+    for (int c = 0; c < 256; ++c) {
+        EXPECT_EQ(unreflectedEntries.entries[c], unreflected(0x1021, 0, static_cast<char>(c)));
+        EXPECT_EQ(reflectedEntries.entries[c], reflected(0x8408, 0, static_cast<char>(c)));
+        EXPECT_EQ(wideEntries.entries[c], reflected(0xEDB88320, 0, static_cast<char>(c)));
+    }
 }

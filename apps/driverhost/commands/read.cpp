@@ -1,8 +1,11 @@
 #include "apps/driverhost/commands/commands.h"
 
+#include "apps/driverhost/commands/planned_job.h"
 #include "apps/driverhost/console/messages.h"
 #include "apps/driverhost/console/point_options.h"
+#include "apps/driverhost/runs/planned_run.h"
 #include "apps/driverhost/runs/reading_run.h"
+#include "desk/readings/value_readings.h"
 
 namespace
 {
@@ -27,15 +30,15 @@ const CommandLine::Texts Texts = {
 int readAll(Session &session, const std::vector<Reading> &readings, OutputFormat format)
 {
     InterruptibleRun run(session);
-    ReadingRun values(session);
+    ReadingRun values(session, readings);
     for (size_t i = 0; i < readings.size() && !run.isInterrupted(); ++i) {
         run.setLabel(labelOf(readings[i]));
         reportBroadcast(session.stationFor(readings[i].items));
-        if (values.read(readings[i]))
+        if (values.read(i))
             continue;
-        values.fail({&readings[i]});
+        values.fail({i});
         if (values.isHopeless()) {
-            values.failOthers(readings, i + 1);
+            values.failOthers(i + 1);
             break;
         }
     }
@@ -50,16 +53,25 @@ Job prepareRead(const QStringList &arguments)
     line.addOptions(itemOptions());
     line.addOptions(pointOptions());
     line.addOptions({itemCountOption({QStringLiteral("count")}), formatOption()});
+    line.addOptions(planOptions());
     line.addOptions(linkOptions());
     if (const std::optional<int> end = line.parse(arguments))
         return *end;
 
     const AddressedPoints addressed = addressedPoints(line, "count");
     const OutputFormat format = formatOf(line);
+    const PlanOptions plan = planOptionsOf(line);
+    line.expectWith(addressed.hasTable, "--points", {"learnt", "ask-again", "no-fill", "one-by-one"});
     if (!line.isValid())
         return line.reportUsageError();
-    return {addressed.link, addressed.tags, [=](Session &session) {
-                reportPortions(addressed.points);
-                return readAll(session, readingsOf(addressed.points), format);
-            }};
+    if (!addressed.hasTable) {
+        return {addressed.link, addressed.tags, [=](Session &session) {
+                    reportPortions(addressed.points);
+                    return readAll(session, readingsOf(addressed.points), format);
+                }};
+    }
+    return plannedJob(addressed.link, addressed.tags, valueReadingsOf(addressed.points), plan,
+                      [=](Session &session, const std::vector<Reading> &readings, Learnt &learnt) {
+                          return readPlanned(session, readings, learnt, format, QStringLiteral("points"));
+                      });
 }

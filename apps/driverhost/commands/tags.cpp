@@ -1,11 +1,10 @@
 #include "apps/driverhost/commands/commands.h"
 
+#include "apps/driverhost/commands/planned_job.h"
 #include "apps/driverhost/console/item_options.h"
 #include "apps/driverhost/console/link_options.h"
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/plan_options.h"
-#include "apps/driverhost/runs/reading_run.h"
-#include "apps/driverhost/terminal/progress.h"
+#include "apps/driverhost/runs/planned_run.h"
 #include "apps/driverhost/watch/watch_options.h"
 #include "desk/live/planned_readings.h"
 #include "desk/output/plan_form.h"
@@ -49,63 +48,17 @@ Result<> takeFromNode(LinkSettings &settings, const Project::Node &node, const C
     return {};
 }
 
-class TagsListener : public ReadingListener
+int showPlan(const std::vector<Reading> &readings, int linkStation, const PlanOptions &plan,
+             OutputFormat format)
 {
-public:
-    TagsListener(const std::vector<Reading> &readings, ReadingRun &values, Progress &progress)
-        : m_readings(readings), m_values(values), m_progress(progress)
-    {
+    Result<Learnt> known = learntFor(plan, readings, linkStation);
+    if (!known) {
+        reportError(known.errorText());
+        return OtherFailure;
     }
-
-    bool add(size_t reading, const QByteArray &data) override
-    {
-        m_values.add(m_readings[reading], data);
-        m_progress.show(++m_done);
-        return true;
-    }
-    bool addFailure(const std::vector<size_t> &readings, const Failure & /*failure*/) override
-    {
-        m_values.fail(these(readings));
-        return true;
-    }
-    bool addNotAsked(const std::vector<size_t> &readings, const Failure &failure) override
-    {
-        m_values.failUnasked(these(readings), failure);
-        return true;
-    }
-    void addCommand(bool /*isRead*/) override {}
-
-private:
-    std::vector<const Reading *> these(const std::vector<size_t> &readings)
-    {
-        m_done += static_cast<qint64>(readings.size());
-        std::vector<const Reading *> failed;
-        for (const size_t reading : readings)
-            failed.push_back(&m_readings[reading]);
-        return failed;
-    }
-
-    const std::vector<Reading> &m_readings;
-    ReadingRun &m_values;
-    Progress &m_progress;
-    qint64 m_done = 0;
-};
-
-int readTags(Session &session, const std::vector<Reading> &readings, Learnt &learnt, OutputFormat format)
-{
-    Progress progress(QStringLiteral("tags"), static_cast<qint64>(readings.size()));
-    InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
-    ReadingRun values(session);
-    TagsListener listener(readings, values, progress);
-    PlannedReadings(session, readings, learnt).readRound(listener);
-    return values.finish(format, run);
-}
-
-int showPlan(const std::vector<Reading> &readings, int linkStation, Learnt learnt, OutputFormat format)
-{
     const PlannedPoints points = plannedPointsOf(readings, linkStation);
     std::vector<AreaPlan> areas = areaPlansOf(points.points);
-    return print(linesOf(planReportOf(areas, learnt), format)) ? Success : OutputClosed;
+    return print(linesOf(planReportOf(areas, *known), format)) ? Success : OutputClosed;
 }
 
 } // namespace
@@ -161,21 +114,14 @@ Job prepareTags(const QStringList &arguments)
     }
     const TagReadings tags = tagReadingsOf(tagsOfLink(*project, node->link), kind, options.form);
     const PlanOptions plan = planOptionsOf(line);
-    const Result<Learnt> known = learntFor(plan, tags.readings, link.channel.station);
-    if (!known) {
-        reportError(known.errorText());
-        return OtherFailure;
-    }
     if (isPlanShown)
-        return showPlan(tags.readings, link.channel.station, *known, run.form.format);
+        return showPlan(tags.readings, link.channel.station, plan, run.form.format);
     const bool isWatched = line.isSet("watch");
-    return {link, {}, [=](Session &session) {
-                for (const QString &skipped : tags.skipped)
-                    report(QStringLiteral("skipped: ") + skipped);
-                Learnt learnt = *known;
-                const int code = isWatched
-                                     ? watchReadings(session, tags.readings, learnt, watchRunOn(link, run))
-                                     : readTags(session, tags.readings, learnt, run.form.format);
-                return keepLearnt(plan, learnt, code);
-            }};
+    const PlannedTask read = [=](Session &session, const std::vector<Reading> &readings, Learnt &learnt) {
+        for (const QString &skipped : tags.skipped)
+            report(QStringLiteral("skipped: ") + skipped);
+        return isWatched ? watchReadings(session, readings, learnt, watchRunOn(link, run))
+                         : readPlanned(session, readings, learnt, run.form.format, QStringLiteral("tags"));
+    };
+    return plannedJob(link, {}, tags.readings, plan, read);
 }

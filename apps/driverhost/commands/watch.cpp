@@ -1,7 +1,6 @@
 #include "apps/driverhost/commands/commands.h"
 
-#include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/plan_options.h"
+#include "apps/driverhost/commands/planned_job.h"
 #include "apps/driverhost/console/point_options.h"
 #include "apps/driverhost/watch/watch_options.h"
 #include "desk/readings/value_readings.h"
@@ -41,16 +40,8 @@ Job prepareWatch(const QStringList &arguments)
     const WatchRun run = watchRunOn(addressed.link, watchRunOf(line));
     if (!line.isValid())
         return line.reportUsageError();
-    const std::vector<Reading> readings = valueReadingsOf(addressed.points);
-    const PlanOptions plan = planOptionsOf(line);
-    const Result<Learnt> known = learntFor(plan, readings, addressed.link.channel.station);
-    if (!known) {
-        reportError(known.errorText());
-        return OtherFailure;
-    }
-    return {addressed.link, addressed.tags, [=](Session &session) {
-                Learnt learnt = *known;
-                const int code = watchReadings(session, readings, learnt, run);
-                return keepLearnt(plan, learnt, code);
-            }};
+    return plannedJob(addressed.link, addressed.tags, valueReadingsOf(addressed.points), planOptionsOf(line),
+                      [=](Session &session, const std::vector<Reading> &readings, Learnt &learnt) {
+                          return watchReadings(session, readings, learnt, run);
+                      });
 }

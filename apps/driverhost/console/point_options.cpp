@@ -113,6 +113,7 @@ AddressedPoints addressedPoints(CommandLine &line, const char *countOption)
     if (line.isSet(countOption))
         counts.untyped = line.number(countOption, 1, modbus::AddressSpace);
     const PointWords table(line, options);
+    addressed.hasTable = table.hasTable();
     bool isAnyPlain = false;
     for (const QString &word : qAsConst(words)) {
         const Result<std::vector<Point>> points = table.find(word, counts);

@@ -39,7 +39,8 @@ private:
 struct AddressedPoints {
     LinkSettings link;
     std::vector<Point> points;
-    QStringList tags; ///< that a project needs for them
+    QStringList tags;      ///< that a project needs for them
+    bool hasTable = false; ///< of points
 };
 AddressedPoints addressedPoints(CommandLine &line, const char *countOption = "items");
 

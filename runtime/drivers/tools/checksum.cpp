@@ -1,58 +1,13 @@
 #include "drivers/tools/checksum.h"
 
-#include <QtGlobal>
+#include "drivers/tools/crc_table.h"
+
+using namespace crc_table;
 
 namespace
 {
 
-// Tables of the CRCs, made by the compiler: entry i is what the eight bits of byte i leave in the CRC.
-
-template <typename Word>
-struct CrcTable {
-    Word entries[256];
-};
-
-template <unsigned int... indices>
-struct Indices {
-};
-
-template <unsigned int count, unsigned int... indices>
-struct IndicesBelow : IndicesBelow<count - 1, count - 1, indices...> {
-};
-
-template <unsigned int... indices>
-struct IndicesBelow<0, indices...> {
-    typedef Indices<indices...> type;
-};
-
-typedef IndicesBelow<256>::type EveryByte;
-
-constexpr quint32 dividedFromLowBit(quint32 rest, quint32 polynomial, int bits)
-{
-    return bits == 0
-               ? rest
-               : dividedFromLowBit((rest >> 1) ^ ((rest & 1u) != 0 ? polynomial : 0u), polynomial, bits - 1);
-}
-
-constexpr quint32 dividedFromBit15(quint32 rest, quint32 polynomial, int bits)
-{
-    return bits == 0 ? rest & 0xFFFFu
-                     : dividedFromBit15((rest << 1) ^ ((rest & 0x8000u) != 0 ? polynomial : 0u), polynomial,
-                                        bits - 1);
-}
-
-template <typename Word, unsigned int... bytes>
-constexpr CrcTable<Word> reflectedTable(quint32 polynomial, Indices<bytes...> /*unused*/)
-{
-    return CrcTable<Word>{{static_cast<Word>(dividedFromLowBit(bytes, polynomial, 8))...}};
-}
-
-template <unsigned int... bytes>
-constexpr CrcTable<quint16> unreflectedTable(quint32 polynomial, Indices<bytes...> /*unused*/)
-{
-    return CrcTable<quint16>{{static_cast<quint16>(dividedFromBit15(bytes << 8, polynomial, 8))...}};
-}
-
+// Made by the compiler.
 constexpr CrcTable<quint16> crc16Table = reflectedTable<quint16>(0xA001, EveryByte());
 constexpr CrcTable<quint16> kermitTable = reflectedTable<quint16>(0x8408, EveryByte());
 constexpr CrcTable<quint16> dnpTable = reflectedTable<quint16>(0xA6BC, EveryByte());

@@ -276,7 +276,7 @@ TEST(TagReadings, AreOfTheTypeThatTheTagSuggests)
     for (const Reading &reading : tags.readings)
         found += labelOf(reading) + QLatin1Char(' ') + reading.shown.front().point->at.kindName();
     EXPECT_EQ(found,
-              (QStringList{"HR1 dword", "5-DI9 bit", "HR4.3 bit", "HRSW30 dword", "HR7 f64", "FN5DO4 bit"}));
+              (QStringList{"FN5DO4 bit", "HR1 dword", "HR4.3 bit", "HR7 f64", "HRSW30 dword", "5-DI9 bit"}));
     EXPECT_EQ(tags.skipped.size(), 3);
 }
 
