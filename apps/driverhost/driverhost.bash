@@ -67,6 +67,9 @@ _driverhost() {
         _driverhost_offer "$(_driverhost_values "$previous")" "$current"
     elif [[ $current == @* ]]; then
         _driverhost_offer "$(_driverhost_targets "$program")" "$current"
+    elif [[ $previous == @ ]]; then
+        # Bash takes the "@" for a word of its own.
+        _driverhost_offer "$(_driverhost_targets "$program" | tr -d @)" "$current"
     elif [[ $current == -* ]]; then
         _driverhost_offer "$(_driverhost_options "$program" "$subcommand")" "$current"
     else
