@@ -68,8 +68,8 @@ _driverhost() {
     elif [[ $current == @* ]]; then
         _driverhost_offer "$(_driverhost_targets "$program")" "$current"
     elif [[ $previous == @ ]]; then
-        # Bash takes the "@" for a word of its own.
-        _driverhost_offer "$(_driverhost_targets "$program" | tr -d @)" "$current"
+        # Bash hands over the "@" as a word of its own, and replaces it all the same.
+        _driverhost_offer "$(_driverhost_targets "$program")" "@$current"
     elif [[ $current == -* ]]; then
         _driverhost_offer "$(_driverhost_options "$program" "$subcommand")" "$current"
     else
