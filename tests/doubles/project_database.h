@@ -39,7 +39,8 @@ public:
     void addNode(int linkId, int station, bool isDefault, const QString &ip = QLatin1String("127.0.0.1"),
                  int port = 502);
     void addTags(const QStringList &addresses, int connectorId);
-    /// Any statement on the file, which may be missing or empty before. Reports to the test when it fails.
+    /// Any statement on the file, which may be missing or empty before. Throws std::runtime_error when it
+    /// fails.
     static void execute(const QString &statement);
     static void execute(const QStringList &statements);
 };

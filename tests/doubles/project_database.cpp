@@ -1,6 +1,4 @@
-#include "tests/support/project_database.h"
-
-#include <gtest/gtest.h>
+#include "tests/doubles/project_database.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -9,12 +7,20 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+#include <stdexcept>
+
 namespace
 {
 
 QString quoted(QString text)
 {
     return QLatin1Char('\'') + text.replace(QLatin1Char('\''), QLatin1String("''")) + QLatin1Char('\'');
+}
+
+void require(bool succeeded, const QSqlError &error)
+{
+    if (!succeeded)
+        throw std::runtime_error(error.text().toUtf8().constData());
 }
 
 QString tagRow(const QString &address, int connectorId)
@@ -99,13 +105,13 @@ void ProjectDatabase::execute(const QStringList &statements)
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(QLatin1String("QSQLITE"), name);
         database.setDatabaseName(path());
-        ASSERT_TRUE(database.open()) << database.lastError().text().toUtf8().constData();
+        require(database.open(), database.lastError());
         QSqlQuery query(database);
         query.exec(QLatin1String("PRAGMA synchronous = OFF"));
         database.transaction();
         for (int i = 0; i < statements.size(); ++i)
-            EXPECT_TRUE(query.exec(statements.at(i))) << query.lastError().text().toUtf8().constData();
-        EXPECT_TRUE(database.commit());
+            require(query.exec(statements.at(i)), query.lastError());
+        require(database.commit(), database.lastError());
     }
     QSqlDatabase::removeDatabase(name);
 }
