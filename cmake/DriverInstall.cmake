@@ -1,5 +1,5 @@
-# cmake --install, by component: runtime has the plug-in, dev what drivers of the family are built on, host the reference
-# host (see apps/driverhost).
+# cmake --install, by component: runtime has the plug-in, dev what drivers of the family are built on and tried with, host
+# the reference host (see apps/driverhost).
 
 include(CMakePackageConfigHelpers)
 
@@ -21,8 +21,15 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/desk/channel"
   DESTINATION "${header_folder}/desk" COMPONENT dev FILES_MATCHING PATTERN "*.h")
 install(FILES "${PROJECT_SOURCE_DIR}/desk/wire/protocol.h" "${PROJECT_SOURCE_DIR}/desk/wire/rtu_frame.h"
   DESTINATION "${header_folder}/desk/wire" COMPONENT dev)
+install(TARGETS driver_kit driver-conformance EXPORT DriverKit
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT dev
+  RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT dev
+  INCLUDES DESTINATION "${header_folder}")
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/kit" "${PROJECT_SOURCE_DIR}/sdk" DESTINATION "${header_folder}" COMPONENT dev
+  FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
-install(FILES "${PROJECT_SOURCE_DIR}/docs/writing-a-driver.md" "${PROJECT_SOURCE_DIR}/docs/host-contract.md"
+install(FILES "${PROJECT_SOURCE_DIR}/docs/writing-a-driver.md" "${PROJECT_SOURCE_DIR}/docs/conformance.md"
+    "${PROJECT_SOURCE_DIR}/docs/host-contract.md"
   DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT dev)
 
 # The Qt line that the library is built with: how CMake finds it, how its targets start, what pkg-config calls it.
@@ -45,9 +52,13 @@ endif()
 
 install(EXPORT DriverTools NAMESPACE DriverTools:: FILE DriverToolsTargets.cmake
   DESTINATION "${package_folder}" COMPONENT dev)
+install(EXPORT DriverKit NAMESPACE DriverTools:: FILE DriverKitTargets.cmake
+  DESTINATION "${package_folder}" COMPONENT dev)
+install(FILES "${CMAKE_CURRENT_LIST_DIR}/DriverPlugin.cmake" "${CMAKE_CURRENT_LIST_DIR}/DriverConformance.cmake"
+  "${DRIVER_EXPORTS}" DESTINATION "${package_folder}" COMPONENT dev)
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/DriverToolsConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/DriverToolsConfig.cmake" INSTALL_DESTINATION "${package_folder}"
-  NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+  NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/DriverToolsConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/DriverToolsConfig.cmake" "${PROJECT_BINARY_DIR}/DriverToolsConfigVersion.cmake"
   DESTINATION "${package_folder}" COMPONENT dev)
@@ -55,8 +66,9 @@ install(FILES "${PROJECT_BINARY_DIR}/DriverToolsConfig.cmake" "${PROJECT_BINARY_
 # Relative, so that an installed tree can be moved.
 file(RELATIVE_PATH prefix_from_pkgconfig "/${pkgconfig_folder}" "/")
 string(REGEX REPLACE "/$" "" prefix_from_pkgconfig "${prefix_from_pkgconfig}")
-foreach(library driver_tools driver_channel)
+foreach(library driver_tools driver_channel driver_kit)
   configure_file("${CMAKE_CURRENT_LIST_DIR}/${library}.pc.in" "${PROJECT_BINARY_DIR}/${library}.pc" @ONLY)
 endforeach()
 install(FILES "${PROJECT_BINARY_DIR}/driver_tools.pc" "${PROJECT_BINARY_DIR}/driver_channel.pc"
+    "${PROJECT_BINARY_DIR}/driver_kit.pc"
   DESTINATION "${pkgconfig_folder}" COMPONENT dev)

@@ -40,7 +40,7 @@ check_length() {
 }
 
 check_code() {
-    run-clang-tidy -p "$1" -j "$(nproc)" -quiet "$PWD/(runtime|desk|apps)/.*\.cpp$" >"$1/clang-tidy.log" 2>&1 || {
+    run-clang-tidy -p "$1" -j "$(nproc)" -quiet "$PWD/(runtime|desk|kit|apps|examples)/.*\.cpp$" >"$1/clang-tidy.log" 2>&1 || {
         grep -E '(error|warning):' -A 3 "$1/clang-tidy.log" | sort -u | head -n 60 >&2
         return 1
     }

@@ -31,7 +31,7 @@ LARGEST_MEMORY = 8 << 30
 def copy_tree():
     """Copies what differs, so that a second run builds little."""
     wanted = {"CMakeLists.txt": os.path.join(ROOT, "scripts", "mutate.cmake")}
-    for top in ("runtime", "tests", "cmake"):
+    for top in ("runtime", "sdk", "tests", "kit", "cmake"):
         for folder, _, names in os.walk(os.path.join(ROOT, top)):
             for name in names:
                 path = os.path.join(folder, name)

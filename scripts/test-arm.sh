@@ -17,10 +17,11 @@ main() {
     make_root
     cmake --preset armhf
     cmake --build --preset armhf
-    rm -rf "$build/results"
+    rm -rf "$build/results" "$build"/tests/conformance/*_conformance.dir/report.xml
     GTEST_OUTPUT="xml:$PWD/$build/results/" \
         ctest --preset armhf --parallel "$(nproc)" --label-exclude "$stays_out"
     count_tests
+    count_checks
     name_what_stays_out
 }
 
@@ -56,6 +57,19 @@ count_tests() {
     ((programs > 0)) || fail "no test programs found"
     echo "$tests tests of $programs programs ran on ARM"
     sed -n 's/.*<skipped message="\([^"]*\)".*/  skipped: \1/p' "$build"/results/*.xml | sort | uniq -c
+}
+
+# The same goes for the programs of the kit.
+count_checks() {
+    local name checks drivers=0
+    while read -r name; do
+        checks=$(sed -n 's/.*<testsuite name="[^"]*" tests="\([0-9]*\)".*/\1/p' "$build/tests/conformance/$name.dir/report.xml")
+        ((checks > 0)) || fail "$name ran no check"
+        echo "$checks checks of $name ran on ARM"
+        ((drivers += 1))
+    done < <(ctest --test-dir "$build" --show-only --label-regex '^conformance$' |
+        sed -n 's/^ *Test *#[0-9]*: \(.*_conformance\)$/\1/p')
+    ((drivers > 0)) || fail "no driver was tried"
 }
 
 reports_of() {

@@ -30,7 +30,9 @@ _driverhost_values() {
             echo silence delay truncate wrong-station wrong-function wrong-crc exception junk-before junk-after split merge \
                 double stale echo reset close half-open
             ;;
-        --plugin | --project | --points | --values | --make | --check | --from-project | --from-scan | --output | --learnt) echo FILE ;;
+        --plugin | --project | --points | --record | --values | --make | --check | --from-project | --from-scan | --output | --learnt)
+            echo FILE
+            ;;
     esac
 }
 

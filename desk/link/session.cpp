@@ -20,7 +20,11 @@ Session::Session(const QString &plugin, const LinkSettings &settings)
 }
 
 Session::Session(const QString &plugin, const LinkSettings &settings, std::unique_ptr<LineChannel> channel)
-    : m_settings(settings.channel), m_channel(std::move(channel)), m_driver(plugin), m_trace(settings.trace)
+    : m_settings(settings.channel),
+      m_channel(std::move(channel)),
+      m_driver(plugin),
+      m_trace(settings.trace),
+      m_record(settings.record)
 {
     m_channel->setObserver([this](ChannelEvent event, const QByteArray &bytes) { observe(event, bytes); });
 }
@@ -29,7 +33,7 @@ std::optional<QByteArray> Session::read(const Items &items)
 {
     prepare(items);
     const QByteArray data = m_driver->read(m_channel.get(), items.command());
-    finish();
+    finish({items.command(), false, data, m_command.station()});
     if (m_driver->hasError() || data.isEmpty())
         return std::nullopt;
     return data;
@@ -39,7 +43,7 @@ bool Session::write(const Items &items, const QByteArray &data)
 {
     prepare(items);
     const bool isWritten = m_driver->write(m_channel.get(), items.command(), data);
-    finish();
+    finish({items.command(), true, data, m_command.station()});
     return isWritten;
 }
 
@@ -64,21 +68,35 @@ void Session::prepare(const Items &items)
     const int station = stationFor(items);
     m_channel->setStation(station);
     m_command.begin(station, m_channel->now());
+    m_exchanges.begin();
 }
 
-void Session::finish()
+void Session::finish(const kit::Sample &sample)
 {
     m_command.end(m_channel->now(), m_channel->isCancelled());
     m_counts.add(m_command);
     m_trace.flush();
+    record(sample);
     if (m_hasEndedAttempts)
         m_channel->setRetries(m_settings.retries);
     m_hasEndedAttempts = false;
 }
 
+// What went wrong with the connection is no matter of requests and replies, and attempts that were ended
+// early have no retry count.
+void Session::record(const kit::Sample &sample)
+{
+    const bool hasFailed = m_driver->hasError();
+    const bool isOfTheLine = !m_channel->isCancelled() && !m_hasEndedAttempts && m_command.hasOpened() &&
+                             m_command.failedOpenings() == 0;
+    if (m_record && (!hasFailed || isOfTheLine))
+        m_record(m_exchanges.recording(sample, hasFailed ? m_driver->getLastError() : QString()));
+}
+
 void Session::observe(ChannelEvent event, const QByteArray &bytes)
 {
     m_command.add(event, bytes, m_channel->now());
+    m_exchanges.add(event, bytes);
     trace(event, bytes);
     if (event == ChannelEvent::Received && !m_repeatsRefused)
         endAttemptsWhenRefused();

@@ -48,16 +48,19 @@ public:
 
 private:
     void prepare(const Items &items);
-    void finish();
+    void finish(const kit::Sample &sample);
     void observe(ChannelEvent event, const QByteArray &bytes);
     void trace(ChannelEvent event, const QByteArray &bytes);
     void endAttemptsWhenRefused();
+    void record(const kit::Sample &sample);
 
     ChannelSettings m_settings;
     std::unique_ptr<LineChannel> m_channel;
     LoadedDriver m_driver;
     MasterTrace m_trace;
+    RecordSink m_record;
     CommandRecord m_command;
+    RecordedExchanges m_exchanges;
     LinkCounts m_counts;
     bool m_repeatsRefused = true;
     bool m_hasEndedAttempts = false;

@@ -1,5 +1,6 @@
 #include "line_frame.h"
 
+#include "drivers/qt_lines.h"
 #include "drivers/tools.h"
 
 namespace
@@ -30,9 +31,15 @@ QByteArray finished(TxPackage &frame)
     return frame.byteArrayData();
 }
 
+// A damaged digit may be one of lower case, which no device sends.
+QByteArray digitsOf(int check)
+{
+    return QByteArray::number(check, 16).rightJustified(2, '0').toUpper();
+}
+
 unsigned char byteOf(const QByteArray &digits)
 {
-    return static_cast<unsigned char>(HexToUInt(digits.constData(), digits.size()));
+    return static_cast<unsigned char>(HexToUInt(digits.constData(), sizeOf(digits)));
 }
 
 } // namespace
@@ -59,7 +66,7 @@ QByteArray lineWriteRequest(unsigned char station, unsigned short first, const Q
 LineReply parsedLineReply(const QByteArray &bytes)
 {
     LineReply reply = {false, 0, '\0', QByteArray()};
-    const int digits = bytes.size() - LineHeadSize - LineTailSize;
+    const int digits = sizeOf(bytes) - LineHeadSize - LineTailSize;
     if (digits < 0)
         return reply;
 
@@ -67,7 +74,7 @@ LineReply parsedLineReply(const QByteArray &bytes)
     frame.setSectionSize(EmptyPackageSizeList() << 1 << 2 << 1 << digits << 2 << 1);
     frame.setData(bytes);
     reply.isIntact = frame.dataAt(0).at(0) == FrameStart && frame.dataAt(5).at(0) == FrameEnd &&
-                     byteOf(frame.dataAt(4)) == TxPackage::calculateFCS(&frame, LineTailSize);
+                     frame.dataAt(4) == digitsOf(TxPackage::calculateFCS(&frame, LineTailSize));
     if (!reply.isIntact)
         return reply;
     reply.station = byteOf(frame.dataAt(1));

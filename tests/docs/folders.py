@@ -13,7 +13,7 @@ import pathlib
 import re
 import sys
 
-TOPS = ("runtime", "desk", "apps", "tests", "bench", "fuzz", "examples")
+TOPS = ("runtime", "sdk", "desk", "kit", "apps", "tests", "bench", "fuzz", "examples")
 MAX_SOURCES = 25
 TITLE = "| Folder | What | Includes from |"
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)

@@ -2,7 +2,7 @@
 """Every file and folder that the documents name is there: paths.py PROJECT
 
 Names are those in backquotes that end as sources, scripts and documents do or in a slash. They may leave out the folders in
-front of them; what is installed begins with include/.
+front of them; what is installed begins with include/, and what a page makes is named where it does so: "In `name`:".
 """
 
 import pathlib
@@ -10,7 +10,8 @@ import re
 import sys
 
 NAME = re.compile(r"`([\w./-]+?(?:\.(?:cpp|h|py|sh|cmake|md|txt|map)|/))`")
-TOPS = ("runtime", "desk", "apps", "tests", "bench", "fuzz", "examples", "docs", "scripts", "cmake")
+MADE = re.compile(r"^In `([\w.]+)`:$", re.MULTILINE)
+TOPS = ("runtime", "sdk", "desk", "kit", "apps", "tests", "bench", "fuzz", "examples", "docs", "scripts", "cmake")
 
 
 def paths_of(tree):
@@ -27,8 +28,10 @@ def main(tree):
     count = 0
     strangers = []
     for document in documents:
-        for name in NAME.findall(document.read_text()):
-            if name.startswith("include/"):
+        text = document.read_text()
+        made = MADE.findall(text)
+        for name in NAME.findall(text):
+            if name.startswith("include/") or name in made:
                 continue
             count += 1
             if not any(path.endswith("/" + name.strip("/") + "/") for path in paths):

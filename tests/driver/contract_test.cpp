@@ -1,7 +1,7 @@
 #include "drivers/device_setting.h"
 #include "host/abstract_device_interface.h"
 #include "host/driver_interface.h"
-#include "tests/support/transactions.h"
+#include "tests/support/gtest_qt.h"
 
 #include <gtest/gtest.h>
 
@@ -68,26 +68,6 @@ public:
     int stationId() const override { return 0; }
     unsigned int delayTime() const override { return 0; }
     QString errorString() const override { return QString(); }
-};
-
-// Fails the test when one of the idle operations is called.
-class WatchedChannel : public ScriptedChannel
-{
-public:
-    void slot3() override { ADD_FAILURE(); }
-    void slot7() override { ADD_FAILURE(); }
-    void slot9() override { ADD_FAILURE(); }
-    void slot10() override { ADD_FAILURE(); }
-    void slot11() override { ADD_FAILURE(); }
-    void slot12() override { ADD_FAILURE(); }
-    void slot13() override { ADD_FAILURE(); }
-    void slot14() override { ADD_FAILURE(); }
-    void slot15() override { ADD_FAILURE(); }
-    void slot17() override { ADD_FAILURE(); }
-    void slot18() override { ADD_FAILURE(); }
-    void slot21() override { ADD_FAILURE(); }
-    void slot23() override { ADD_FAILURE(); }
-    void slot24() override { ADD_FAILURE(); }
 };
 
 } // namespace
@@ -166,23 +146,6 @@ TEST(Contract, IdlePlacesOfTheChannelDoNothing)
     for (const auto &i : idle) {
         EXPECT_EQ(slotOf(i.operation), i.place);
         (channel.*i.operation)();
-    }
-}
-
-TEST(Contract, DriverCallsNoIdlePlace)
-{
-    LoadedDriver link(transactionTags());
-    WatchedChannel channel;
-    for (const Transaction &transaction : makeTransactions()) {
-        for (const Transaction::Exchange &exchange : transaction.exchanges)
-            channel.addReply(exchange.reply);
-        const CommunicatorCommand command =
-            makeCommand(transaction.dataType, QLatin1String(transaction.address), transaction.count);
-        if (transaction.isWrite) {
-            EXPECT_TRUE(link.driver.write(&channel, command, fromHex(transaction.data)));
-        } else {
-            EXPECT_EQ(link.driver.read(&channel, command), transaction.result);
-        }
     }
 }
 

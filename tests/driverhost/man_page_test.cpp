@@ -81,7 +81,8 @@ TEST(ManualPage, DescribesEveryOptionOfEverySubcommandAndNoOther)
                 name))
             expected += sections.value(QStringLiteral("OPTIONS OF THE LINK"));
         if (name == QLatin1String("target"))
-            expected += sections.value(QStringLiteral("OPTIONS OF THE LINK")) - Options{"plugin", "trace"};
+            expected +=
+                sections.value(QStringLiteral("OPTIONS OF THE LINK")) - Options{"plugin", "record", "trace"};
         if (QStringList{"read", "write", "watch"}.contains(name))
             expected += sections.value(QStringLiteral("OPTIONS OF ITEMS"));
         EXPECT_EQ(shown(helpOptions(name)), shown(expected)) << name.toStdString();

@@ -2,8 +2,8 @@
 #include "drivers/device_setting.h"
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 #include "tests/doubles/command.h"
+#include "tests/doubles/project_database.h"
 #include "tests/exploration/adversary_line.h"
-#include "tests/support/project_database.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #include "drivers/modbus_rtu_slave_over_tcp/modbus_rtu_slave_over_tcp.h"
 #include "drivers/tools/timing.h"
 #include "tests/doubles/command.h"
+#include "tests/doubles/project_database.h"
 #include "tests/doubles/scripted_channel.h"
 #include "tests/support/gtest_qt.h"
-#include "tests/support/project_database.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
-# Installs the tools, builds the example driver on what is installed, and lets its test load the plug-in; then builds a
-# host on the installed channel and runs it.
+# Installs the tools and their kit, builds a driver on what is installed, and takes it through the kit; then builds a host
+# on the installed channel and runs it.
 #   build_example.sh find_package|pkg_config BUILD EXAMPLE MOC
+#   build_example.sh page BUILD PAGE MOC     the driver that the page makes
 # The environment has CMAKE, CXX and CXXFLAGS.
 set -euo pipefail
 
@@ -30,22 +31,23 @@ find_package() {
 }
 
 pkg_config() {
-    local pc includes cflags libs plugins
+    local pc includes cflags libs plugins hidden
     pc=$(find "$prefix" -name driver_tools.pc)
     export PKG_CONFIG_PATH=${pc%/*}${PKG_CONFIG_PATH:+:$PKG_CONFIG_PATH}
     read -ra includes <<<"$(pkg-config --cflags-only-I driver_tools)"
     read -ra cflags <<<"${CXXFLAGS:-} $(pkg-config --cflags driver_tools)"
     read -ra libs <<<"$(pkg-config --libs driver_tools)"
     plugins=$(pkg-config --variable=plugindir driver_tools)
+    hidden=("-fvisibility=hidden" "-Wl,--version-script=$(pkg-config --variable=exports driver_tools)")
 
     compile_headers_alone "${cflags[@]}"
     "$moc" "${includes[@]}" "$example/line_driver.h" -o "$scratch/moc_line_driver.cpp"
-    "$CXX" -std=c++11 -fPIC -shared -I"$example" "${cflags[@]}" "$example"/line_{driver,frame}.cpp \
+    "$CXX" -std=c++11 -fPIC -shared "${hidden[@]}" -I"$example" "${cflags[@]}" "$example"/line_{driver,frame}.cpp \
         "$scratch/moc_line_driver.cpp" "${libs[@]}" -o "$plugins/libline_driver.so"
-    read -ra libs <<<"$(pkg-config --libs driver_tools gtest)"
-    "$CXX" -std=c++14 -fPIC "${cflags[@]}" "$example/line_driver_test.cpp" "${libs[@]}" -o "$scratch/line_driver_test"
+    read -ra libs <<<"$(pkg-config --libs driver_kit)"
+    "$CXX" -std=c++11 -fPIC "${cflags[@]}" "$example/line_slave.cpp" "${libs[@]}" -o "$scratch/line_conformance"
     ls "$plugins"
-    LINE_DRIVER=$plugins/libline_driver.so "$scratch/line_driver_test"
+    "$scratch/line_conformance" --commands 20000 "$plugins/libline_driver.so"
     test -f "$plugins/libmodbus_rtu_slave_over_tcp.so"
 
     read -ra cflags <<<"${CXXFLAGS:-} $(pkg-config --cflags driver_channel)"
@@ -55,13 +57,35 @@ pkg_config() {
 }
 
 compile_headers_alone() {
-    local header count=0
-    while read -r header; do
-        "$CXX" -std=c++11 -fPIC -fsyntax-only "$@" -include "$header" -x c++ /dev/null
-        count=$((count + 1))
-    done < <(find "$prefix/include" -name '*.h')
-    echo "$count headers compile from themselves"
+    local count
+    count=$(find "$prefix/include" -name '*.h' | wc -l)
     ((count > 0))
+    find "$prefix/include" -name '*.h' -print0 |
+        xargs -0 -P "$(nproc)" -I {} "$CXX" -std=c++11 -fPIC -fsyntax-only "$@" -include {} -x c++ /dev/null
+    echo "$count headers compile from themselves"
+}
+
+# Does what the page says, then what it says to leave out.
+page() {
+    local folder=$scratch/page commands qmake
+    mkdir "$folder"
+    commands=$(python3 "$(dirname "${BASH_SOURCE[0]}")/page_files.py" "$example" "$folder")
+    qmake=$(sed -n 's/^QT_QMAKE_EXECUTABLE:[^=]*=//p' "$build/CMakeCache.txt")
+    export PATH=${qmake:+${qmake%/*}:}${CMAKE%/*}:$PATH
+    cd "$folder"
+    ls
+    bash -xeuo pipefail -c "${commands//\/opt\/drivers/$prefix}"
+
+    sed -i 's/reply\.station != request\.station || //' gauge_driver.cpp
+    cmake --build build >/dev/null
+    if ctest --test-dir build --output-on-failure >"$scratch/report"; then
+        cat "$scratch/report"
+        echo "passes without looking at the station" >&2
+        exit 1
+    fi
+    grep FAILED "$scratch/report"
+    test "$(grep -c '^FAILED ' "$scratch/report")" -eq 1
+    grep -q '^FAILED *staleness.other-station' "$scratch/report"
 }
 
 install_tools

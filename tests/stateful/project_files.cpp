@@ -1,6 +1,6 @@
 #include "tests/stateful/project_files.h"
 
-#include "tests/support/project_database.h"
+#include "tests/doubles/project_database.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "tests/stateful/world.h"
 
 #include "tests/doubles/command.h"
-#include "tests/support/project_database.h"
+#include "tests/doubles/project_database.h"
 
 #include <QSqlDatabase>
 

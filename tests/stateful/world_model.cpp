@@ -1,7 +1,7 @@
 #include "tests/stateful/world_model.h"
 
 #include "drivers/tools/command_data.h"
-#include "tests/support/project_database.h"
+#include "tests/doubles/project_database.h"
 
 namespace
 {

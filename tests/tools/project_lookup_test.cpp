@@ -1,7 +1,7 @@
 #include "drivers/tools/project_lookup.h"
 #include "tests/doubles/frames.h"
+#include "tests/doubles/project_database.h"
 #include "tests/support/gtest_qt.h"
-#include "tests/support/project_database.h"
 
 #include <QCoreApplication>
 #include <QFile>

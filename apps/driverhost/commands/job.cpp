@@ -17,23 +17,35 @@ void traceTarget(const LinkSettings &link)
                               QStringLiteral("target %1: %2").arg(targetText(link.target()), origin)));
 }
 
+int fail(const QString &text)
+{
+    reportError(text);
+    return OtherFailure;
+}
+
 int runTask(const Job &job)
 {
     traceTarget(job.link);
-    Session session(inheritedPlugin(), job.link);
-    if (session.isReady())
-        return job.task(session);
-    reportError(session.errorString());
-    return OtherFailure;
+    LinkSettings link = job.link;
+    Recorder recorder(link.recordFile, link.channel.device, link.channel.retries);
+    const Result<> opened = recorder.open();
+    if (!opened)
+        return fail(opened.errorText());
+    if (recorder.isRecording())
+        link.record = [&recorder](const kit::Recording &recording) { recorder.add(recording); };
+    Session session(inheritedPlugin(), link);
+    if (!session.isReady())
+        return fail(session.errorString());
+    const int code = job.task(session);
+    const Result<> written = recorder.write();
+    return written || code != Success ? code : fail(written.errorText());
 }
 
 int startAgain(const Job &job)
 {
     const Result<QString> plugin = findPlugin(job.link.plugin);
-    if (!plugin) {
-        reportError(plugin.errorText());
-        return OtherFailure;
-    }
+    if (!plugin)
+        return fail(plugin.errorText());
     const RunBesideDatabase run = runBesideDatabase(*plugin, job.link, job.tags, reportError);
     switch (run.outcome) {
     case RunBesideDatabase::Ran: return codeOf(run.end, *plugin);
@@ -41,8 +53,7 @@ int startAgain(const Job &job)
     case RunBesideDatabase::NoDirectory:
     case RunBesideDatabase::NotStarted: break;
     }
-    reportError(run.error);
-    return OtherFailure;
+    return fail(run.error);
 }
 
 } // namespace

@@ -119,6 +119,8 @@ QList<QCommandLineOption> linkOptions()
         optionWithDefault("delay", "Milliseconds to pause before every attempt", "MS", channel.delay),
         pluginOption(),
         traceOption(),
+        option("record", "Write commands, requests and replies to a file that driver-conformance plays back.",
+               "FILE"),
     };
 }
 
@@ -145,6 +147,7 @@ LinkSettings linkSettings(CommandLine &line, QStringList &words, const std::opti
     settings.plugin = line.text("plugin");
     settings.project = line.text("project");
     settings.trace = traceOf(line);
+    settings.recordFile = line.text("record");
     const Result<> device = checkDeviceText(settings.channel.device);
     if (!device)
         line.addError(device.errorText());
