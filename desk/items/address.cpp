@@ -181,7 +181,7 @@ Result<Address> parseAddress(const QString &text)
 Result<AddressSpan> parseAddressSpan(const QString &text)
 {
     const QString dots = QStringLiteral("..");
-    const int position = text.indexOf(dots);
+    const auto position = text.indexOf(dots);
     const Result<Address> first = parseAddress(position < 0 ? text : text.left(position));
     if (!first)
         return Error{position < 0 ? first.errorText()
