@@ -2,7 +2,8 @@
 # Installs the tools, builds the example driver on what is installed, and lets its test load the plug-in; then builds a
 # host on the installed channel and runs it.
 #   build_example.sh find_package|pkg_config BUILD EXAMPLE MOC
-# The environment has CMAKE, CXX and CXXFLAGS.
+# The environment has CMAKE, CXX and CXXFLAGS, and the standards of C++ for drivers and for their tests, STANDARD and
+# TEST_STANDARD.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -40,24 +41,24 @@ pkg_config() {
 
     compile_headers_alone "${cflags[@]}"
     "$moc" "${includes[@]}" "$example/line_driver.h" -o "$scratch/moc_line_driver.cpp"
-    "$CXX" -std=c++11 -fPIC -shared -I"$example" "${cflags[@]}" "$example"/line_{driver,frame}.cpp \
+    "$CXX" "-std=$STANDARD" -fPIC -shared -I"$example" "${cflags[@]}" "$example"/line_{driver,frame}.cpp \
         "$scratch/moc_line_driver.cpp" "${libs[@]}" -o "$plugins/libline_driver.so"
     read -ra libs <<<"$(pkg-config --libs driver_tools gtest)"
-    "$CXX" -std=c++14 -fPIC "${cflags[@]}" "$example/line_driver_test.cpp" "${libs[@]}" -o "$scratch/line_driver_test"
+    "$CXX" "-std=$TEST_STANDARD" -fPIC "${cflags[@]}" "$example/line_driver_test.cpp" "${libs[@]}" -o "$scratch/line_driver_test"
     ls "$plugins"
     LINE_DRIVER=$plugins/libline_driver.so "$scratch/line_driver_test"
     test -f "$plugins/libmodbus_rtu_slave_over_tcp.so"
 
     read -ra cflags <<<"${CXXFLAGS:-} $(pkg-config --cflags driver_channel)"
     read -ra libs <<<"$(pkg-config --libs driver_channel)"
-    "$CXX" -std=c++11 -fPIC "${cflags[@]}" "$here/channel_host/channel_host.cpp" "${libs[@]}" -o "$scratch/channel_host"
+    "$CXX" "-std=$STANDARD" -fPIC "${cflags[@]}" "$here/channel_host/channel_host.cpp" "${libs[@]}" -o "$scratch/channel_host"
     "$scratch/channel_host"
 }
 
 compile_headers_alone() {
     local header count=0
     while read -r header; do
-        "$CXX" -std=c++11 -fPIC -fsyntax-only "$@" -include "$header" -x c++ /dev/null
+        "$CXX" "-std=$STANDARD" -fPIC -fsyntax-only "$@" -include "$header" -x c++ /dev/null
         count=$((count + 1))
     done < <(find "$prefix/include" -name '*.h')
     echo "$count headers compile from themselves"
