@@ -30,7 +30,7 @@ _driverhost_values() {
             echo silence delay truncate wrong-station wrong-function wrong-crc exception junk-before junk-after split merge \
                 double stale echo reset close half-open
             ;;
-        --plugin | --project | --points | --values | --make | --check | --from-project | --from-scan | --output | --learnt) echo FILE ;;
+        --plugin | --project | --points | --values | --report | --make | --check | --from-project | --from-scan | --output | --learnt) echo FILE ;;
     esac
 }
 
@@ -43,7 +43,7 @@ _driverhost_words() {
         project | compare | restore) echo FILE ;;
     esac
     case $2 in
-        read | write | watch | tags | scan | target | snapshot) _driverhost_targets "$1" ;;
+        read | write | watch | tags | scan | doctor | target | snapshot) _driverhost_targets "$1" ;;
     esac
 }
 

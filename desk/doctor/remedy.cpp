@@ -32,7 +32,8 @@ QString addressText(const Wanted &wanted, const Remedy &remedy)
         return text;
     const bool isWide = at.type.registers() > 1 && !at.type.isText();
     const bool isTyped = at.isTyped || remedy.order;
-    if (isTyped || isWide)
+    const bool isWord = at.type == ValueType{Meaning::Unsigned, modbus::RegisterBits};
+    if ((isTyped && !isWord) || isWide)
         text += QLatin1Char(':') + nameOf(at.type);
     const QString ownOrder = at.order == defaultOrder(at.type) ? QString() : nameOf(at.order, at.type);
     const bool isTouched = remedy.order && remedy.order->size() == nameOf(at.order, at.type).size();

@@ -100,6 +100,7 @@ void addRefusal(const Asked &refusal, const QString &what, const Observations &s
                           evidence);
         break;
     default:
+        judgement.remedy.worksNow = false;
         judgement.add(FindingKind::DeviceRefuses,
                       QStringLiteral("station %1 answers with exception %2 (%3)")
                           .arg(QString::number(seen.working), QString::number(refusal.exception()),
@@ -127,6 +128,7 @@ void judgeWanted(const Observations &seen, const DoctorOptions &options, Judgeme
         addRefusal(*answer, labelOf(wanted.point), seen, one);
         if (!has(judgement, one))
             judgement.findings.push_back(one.findings.front());
+        judgement.remedy.worksNow = judgement.remedy.worksNow && one.remedy.worksNow;
     }
 }
 

@@ -58,7 +58,7 @@ Judgement judgeRefusal(const Observations &seen, const QString &endpoint)
     judgement.remedy.worksNow = false;
     const Connection &last = seen.connections.back();
     if (last.error.endsWith(QLatin1String(UnknownHost)))
-        judgement.add(FindingKind::UnknownHost, QStringLiteral("nobody knows the host of %1").arg(endpoint),
+        judgement.add(FindingKind::HostUnknown, QStringLiteral("nobody knows the host of %1").arg(endpoint),
                       evidenceOf(seen));
     else if (isRefused(last))
         judgement.add(FindingKind::NobodyListens, QStringLiteral("nobody listens at %1").arg(endpoint),

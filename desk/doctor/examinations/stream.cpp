@@ -24,6 +24,11 @@ Strays noiseOf(const Observations &seen)
     return noise;
 }
 
+bool isShorter(const Stray &left, const Stray &right)
+{
+    return left.bytes.size() < right.bytes.size();
+}
+
 // On each connection that stayed the same bytes came first. Those that come later too are a heartbeat.
 Strays registrationOf(const Strays &noise)
 {
@@ -36,9 +41,13 @@ Strays registrationOf(const Strays &noise)
         if (one.isFirst)
             first.push_back(one);
     }
+    if (first.size() < 2)
+        return {};
+    // A heartbeat may follow at once.
+    const Stray &shortest = *std::min_element(first.begin(), first.end(), isShorter);
     const bool isSame = std::all_of(first.begin(), first.end(),
-                                    [&](const Stray &one) { return one.bytes == first.front().bytes; });
-    return first.size() > 1 && isSame && !comesLater(first.front()) ? first : Strays();
+                                    [&](const Stray &one) { return one.bytes.contains(shortest.bytes); });
+    return isSame && !comesLater(shortest) ? first : Strays();
 }
 
 Strays without(const Strays &strays, const Strays &registration)

@@ -97,7 +97,10 @@ QString durationText(qint64 microseconds)
     const double manyMilliseconds = 1000;
     if (milliseconds >= manyMilliseconds)
         return QStringLiteral("%1 s").arg(milliseconds / manyMilliseconds, 0, 'f', 1);
-    return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f', milliseconds < 10 ? 1 : 0);
+    return QStringLiteral("%1 ms").arg(milliseconds, 0, 'f',
+                                       milliseconds < 1    ? 2
+                                       : milliseconds < 10 ? 1
+                                                           : 0);
 }
 
 int roundedUp(qint64 microseconds, int step)

@@ -7,7 +7,7 @@ const std::vector<FindingInfo> &findingInfos()
 {
     using Kind = FindingKind;
     static const std::vector<FindingInfo> infos = {
-        {Kind::UnknownHost, "unknown-host", Weight::Explains, "The name of the host stands for no address.",
+        {Kind::HostUnknown, "unknown-host", Weight::Explains, "The name of the host stands for no address.",
          "Check the spelling and the name server, or use the address in numbers."},
         {Kind::NobodyListens, "nobody-listens", Weight::Explains,
          "The host refuses connections to the port, twice with a second between.",

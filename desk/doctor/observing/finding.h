@@ -8,7 +8,7 @@
 
 /// What an examination can come to, in the order from the cable up.
 enum class FindingKind {
-    UnknownHost,
+    HostUnknown,
     NobodyListens,
     Unreachable,
     ClosedAtOnce,

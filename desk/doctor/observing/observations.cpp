@@ -56,7 +56,8 @@ std::vector<const Asked *> Observations::timed() const
 {
     std::vector<const Asked *> found;
     for (const Asked &one : asked) {
-        if (one.station() == working && one.isAnswer() && !one.isStationAbsent())
+        if (one.station() == working && one.isAnswer() && !one.isStationAbsent() &&
+            one.purpose != Purpose::Length)
             found.push_back(&one);
     }
     return found;

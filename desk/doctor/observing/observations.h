@@ -110,7 +110,7 @@ struct Observations {
     bool isEchoing() const;
     /// Requests with the purpose, in their order.
     std::vector<const Asked *> askedFor(Purpose purpose) const;
-    /// Those that the working station answered, samples and contacts.
+    /// Those that the working station answered, very long ones left out.
     std::vector<const Asked *> timed() const;
     /// The first request that found something readable; nothing when there was none.
     const Asked *firstRead() const;
