@@ -52,6 +52,7 @@ expect "watch --as h" "hex"
 expect "read --word-order " "low high"
 expect "scan --passes " "1 2"
 expect "slave --fault ec" "echo"
+expect "doc" "doctor"
 expect "scan st" "stations"
 expect "scan " "stations HR IR DI DO"
 
@@ -65,4 +66,6 @@ expect "compare pl" "plant.db"
 "$program" target add boiler rtutcp://10.0.0.5 2>/dev/null
 expect "read @" "@boiler"
 expect "restore plant.db @" "@boiler"
+expect "doctor @" "@boiler"
+expect "doctor --report pl" "plant.db"
 exit $((failures > 0))

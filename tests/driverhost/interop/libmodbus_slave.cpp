@@ -1,72 +1,14 @@
-#include "tests/driverhost/support/host_program.h"
+#include "tests/driverhost/interop/libmodbus_slave.h"
+#include "tests/driverhost/support/doctor_process.h"
 #include "tests/peers/exercise.h"
 #include "tests/peers/serial_bridge.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <modbus/modbus.h>
-#include <thread>
-
 // The driver against a slave of libmodbus, which speaks RTU on serial lines only.
 
 namespace
 {
-
-const int Addresses = 65536;
-
-class LibmodbusSlave
-{
-public:
-    explicit LibmodbusSlave(const QString &device)
-    {
-        context = modbus_new_rtu(device.toLocal8Bit().constData(), 115200, 'N', 8, 1);
-        mapping = modbus_mapping_new(Addresses, Addresses, Addresses, Addresses);
-        for (int i = 0; i < Addresses; ++i) {
-            mapping->tab_input_bits[i] = exerciseInput(i) ? 1 : 0;
-            mapping->tab_input_registers[i] = static_cast<uint16_t>(exerciseInputRegister(i, 1));
-        }
-        modbus_set_slave(context, 1);
-        modbus_set_indication_timeout(context, 0, 50000);
-        isConnected = modbus_connect(context) == 0;
-        thread = std::thread([this] { serve(); });
-    }
-
-    ~LibmodbusSlave()
-    {
-        isStopping = true;
-        thread.join();
-        modbus_close(context);
-        modbus_mapping_free(mapping);
-        modbus_free(context);
-    }
-    LibmodbusSlave(const LibmodbusSlave &) = delete;
-    LibmodbusSlave &operator=(const LibmodbusSlave &) = delete;
-
-    void setHoldingRegister(int number, int value)
-    {
-        mapping->tab_registers[number - 1] = static_cast<uint16_t>(value);
-    }
-    int holdingRegister(int number) const { return mapping->tab_registers[number - 1]; }
-
-    bool isConnected = false;
-
-private:
-    void serve()
-    {
-        std::vector<uint8_t> request(MODBUS_RTU_MAX_ADU_LENGTH);
-        while (!isStopping) {
-            const int size = modbus_receive(context, request.data());
-            if (size > 0)
-                modbus_reply(context, request.data(), size, mapping);
-        }
-    }
-
-    modbus_t *context = nullptr;
-    modbus_mapping_t *mapping = nullptr;
-    std::atomic<bool> isStopping{false};
-    std::thread thread;
-};
 
 class Libmodbus : public testing::Test
 {
@@ -114,7 +56,6 @@ TEST_F(Libmodbus, ReadsAndWritesTypedValues)
     EXPECT_EQ(values, (QStringList{"123456", "123456", "123456", "123456", "1.5", "12345678", "Pump", "-2"}));
 }
 
-// The line takes one connection in its life.
 TEST_F(Libmodbus, TakesTypedValues)
 {
     const QString target = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(line.port());
@@ -125,6 +66,32 @@ TEST_F(Libmodbus, TakesTypedValues)
     const std::vector<int> expected{0xF147, 0x0020, 0xCDEF, 0x89AB, 0x4567, 0x0123, 0x4162, 0x6300, 0x1234};
     for (size_t i = 0; i < expected.size(); ++i)
         EXPECT_EQ(slave.holdingRegister(1 + static_cast<int>(i)), expected[i]) << i;
+}
+
+// A serial line behind a bridge: nothing is wrong with it, and the command that is suggested reads.
+TEST_F(Libmodbus, IsHealthyToTheDoctor)
+{
+    slave.setHoldingRegister(100, 235);
+    const QString target = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(line.port());
+    const DoctorReport report(
+        runHost({"doctor", target, "HR100=235", "--timeout", "800", "--listen", "1", "--format", "json"}));
+    EXPECT_EQ(report.code, 0) << report.findings.join(' ').toStdString();
+    EXPECT_EQ(runHost(report.command()).code, 0) << report.command().join(' ').toStdString();
+}
+
+// The slave is silent for others, and the list of its values counts from 0.
+TEST_F(Libmodbus, IsExplainedByTheDoctor)
+{
+    slave.setHoldingRegister(101, 235);
+    slave.setHoldingRegister(106, 4711);
+    const QString target = QStringLiteral("rtutcp://127.0.0.1:%1/4").arg(line.port());
+    const DoctorReport report(runHost({"doctor", target, "HR100=235", "HR105=4711", "--timeout", "800",
+                                       "--listen", "1", "--format", "json"}));
+    EXPECT_EQ(report.code, 8);
+    EXPECT_EQ(report.findings, (QStringList{"off-by-one", "wrong-station"}));
+    const HostRun read = runHost(report.command() + QStringList{"--format", "csv"});
+    EXPECT_EQ(read.code, 0) << report.command().join(' ').toStdString();
+    EXPECT_TRUE(read.out.contains("235") && read.out.contains("4711")) << read.out.toStdString();
 }
 
 } // namespace
