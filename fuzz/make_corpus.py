@@ -213,9 +213,47 @@ def tools():
         write("tx_package", name, steps)
 
 
+def frame(hexadecimal):
+    content = bytes.fromhex(hexadecimal)
+    crc = 0xFFFF
+    for byte in content:
+        crc ^= byte
+        for _ in range(8):
+            crc = crc >> 1 ^ (0xA001 if crc & 1 else 0)
+    return content + struct.pack("<H", crc)
+
+
+def streams_of_the_desk():
+    read, write_all = frame("01 03 00 00 00 02"), frame("01 10 00 00 00 02 04 11 22 33 44")
+    reply = frame("01 03 04 11 22 33 44")
+    for name, stream in {"requests": read + write_all, "noise": b"\x00\xff" + read + b"HELLO\r\n" + write_all,
+                         "cut": read[:5] + read + write_all[:-3], "nested": write_all[:4] + read + read}.items():
+        write("slave_deframer", name, b"\x03\x00\x02\x05" + stream)
+    told = lambda kind, content: bytes([kind, len(content) - 1]) + content
+    write("trace_lines", "read", told(0, read) + told(1, reply[:5]) + told(1, reply[5:]))
+    write("trace_lines", "refused", told(0, read) + told(3, b"HELLO") + told(1, reply[:5]) + b"\x04" + told(2, reply[5:]))
+
+
+def files_of_the_desk():
+    write("project_list", "links", b"# a panel\nlink 1 ETHERNET\nnode 1 5 default 10.0.0.5:502\nnode 1 6\ntag 1 HR100\n"
+          b"tag 1, 2-DO5\nlink 2 COM2\n")
+    write("project_list", "errors", b"link\nnode 1 300\ntag 9 HR1\nstation 4\n")
+    write("point_file", "commas", b"name,address,type,order,scale,offset,unit,low,high,states,comment\n"
+          b"pump,HR1:f32@CDAB,,,0.1,-40,C,0,100,,\"a, b\"\nlevel,2-IR5,u16,,,,,,,0=stopped;1=running,\n")
+    write("point_file", "semicolons", b"\xef\xbb\xbfaddress;name;states\r\nHR7.3;door;0:open;\r\nDI1:bitx8;doors;\r\n")
+    write("point_file", "errors", b"name\taddress\ttype\nx\tHR0\tf99\n\"open\tHR1\n")
+    write("snapshot_file", "kept", b"driverhost snapshot\nformat 1\ntime 2026-11-21T10:15:00.123+01:00\n"
+          b"target rtutcp://192.168.0.10:502/1\nrange 1-HR1..4\nHR1 4660\nHR2 0\nHR3..4 missing\nrange 1-DO1..2\nDO1 1\nDO2 0\n")
+    write("learnt_file", "format", b"driverhost learnt\nformat 1\nstation 5 no-fill\n"
+          b"station 5 registers cost 52916.7 2291.7\nstation 5 registers limit 100 102\n"
+          b"refused 5-HR101..120 exception 2 again 2026-05-01T10:00:00Z pause 60\n"
+          b"refused-step 5-HR49..51 exception 2 again 2026-05-01T10:00:00Z pause 60\n"
+          b"refused-function 5-IR1 exception 1 again 2026-05-01T10:00:00Z pause 3600\n")
+
+
 def main():
     shutil.rmtree(CORPUS, ignore_errors=True)
-    for make in (reads, writes, texts, databases, streams, tools):
+    for make in (reads, writes, texts, databases, streams, tools, streams_of_the_desk, files_of_the_desk):
         make()
 
 

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the fuzz programs with clang and runs each for a while under AddressSanitizer and UndefinedBehaviorSanitizer.
 # Installs what is missing first.
-#   scripts/fuzz.sh [--seed N] [SECONDS [PROGRAM...]]     20 seconds, all programs of fuzz/
+#   scripts/fuzz.sh [--seed N] [SECONDS [PROGRAM...]]     20 seconds, all programs of fuzz/ and fuzz/desk/
 #
 # Inputs that reach something new are kept in build/fuzz/run/PROGRAM/corpus, so later runs go on where earlier ones
 # ended. With --seed that folder begins empty and the inputs come in the same order each time. A crash leaves its input
@@ -20,7 +20,7 @@ main() {
     fi
     local seconds=${1:-20} programs=("${@:2}") failed=() program
     if ((${#programs[@]} == 0)); then
-        mapfile -t programs < <(basename --suffix .cpp fuzz/*.cpp)
+        mapfile -t programs < <(basename --suffix .cpp fuzz/*.cpp fuzz/desk/*.cpp)
     fi
     install_packages "${build_packages[@]}" "${clang_packages[@]}"
     build_programs "${programs[@]/#/fuzz_}"
@@ -35,7 +35,7 @@ main() {
 
 build_programs() {
     cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DDRIVER_FUZZ=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-        -DBUILD_TESTING=OFF -DCMAKE_DISABLE_FIND_PACKAGE_Qt5SerialBus=ON >/dev/null
+        -DBUILD_TESTING=OFF >/dev/null
     ninja -C "$build" "$@"
 }
 

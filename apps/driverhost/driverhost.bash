@@ -42,10 +42,10 @@ _driverhost_words() {
         scan) echo stations HR IR DI DO ;;
         target) echo add remove ;;
         help) _driverhost_subcommands "$1" ;;
-        project) echo FILE ;;
+        project | compare | restore) echo FILE ;;
     esac
     case $2 in
-        read | write | watch | tags | scan | target) _driverhost_targets "$1" ;;
+        read | write | watch | tags | scan | target | snapshot) _driverhost_targets "$1" ;;
     esac
 }
 
@@ -67,6 +67,8 @@ _driverhost() {
         _driverhost_offer "$(_driverhost_subcommands "$program") --help --version" "$current"
     elif [[ $(_driverhost_values "$previous") != "" ]]; then
         _driverhost_offer "$(_driverhost_values "$previous")" "$current"
+    elif [[ $current == @* ]]; then
+        _driverhost_offer "$(_driverhost_targets "$program")" "$current"
     elif [[ $current == -* ]]; then
         _driverhost_offer "$(_driverhost_options "$program" "$subcommand")" "$current"
     else

@@ -23,19 +23,15 @@
 // say nothing.
 //
 // - "station N no-fill" and "station N one-by-one" are options that a person has given the station.
-// - "cost" says how many microseconds a request takes by itself, and how many more for each register, or for
-// each
-//   eight bits.
-// - "limit" says how many registers or bits at once were given at most, and how many at least were refused:
-// with 100
-//   and 102 the device gives 100 or 101. Without such a line the protocol's limits hold.
-// - "refused" is something wanted that the device does not give. "refused-step" is not wanted itself: what
-// ends with
-//   its first address and what begins with its last, or one after that, are given, but not by one request. By
-//   "refused-function" the device refused the function with which the area is read.
+// - "cost" says how many microseconds a request takes by itself, and how many more for each register,
+//   or for each eight bits.
+// - "limit" says how many registers or bits at once were given at most, and how many at least were
+//   refused: with 100 and 102 the device gives 100 or 101. Without such a line the protocol's limits hold.
+// - "refused" is something wanted that the device does not give. "refused-step" is not wanted itself:
+//   what ends with its first address and what begins with its last, or one after that, are given, but not
+//   by one request. By "refused-function" the device refused the function with which the area is read.
 // - "exception" is the code of the refusal, 0 where there was no answer. At the time after "again" it is
-// asked for once
-//   more, and if it is refused again, after twice the "pause", in seconds.
+//   asked for once more, and if it is refused again, after twice the "pause", in seconds.
 //
 // Costs that were assumed and not measured are left out, and so is what was given: it shows at the first
 // request.

@@ -3,6 +3,7 @@
 #include "desk/items/address.h"
 #include "desk/items/number_text.h"
 #include "desk/items/target.h"
+#include "desk/items/typed_items.h"
 #include "desk/project/device_text.h"
 #include "drivers/tools/project_lookup.h"
 
@@ -13,6 +14,21 @@
 
 namespace
 {
+
+// A tag with a type is one value, and of bits a bit.
+Result<TypedItems> parseTag(const QString &text)
+{
+    const Result<TypedText> typed = parseTypedText(text);
+    if (!typed)
+        return typed.error();
+    const Result<Address> address = parseAddress(typed->address);
+    if (!address)
+        return address.error();
+    if (typed->count || (address->isBitArea() && !typed->type->isBit()))
+        return Error{
+            QStringLiteral("tag \"%1\": expected one value, and of %2 a bit").arg(text, address->areaName)};
+    return typedItems(*address, *typed->type, 1, typed->order);
+}
 
 class ListReader
 {
@@ -25,6 +41,7 @@ private:
     void readNode(const QStringList &fields);
     void readTag(const QStringList &fields);
     void addTags(int link, const AddressSpan &span);
+    void addTypedTag(int link, const QString &text);
     int linkOf(const QString &text);
     bool hasLink(int id) const;
     void addProblem(const QString &text);
@@ -143,6 +160,10 @@ void ListReader::readTag(const QStringList &fields)
         return;
     }
     const int link = linkOf(fields.at(1));
+    if (fields.at(2).contains(QLatin1Char(':'))) {
+        addTypedTag(link, fields.at(2));
+        return;
+    }
     const Result<AddressSpan> span = parseAddressSpan(fields.at(2));
     if (!span)
         addProblem(span.errorText());
@@ -150,6 +171,16 @@ void ListReader::readTag(const QStringList &fields)
         addTags(link, *span);
     else
         m_project.tags.append({link, fields.at(2)});
+}
+
+// The driver finds the bits that are used by tags that are addresses and nothing else.
+void ListReader::addTypedTag(int link, const QString &text)
+{
+    const Result<TypedItems> tag = parseTag(text);
+    if (!tag)
+        addProblem(tag.errorText());
+    else
+        m_project.tags.append({link, tag->address.isBitArea() ? tag->address.label() : text});
 }
 
 // A range stands for a tag of each address.

@@ -8,6 +8,8 @@ namespace
 // How much a request may cost, in units of its reply, on any line with any device.
 const double LeastRequest = 3;
 const double GreatestRequest = 1e6;
+// After one round.
+const int MaxTries = 4;
 
 int requestsOf(const SpanPlan &plan, const CheapestRanges &ranges)
 {
@@ -60,9 +62,37 @@ std::optional<Exploration> explorationFor(const SpanPlan &plan, const Refusals &
     return best;
 }
 
-} // namespace
+// A planned range that is longer than any that was answered.
+std::optional<Span> untriedLength(const SpanPlan &plan, const CountLimit &limit)
+{
+    for (int span = 0; span < plan.size(); span = plan.lastSpan(span) + 1) {
+        const Span range = plan.range(span, plan.lastSpan(span));
+        if (range.count() > limit.given())
+            return range;
+    }
+    return std::nullopt;
+}
 
-RangeReply::Outcome explore(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client, qint64 now)
+// Tries what the next round would, as long as it is about nothing but the length: no round shall have to find
+// it out.
+RangeReply::Outcome exploreLimit(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client)
+{
+    CountLimit &limit = facts.requests(areaPlan.area()).limit;
+    for (int tries = 0; tries < MaxTries && !limit.isExact(); ++tries) {
+        const std::optional<Span> range = untriedLength(areaPlan.plan(facts), limit);
+        if (!range)
+            break;
+        const RangeReply reply = askAndLearn(areaPlan, facts, client, *range);
+        const bool isTold =
+            reply.outcome == RangeReply::Given ||
+            (reply.outcome == RangeReply::TooMany && limit.addRefused(areaPlan.rangeOf(*range)));
+        if (!isTold)
+            return reply.outcome;
+    }
+    return RangeReply::Given;
+}
+
+RangeReply::Outcome exploreCost(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client, qint64 now)
 {
     RequestFacts &requests = facts.requests(areaPlan.area());
     const std::optional<CostLearner::Lengths> wanted = requests.cost.wantedLengths();
@@ -84,7 +114,18 @@ RangeReply::Outcome explore(AreaPlan &areaPlan, StationFacts &facts, RefreshClie
     const RangeReply reply = askAndLearn(areaPlan, facts, client, exploration->span);
     const bool isTooLong = reply.outcome == RangeReply::TooMany &&
                            requests.limit.addRefused(areaPlan.rangeOf(exploration->span));
+    // Where no answer comes each try would cost a time-out.
+    if (reply.outcome == RangeReply::Lost)
+        plan.unexplorable = wanted;
     if (reply.isRefusal() && !isTooLong)
         refusals.addStep(exploration->step, reply.exception, now);
-    return reply.outcome == RangeReply::Ended ? RangeReply::Ended : RangeReply::Given;
+    return reply.outcome;
+}
+
+} // namespace
+
+RangeReply::Outcome explore(AreaPlan &areaPlan, StationFacts &facts, RefreshClient &client, qint64 now)
+{
+    const RangeReply::Outcome outcome = exploreCost(areaPlan, facts, client, now);
+    return outcome == RangeReply::Given ? exploreLimit(areaPlan, facts, client) : outcome;
 }

@@ -27,7 +27,9 @@ void Refresh::readRound(RefreshClient &client, qint64 now)
 void Refresh::explore(RefreshClient &client, qint64 now)
 {
     for (AreaPlan &areaPlan : m_areas) {
-        if (::explore(areaPlan, m_learnt[areaPlan.station()], client, now) == RangeReply::Ended)
+        StationFacts &facts = m_learnt[areaPlan.station()];
+        facts.compareCosts();
+        if (::explore(areaPlan, facts, client, now) == RangeReply::Ended)
             return;
     }
 }

@@ -8,17 +8,12 @@ QString valueText(const std::optional<quint16> &value)
     return value ? QString::number(*value) : QStringLiteral("missing");
 }
 
-int maxInOneRun(Area area)
-{
-    return isBitArea(area) ? modbus::MaxWriteCoils : modbus::MaxWriteRegisters;
-}
-
-bool isNextOf(const WriteRun &run, const Difference &difference)
+bool isNextOf(const WriteRun &run, const Difference &difference, const RunLimits &limits)
 {
     const Address &address = run.items.address;
+    const int most = difference.area == Area::Coils ? limits.coils : limits.registers;
     return address.station == difference.station && address.area == difference.area &&
-           address.wireOffset() + run.items.count == difference.offset &&
-           run.items.count < maxInOneRun(difference.area);
+           address.wireOffset() + run.items.count == difference.offset && run.items.count < most;
 }
 
 WriteRun beginningAt(const Difference &difference, WriteStyle style)
@@ -60,18 +55,26 @@ QString differenceText(const Difference &difference)
              QString::number(difference.offset + 1), valueText(difference.kept), valueText(difference.now));
 }
 
+QString restorationText(const Difference &difference)
+{
+    return QStringLiteral("%1-%2%3: is %4, becomes %5")
+        .arg(QString::number(difference.station), areaName(difference.area),
+             QString::number(difference.offset + 1), valueText(difference.now), valueText(difference.kept));
+}
+
 bool canBeWritten(const Difference &difference)
 {
     return !isInputArea(difference.area) && difference.kept && difference.now;
 }
 
-std::vector<WriteRun> writesOf(const std::vector<Difference> &differences, WriteStyle style)
+std::vector<WriteRun> writesOf(const std::vector<Difference> &differences, WriteStyle style,
+                               const RunLimits &limits)
 {
     std::vector<WriteRun> runs;
     for (const Difference &difference : differences) {
         if (!canBeWritten(difference))
             continue;
-        if (runs.empty() || !isNextOf(runs.back(), difference))
+        if (runs.empty() || !isNextOf(runs.back(), difference, limits))
             runs.push_back(beginningAt(difference, style));
         ++runs.back().items.count;
         runs.back().values.push_back(*difference.kept);

@@ -18,24 +18,15 @@ struct Snapshot {
     std::vector<KeptRange> ranges;
 };
 
-/// "1-HR5", where one address is meant.
-QString addressText(const AreaRange &range, int index);
+/// The first of the ranges that has an address of \a range.
+std::optional<AreaRange> overlapping(const std::vector<AreaRange> &ranges, const AreaRange &range);
 
-/// The file of a snapshot: text that people can read and compare.
-///
-///     driverhost snapshot
-///     format 1
-///     time 2026-11-21T10:15:00.123+01:00
-///     target rtutcp://192.168.0.10:502/1
-///     range 1-HR1..4
-///     HR1 4660
-///     HR2 0
-///     HR3..4 missing
-QString snapshotText(const Snapshot &snapshot);
-/// Reads it; the error names the line and what was expected. What a later version may have added is an error:
-/// what is put back must be understood.
-Result<Snapshot> parseSnapshot(const QString &text);
+/// What the ranges hold, and how many of it a slave lacks.
+int valuesIn(const Snapshot &snapshot);
+int missingIn(const Snapshot &snapshot);
 
-/// The same from and to a file. It is written whole or not at all.
-Result<Snapshot> readSnapshotFile(const QString &path);
-Result<> writeSnapshotFile(const QString &path, const Snapshot &snapshot);
+/// The ranges without their values.
+std::vector<AreaRange> rangesOf(const Snapshot &snapshot);
+/// The same snapshot for a slave of a station: what is of the target's own station is meant for that one,
+/// what is of other stations for those.
+Snapshot movedTo(Snapshot snapshot, int station);

@@ -37,7 +37,7 @@ expect() {
 subcommands=$("$program" --help | sed -n 's/^  \([a-z][a-z]*\)  .*/\1/p' | xargs)
 test "$(wc -w <<<"$subcommands")" -gt 8
 expect "" "$subcommands help --help --version"
-expect "re" "read"
+expect "re" "read restore"
 expect "help sc" "scan"
 for subcommand in $subcommands; do
     options=$("$program" "$subcommand" --help | grep -oE '^ +(-h, )?--[a-z-]+(, --[a-z-]+)?' | grep -oE -- '--[a-z-]+' | xargs)
@@ -61,6 +61,8 @@ touch plant.db
 expect "watch HR1 --output pl" "plant.db"
 expect "read --project pl" "plant.db"
 expect "project pl" "plant.db"
+expect "compare pl" "plant.db"
 "$program" target add boiler rtutcp://10.0.0.5 2>/dev/null
 expect "read @" "@boiler"
+expect "restore plant.db @" "@boiler"
 exit $((failures > 0))

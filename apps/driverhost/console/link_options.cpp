@@ -1,7 +1,6 @@
 #include "apps/driverhost/console/link_options.h"
 
 #include "apps/driverhost/console/messages.h"
-#include "apps/driverhost/console/target_choice.h"
 #include "desk/items/target.h"
 #include "desk/link/settle_rules.h"
 #include "desk/project/device_text.h"
@@ -65,10 +64,11 @@ void refuseTwoPlaces(CommandLine &line, const QStringList &words)
 }
 
 // Takes the target out of the words and sets what it says where no option says something else. Who said it.
-QString takeTarget(CommandLine &line, QStringList &words)
+QString takeTarget(CommandLine &line, QStringList &words, const std::optional<TargetChoice> &otherwise)
 {
     refuseTwoPlaces(line, words);
-    const Result<TargetChoice> choice = chooseTarget(words);
+    const bool isOtherwise = otherwise && !hasTarget(words);
+    const Result<TargetChoice> choice = isOtherwise ? *otherwise : chooseTarget(words);
     if (!choice) {
         line.addError(choice.errorText());
         return {};
@@ -129,10 +129,10 @@ TraceSink traceOf(const CommandLine &line)
     return line.isSet("trace") ? stderrTrace() : TraceSink();
 }
 
-LinkSettings linkSettings(CommandLine &line, QStringList &words)
+LinkSettings linkSettings(CommandLine &line, QStringList &words, const std::optional<TargetChoice> &otherwise)
 {
     LinkSettings settings;
-    settings.targetOrigin = takeTarget(line, words);
+    settings.targetOrigin = takeTarget(line, words, otherwise);
     settings.channel.host = hostOf(line);
     settings.channel.port = static_cast<quint16>(line.number("port", 1, MaxPort));
     settings.channel.station = line.number("station", modbus::BroadcastStation, modbus::MaxStationNumber);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "apps/driverhost/console/command_line.h"
+#include "apps/driverhost/console/target_choice.h"
 #include "desk/link/link_settings.h"
 
 /// How to reach slaves: the options that all subcommands with a driver have.
@@ -12,5 +13,6 @@ QCommandLineOption traceOption();
 TraceSink traceOf(const CommandLine &line);
 
 /// Reads the above from \a line; what is wrong is noted there. Words that are targets are taken out of \a
-/// words.
-LinkSettings linkSettings(CommandLine &line, QStringList &words);
+/// words. Where none is, \a otherwise is meant, or the environment's.
+LinkSettings linkSettings(CommandLine &line, QStringList &words,
+                          const std::optional<TargetChoice> &otherwise = std::nullopt);

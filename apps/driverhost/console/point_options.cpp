@@ -4,6 +4,8 @@
 #include "desk/points/point_names.h"
 #include "desk/project/needed_tags.h"
 
+#include <QFileInfo>
+
 namespace
 {
 
@@ -46,6 +48,11 @@ PointWords::PointWords(CommandLine &line, const ItemOptions &options)
 {
     if (m_file.isEmpty())
         return;
+    // A target may name the table before there is one.
+    if (!line.isSet("points") && !QFileInfo::exists(m_file)) {
+        std::swap(m_file, m_missingFile);
+        return;
+    }
     const Result<std::vector<Point>> points = readPointFile(m_file);
     if (!points)
         line.addError(points.errorText());
@@ -70,6 +77,9 @@ Result<std::vector<Point>> PointWords::find(const QString &word, const ItemCount
 
 Error PointWords::noSuchPoint(const QString &word, const Error &asAddress) const
 {
+    if (!hasTable() && !m_missingFile.isEmpty())
+        return {QStringLiteral("%1; and there is no %2, the target's table of points")
+                    .arg(asAddress.text, m_missingFile)};
     if (!hasTable())
         return asAddress;
     const QStringList similar = similarNames(m_table, word);
@@ -84,6 +94,13 @@ QStringList neededTags(const std::vector<Point> &points, const LinkSettings &lin
     for (const Point &point : points)
         tags += neededTags(point.at.items, stationOf(point.at.items, link.channel.station));
     return tags;
+}
+
+QString PointWords::nothingGiven() const
+{
+    if (m_missingFile.isEmpty())
+        return QStringLiteral("no address; expected one such as HR100");
+    return QStringLiteral("no address, and there is no %1, the target's table of points").arg(m_missingFile);
 }
 
 AddressedPoints addressedPoints(CommandLine &line, const char *countOption)
@@ -110,7 +127,7 @@ AddressedPoints addressedPoints(CommandLine &line, const char *countOption)
     if (words.isEmpty() && table.hasTable())
         addressed.points = table.all();
     else if (words.isEmpty())
-        line.addError(QStringLiteral("no address; expected one such as HR100"));
+        line.addError(table.nothingGiven());
     checkOptions(line, isAnyPlain, countOption);
     addressed.tags = neededTags(addressed.points, addressed.link);
     return addressed;

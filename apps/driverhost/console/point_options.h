@@ -22,6 +22,8 @@ public:
     /// What a word stands for: a point by its name, points by a pattern, or the values at an address. The
     /// error says what was expected.
     Result<std::vector<Point>> find(const QString &word, const ItemCounts &counts) const;
+    /// What is wrong where there are neither words nor a table.
+    QString nothingGiven() const;
 
 private:
     Error noSuchPoint(const QString &word, const Error &asAddress) const;
@@ -29,6 +31,7 @@ private:
     ItemOptions m_options;
     TextEncoding m_encoding = TextEncoding::Latin1;
     QString m_file;
+    QString m_missingFile; // that the target names
     std::vector<Point> m_table;
 };
 

@@ -2,6 +2,8 @@
 
 #include "desk/items/target.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -22,6 +24,13 @@ Result<TargetChoice> namedTarget(const QString &name)
 bool looksLikeTargetName(const QString &word)
 {
     return word.startsWith(QLatin1Char('@'));
+}
+
+bool hasTarget(const QStringList &words)
+{
+    return std::any_of(words.begin(), words.end(), [](const QString &word) {
+        return looksLikeTarget(word) || looksLikeTargetName(word);
+    });
 }
 
 Result<TargetChoice> targetCalled(const QString &word)

@@ -17,6 +17,9 @@ struct TargetChoice {
 /// Whether a word on the command line is the name of a target: "@boiler".
 bool looksLikeTargetName(const QString &word);
 
+/// Whether one of the words is a target, by its address or by its name.
+bool hasTarget(const QStringList &words);
+
 /// The settings of a target by its address or by its name.
 Result<TargetChoice> targetCalled(const QString &word);
 

@@ -2,27 +2,14 @@
 
 #include "apps/driverhost/console/interruptible_run.h"
 #include "apps/driverhost/console/messages.h"
+#include "apps/driverhost/runs/range_answer.h"
 #include "apps/driverhost/terminal/progress.h"
 #include "desk/items/number_text.h"
 #include "desk/output/scan_form.h"
 #include "desk/output/summary.h"
-#include "desk/plan/range_scan.h"
 
 namespace
 {
-
-// What a slave's answer says about a range. Exception 3 may mean "too many at once"; with the others named
-// here the addresses make no difference.
-RangeAnswer answerOf(Session &session, const Items &items)
-{
-    if (session.read(items))
-        return RangeAnswer::There;
-    const Failure failure = session.failure();
-    if (failure.kind != FailureKind::Exception || failure.isStationAbsent() ||
-        failure.exception == modbus::IllegalFunction || failure.exception == modbus::ServerDeviceBusy)
-        return RangeAnswer::None;
-    return failure.exception == modbus::IllegalDataValue ? RangeAnswer::TooMany : RangeAnswer::Missing;
-}
 
 int printRanges(Session &session, const RangeScan &scan, OutputFormat format, bool isInterrupted)
 {
@@ -48,7 +35,8 @@ int printRanges(Session &session, const RangeScan &scan, OutputFormat format, bo
 
 int scanRanges(Session &session, const RangeScanOptions &options)
 {
-    RangeScan scan(options.probe, [&](const Items &items) { return answerOf(session, items); });
+    QByteArray data;
+    RangeScan scan(options.probe, [&](const Items &items) { return askForRange(session, items, data); });
     Progress progress(options.probe.address.areaName, options.last - options.first + 1);
     InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
     const bool isComplete = scan.run(options.first, options.last, [&](int number) {

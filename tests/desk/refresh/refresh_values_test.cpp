@@ -127,6 +127,47 @@ TEST(RefreshValues, AskForNothingAgainThatWasRefused)
     }
 }
 
+// How much a device gives at once is found out after the rounds, by a few requests each time.
+TEST(RefreshValues, AreNotHeldUpByALimitOnceItHasShown)
+{
+    Layout layout = withPoints({});
+    for (int number = 0; number < 600; ++number)
+        layout.points.push_back(registers(number, number));
+    layout.device.maxRegisters = 37;
+    Rounds rounds(layout);
+    rounds.read();
+    EXPECT_EQ(rounds.client.problem(), QString());
+    EXPECT_LE(rounds.client.refusals(), 6);
+    for (int round = 2; round <= 4; ++round) {
+        rounds.client.beginRound();
+        rounds.explore();
+        EXPECT_LE(rounds.client.requests(), 4);
+        rounds.read();
+        EXPECT_EQ(rounds.client.problem(), QString());
+        EXPECT_EQ(rounds.client.refusals(), 0) << "round " << round;
+    }
+    EXPECT_EQ(rounds.client.requests(), 17);
+}
+
+// Each request costs a time-out there.
+TEST(RefreshValues, AreHardlyExploredWhereADeviceIsSilent)
+{
+    for (unsigned int seed = 0; seed < 300; ++seed) {
+        Layout layout = randomLayout(seed);
+        layout.device.longRangesAre = PlanDevice::BySilence;
+        layout.device.timing = fastNetwork();
+        Rounds rounds(layout);
+        int losses = 0;
+        for (int round = 1; round <= 10; ++round) {
+            rounds.read();
+            rounds.client.beginRound();
+            rounds.explore();
+            losses += rounds.client.refusals();
+        }
+        EXPECT_LE(losses, 4) << "seed " << seed;
+    }
+}
+
 TEST(RefreshValues, ComeBackWhenTheDeviceDoes)
 {
     Layout layout = withPoints({});

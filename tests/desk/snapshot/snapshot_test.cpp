@@ -1,4 +1,5 @@
 #include "desk/snapshot/comparison.h"
+#include "desk/snapshot/snapshot_file.h"
 #include "tests/peers/text_printing.h"
 
 #include <gtest/gtest.h>
@@ -51,7 +52,7 @@ TEST(Snapshot, IsAReadableFile)
     EXPECT_EQ(text,
               QStringLiteral("driverhost snapshot\nformat 1\ntime 2026-11-21T10:15:00.123+01:00\n"
                              "target rtutcp://plc:502/1\nrange 1-HR1..5\nHR1 4660\nHR2 0\nHR3..4 missing\n"
-                             "HR5 65535\nrange 2-DO7..8\nDO7 1\nDO8 0\nrange 1-IR9\nIR9 missing\n"));
+                             "HR5 65535\nrange 2-DO7..8\nDO7 1\nDO8 0\nrange 1-IR9\nIR9 missing\nend\n"));
     const Result<Snapshot> again = parseSnapshot(text);
     ASSERT_TRUE(again) << again.errorText().toStdString();
     EXPECT_EQ(again->time, snapshot.time);
@@ -63,7 +64,8 @@ TEST(Snapshot, IsAReadableFile)
 TEST(Snapshot, TakesWhatPeopleAdd)
 {
     const Result<Snapshot> snapshot = parseSnapshot(
-        QLatin1String(Head) + QStringLiteral("\r\n# pumps\r\n range 1-HR1..3 \r\nHR1..2 7\r\nHR3 8"));
+        QLatin1String(Head) +
+        QStringLiteral("\r\n# pumps\r\n range 1-HR1..3 \r\nHR1..2 7\r\nHR3 8\r\nend\r\n\n# and no more"));
     ASSERT_TRUE(snapshot) << snapshot.errorText().toStdString();
     EXPECT_EQ(snapshot->ranges.front().values, (std::vector<std::optional<quint16>>{7, 7, 8}));
 }
@@ -74,22 +76,42 @@ TEST(Snapshot, SaysInWhichLineWhatWasExpected)
         QByteArray text;
         const char *problem;
     } cases[] = {
-        {"", "expected driverhost snapshot"},
+        {"", "1: the file ends here; expected driverhost snapshot"},
         {"hello\n", "1: \"hello\": expected driverhost snapshot"},
+        {"\x7F"
+         "ELF\x02\x01\n",
+         "1: \"\x7F"
+         "ELF\x02\x01\": expected driverhost snapshot"},
         {"driverhost snapshot\ntime t\n", "2: \"time t\": expected format"},
         {"driverhost snapshot\nformat 2\n", "2: format 2 is none that this program knows; expected 1"},
-        {"driverhost snapshot\nformat 1\ntime t\n", "expected target"},
-        {QByteArray(Head) + "HR1 5\n", "5: \"HR1\": expected a range first"},
+        {"driverhost snapshot\nformat 1\ntime t\n", "4: the file ends here; expected target"},
+        {"driverhost snapshot\nformat 1\ntime t\ntarget plc:502\n",
+         "4: target \"plc:502\": expected rtutcp://"},
+        {Head, "5: the file ends here; expected a range such as range 1-HR1..100"},
+        {QByteArray(Head) + "end\n", "5: \"end\": expected a range such as range 1-HR1..100"},
+        {QByteArray(Head) + "HR1 5\n", "5: \"HR1\": expected a range such as"},
         {QByteArray(Head) + "range HR1..2\n", "5: \"HR1..2\": expected a station and its addresses"},
         {QByteArray(Head) + "range 1-XR1\n", "5: \"1-XR1\": expected a station and its addresses"},
-        {QByteArray(Head) + "range 1-HR1..2\nHR2 5\n", "6: \"HR2\": expected HR1"},
-        {QByteArray(Head) + "range 1-HR1..2\nIR1 5\n", "6: \"IR1\": expected HR1"},
-        {QByteArray(Head) + "range 1-HR1..2\nHR1..3 missing\n", "6: \"HR1..3\": expected HR1"},
+        {QByteArray(Head) + "range 1-HR1..2\nHR2 5\n", "6: \"HR2\": expected HR1 and its value"},
+        {QByteArray(Head) + "range 1-HR1..2\nIR1 5\n", "6: \"IR1\": expected HR1 and its value"},
+        {QByteArray(Head) + "range 1-HR1..2\n2-HR1 5\n", "6: \"2-HR1\": expected HR1 and its value"},
+        {QByteArray(Head) + "range 1-HR1..2\nHR1..3 missing\n", "6: \"HR1..3\": expected HR1 and its value"},
+        {QByteArray(Head) + "range 1-HR1\nHR1 1\nHR2 2\n",
+         "7: \"HR2\": expected a range such as range 1-HR1..100, or end"},
         {QByteArray(Head) + "range 1-HR1..2\nHR1 65536\n",
          "6: value \"65536\": expected a whole number from 0 to 65535"},
+        {QByteArray(Head) + "range 1-HR1\nHR1\n", "6: value \"\": expected a whole number from 0 to 65535"},
         {QByteArray(Head) + "range 1-DO1\nDO1 2\n", "6: value \"2\": expected a whole number from 0 to 1"},
-        {QByteArray(Head) + "range 1-HR1..2\nHR1 5\n", "1-HR1..2 ends before HR2"},
-        {QByteArray(Head) + "range 1-HR1..2\nHR1 5\nrange 1-DO1\n", "7: 1-HR1..2 ends before HR2"},
+        {QByteArray(Head) + "range 1-HR1..2\nHR1 5\n", "7: the file ends here; expected HR2 and its value"},
+        {QByteArray(Head) + "range 1-HR1..2\nHR1 5\nend\n", "7: \"end\": expected HR2 and its value"},
+        {QByteArray(Head) + "range 1-HR1..2\nHR1 5\nrange 1-DO1\n",
+         "7: \"range 1-DO1\": expected HR2 and its value"},
+        {QByteArray(Head) + "range 1-HR1\nHR1 466",
+         "7: the file ends here; expected a range such as range 1-HR1..100, or end"},
+        {QByteArray(Head) + "range 1-HR1..2\nHR1..2 5\nrange 1-HR2..3\n",
+         "7: \"1-HR2..3\" overlaps 1-HR1..2; expected each address once"},
+        {QByteArray(Head) + "range 1-HR1\nHR1 5\nend\nrange 1-HR2\n",
+         "8: \"range 1-HR2\": expected nothing after the end"},
     };
     for (const auto &one : cases)
         EXPECT_TRUE(problemOf(one.text).startsWith(QLatin1String(one.problem)))
@@ -110,7 +132,33 @@ TEST(Snapshot, IsWrittenWholeOrNotAtAll)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("driverhost snapshot\nformat 9\n");
     file.close();
+    EXPECT_TRUE(checkReplaceable(path));
     EXPECT_TRUE(readSnapshotFile(path).errorText().startsWith(path + QStringLiteral(":2: format 9")));
+}
+
+TEST(Snapshot, IsWrittenOverNothingElse)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("points.csv"));
+    EXPECT_TRUE(checkReplaceable(path)) << "nothing is there";
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(checkReplaceable(path)) << "nothing is in it";
+    file.write("name,address\n");
+    file.close();
+    EXPECT_EQ(checkReplaceable(path).errorText(),
+              path + QStringLiteral(" is no snapshot, and is not written over"));
+    EXPECT_FALSE(checkReplaceable(folder.path()));
+    EXPECT_FALSE(checkReplaceable(QStringLiteral("/dev/null")));
+}
+
+TEST(Snapshot, IsMeantForTheStationOfAnotherTarget)
+{
+    const Snapshot moved = movedTo(snapshotOf({kept("1-HR1", {1}), kept("2-HR1", {2})}), 7);
+    EXPECT_EQ(moved.ranges[0].range.station, 7);
+    EXPECT_EQ(moved.ranges[1].range.station, 2) << "was of another station than the target's";
+    EXPECT_EQ(valuesIn(moved), 2);
+    EXPECT_EQ(missingIn(snapshotOf({kept("1-HR1..4", {1, Missing, Missing, 0})})), 2);
 }
 
 TEST(Comparison, FindsWhatDiffers)
@@ -145,13 +193,14 @@ TEST(Comparison, WritesRunsOfWhatDiffersAndCanBeWritten)
 
 TEST(Comparison, RunsFitOneRequest)
 {
-    const Snapshot before =
-        snapshotOf({kept("1-HR1..300", std::vector<std::optional<quint16>>(300, quint16(1)))});
-    const Snapshot after =
-        snapshotOf({kept("1-HR1..300", std::vector<std::optional<quint16>>(300, quint16(0)))});
-    const std::vector<WriteRun> runs = writesOf(differencesOf(before, after), WriteStyle::Together);
-    ASSERT_EQ(runs.size(), 3u);
-    EXPECT_EQ(runs[1].items.address.number, 124);
-    EXPECT_EQ(runs[2].items.count, 54);
-    EXPECT_EQ(runs[2].values.size(), 54u);
+    const std::vector<std::optional<quint16>> ones(300, quint16(1));
+    const std::vector<std::optional<quint16>> zeros(300, quint16(0));
+    const std::vector<Difference> differences =
+        differencesOf(snapshotOf({kept("1-HR1..300", ones)}), snapshotOf({kept("1-HR1..300", zeros)}));
+    const std::vector<WriteRun> runs = writesOf(differences, WriteStyle::Together);
+    ASSERT_EQ(runs.size(), 5u);
+    EXPECT_EQ(runs[1].items.address.number, 65);
+    EXPECT_EQ(runs[4].items.count, 44);
+    EXPECT_EQ(runs[4].values.size(), 44u);
+    EXPECT_EQ(writesOf(differences, WriteStyle::Together, {10, 512}).size(), 30u) << "a slave that takes ten";
 }

@@ -74,6 +74,25 @@ TEST_F(TargetTest, GivesWhatNoOptionSays)
         << "an option beats the name";
 }
 
+TEST_F(TargetTest, MayNameATableOfPointsThatIsStillToBeMade)
+{
+    run(QStringLiteral("target add plc TARGET --points ") + folder.filePath(QStringLiteral("p.csv")));
+    EXPECT_EQ(run(QStringLiteral("read @plc HR1")).code, 0);
+    const HostRun named = run(QStringLiteral("read @plc pump1"));
+    EXPECT_EQ(named.code, 2);
+    EXPECT_TRUE(named.err.contains(QLatin1String("address \"pump1\": "))) << named.err.toStdString();
+    EXPECT_TRUE(named.err.contains(
+        QStringLiteral("; and there is no %1/p.csv, the target's table of points").arg(folder.path())))
+        << named.err.toStdString();
+    EXPECT_TRUE(run(QStringLiteral("read @plc")).err.contains(QLatin1String("no address, and there is no ")));
+    EXPECT_EQ(run(QStringLiteral("read @plc HR1 --points none.csv")).code, 2) << "an option means it";
+    QFile table(folder.filePath(QStringLiteral("p.csv")));
+    ASSERT_TRUE(table.open(QIODevice::WriteOnly));
+    table.write("name,address\npump1,HR1\n");
+    table.close();
+    EXPECT_TRUE(run(QStringLiteral("read @plc")).out.contains(QLatin1String("pump1  11")));
+}
+
 TEST_F(TargetTest, ComesFromTheEnvironmentWhenNobodyNamesOne)
 {
     setEnvironmentTarget(target(2));

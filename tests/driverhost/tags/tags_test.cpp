@@ -178,3 +178,24 @@ TEST_F(TagsTest, ShowsItsPlanWithoutSendingAnything)
     EXPECT_EQ(request.value(QStringLiteral("values")), 2);
     EXPECT_EQ(request.value(QStringLiteral("filled")), 2);
 }
+
+TEST_F(TagsTest, ShowsRegistersByTheTypesOfTheList)
+{
+    setHoldingRegister(0, 0x4248);
+    setHoldingRegister(2, 0xFFFE);
+    const QString project = makeProject("tag 1 HR1:f32@ABCD\ntag 1 HR3:i16\ntag 1 DO1:bit\n");
+    const QString rows = host("tags --format csv --project " + project).out;
+    EXPECT_TRUE(rows.contains(",HR1,0,f32,50,")) << rows.toStdString();
+    EXPECT_TRUE(rows.contains(",HR3,2,i16,-2,")) << rows.toStdString();
+    EXPECT_EQ(host("project " + project).out.section('\n', 2),
+              "tag 1 HR1:f32@ABCD\ntag 1 HR3:i16\ntag 1 DO1\n");
+    QFile list(file("bad"));
+    for (const char *tag : {"HR1:f99", "HR1:u16x4", "DO1:u8", "HR1:f32@ACBD", "XX1:u16"}) {
+        ASSERT_TRUE(list.open(QIODevice::WriteOnly));
+        list.write(QByteArray("link 1 ETHERNET\nnode 1 1 default\ntag 1 ") + tag + '\n');
+        list.close();
+        const HostRun bad = host(QStringLiteral("project --make %1 %2").arg(file("bad"), file("no.db")));
+        EXPECT_EQ(bad.code, 2) << tag;
+        EXPECT_TRUE(bad.err.contains("line 3: ")) << bad.err.toStdString();
+    }
+}
