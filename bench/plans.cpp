@@ -99,13 +99,23 @@ void printFigures()
     }
 }
 
-// Registers of several stations; numbers and the way from one to the next are the same on every machine.
-QStringList tagsOf(int count)
+// Registers of several stations; their numbers are the same on every machine.
+std::vector<AreaRange> manyPoints(int count)
 {
     std::mt19937 random(1);
+    std::vector<AreaRange> points;
+    for (int i = 0; i < count; ++i) {
+        const int number = static_cast<int>(random() % modbus::AddressSpace);
+        points.push_back({1 + i % 8, Area::HoldingRegisters, number, number});
+    }
+    return points;
+}
+
+QStringList tagsOf(const std::vector<AreaRange> &points)
+{
     QStringList tags;
-    for (int i = 0; i < count; ++i)
-        tags += QStringLiteral("%1-HR%2").arg(1 + i % 8).arg(1 + random() % modbus::AddressSpace);
+    for (const AreaRange &point : points)
+        tags += rangeText(point);
     return tags;
 }
 
@@ -132,8 +142,8 @@ std::vector<AreaRange> pointsOf(const QStringList &tags)
 
 void countPlanning(int count)
 {
-    const QStringList tags = tagsOf(count);
-    const std::vector<AreaRange> points = pointsOf(tags);
+    const std::vector<AreaRange> points = manyPoints(count);
+    const QStringList tags = tagsOf(points);
     const std::string figure = "instructions: plan " + std::to_string(count);
     countAs(figure + " points", [&] { plan(points); });
     countAs(figure + " tags of texts", [&] { plan(pointsOf(tags)); });

@@ -83,6 +83,7 @@ private:
     int sendRequest(const QByteArray &request);
     bool discardUnasked();
     void noteUnasked(QByteArray &stream);
+    void noteNoise(const QByteArray &bytes);
     void noteFrame(const QByteArray &frame, ChannelEvent event);
     void noticeEnd() const;
     void notify(ChannelEvent event, const QByteArray &bytes = QByteArray()) const;

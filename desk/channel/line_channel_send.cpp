@@ -77,8 +77,7 @@ void LineChannel::awaitSettled(int station, qint64 deadline)
         pending += bytes;
         noteUnasked(pending);
     }
-    if (!pending.isEmpty())
-        notify(ChannelEvent::Discarded, pending);
+    noteNoise(pending);
 }
 
 bool LineChannel::discardUnasked()
@@ -93,8 +92,7 @@ bool LineChannel::discardUnasked()
         }
     }
     noteUnasked(unasked);
-    if (!unasked.isEmpty())
-        notify(ChannelEvent::Discarded, unasked);
+    noteNoise(unasked);
     if (m_line.state() == LineState::Open)
         return true;
     m_error = m_line.errorString();
@@ -107,11 +105,16 @@ void LineChannel::noteUnasked(QByteArray &stream)
 {
     QByteArray noise;
     const QList<QByteArray> frames = takeFrames(stream, noise);
-    m_strays.noiseBytes += static_cast<quint64>(noise.size());
-    if (!noise.isEmpty())
-        notify(ChannelEvent::Discarded, noise);
+    noteNoise(noise);
     for (int i = 0; i < frames.size(); ++i)
         noteFrame(frames.at(i), ChannelEvent::Discarded);
+}
+
+void LineChannel::noteNoise(const QByteArray &bytes)
+{
+    m_strays.noiseBytes += static_cast<quint64>(bytes.size());
+    if (!bytes.isEmpty())
+        notify(ChannelEvent::Discarded, bytes);
 }
 
 // A frame that is no answer to what is waited for.

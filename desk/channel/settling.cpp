@@ -163,8 +163,8 @@ QByteArray Settling::probe(int station, qint64 now)
     return probeFrame(station, asked.probes.last());
 }
 
-// A station that has ever answered a probe is believed nothing else; one that has answered other requests has to
-// leave a probe without an answer first.
+// A station that has ever answered a probe is believed nothing else; one that has answered other requests has
+// to leave a probe without an answer first.
 qint64 Settling::quietEnd(int station) const
 {
     const Station known = m_stations.value(station);

@@ -3,6 +3,7 @@
 #include "desk/readings/value_readings.h"
 
 #include <algorithm>
+#include <numeric>
 #include <tuple>
 
 namespace
@@ -36,12 +37,27 @@ Result<TypedItems> parseTag(const QString &text, ItemKind registerKind, ValueFor
     return typedItems(items, form);
 }
 
-bool isBefore(const Point &left, const Point &right)
+bool isBefore(const Address &left, const Address &right)
 {
     const auto placeOf = [](const Address &address) {
         return std::make_tuple(address.station, address.area, address.number, address.bit);
     };
-    return placeOf(left.at.address) < placeOf(right.at.address);
+    return placeOf(left) < placeOf(right);
+}
+
+// Points are large, so that their numbers are sorted.
+std::vector<Point> inOrder(std::vector<Point> points)
+{
+    std::vector<size_t> order(points.size());
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(), [&](size_t left, size_t right) {
+        return isBefore(points[left].at.address, points[right].at.address);
+    });
+    std::vector<Point> sorted;
+    sorted.reserve(points.size());
+    for (const size_t point : order)
+        sorted.push_back(std::move(points[point]));
+    return sorted;
 }
 
 } // namespace
@@ -58,7 +74,6 @@ TagReadings tagReadingsOf(const QStringList &tags, ItemKind registerKind, ValueF
         else
             all.skipped += tag.errorText();
     }
-    std::stable_sort(points.begin(), points.end(), isBefore);
-    all.readings = valueReadingsOf(points);
+    all.readings = valueReadingsOf(inOrder(std::move(points)));
     return all;
 }

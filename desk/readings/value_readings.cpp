@@ -2,6 +2,8 @@
 
 #include "desk/items/range_items.h"
 
+#include <utility>
+
 namespace
 {
 
@@ -20,11 +22,12 @@ Reading readingOf(const std::shared_ptr<const Point> &point, int index)
 
 } // namespace
 
-std::vector<Reading> valueReadingsOf(const std::vector<Point> &points)
+std::vector<Reading> valueReadingsOf(std::vector<Point> points)
 {
     std::vector<Reading> readings;
-    for (const Point &each : points) {
-        const auto point = std::make_shared<const Point>(each);
+    readings.reserve(points.size());
+    for (Point &each : points) {
+        const auto point = std::make_shared<const Point>(std::move(each));
         if (isReadAsItIs(point->at)) {
             const std::vector<Reading> portions = readingsOf(point);
             readings.insert(readings.end(), portions.begin(), portions.end());

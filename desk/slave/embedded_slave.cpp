@@ -6,6 +6,9 @@
 #include "drivers/qt/qt_lines.h"
 
 #include <QTcpSocket>
+#include <QTimer>
+
+#include <algorithm>
 
 namespace
 {
@@ -33,6 +36,7 @@ EmbeddedSlave::EmbeddedSlave(const SlaveOptions &slaveOptions, QObject *parent)
 {
     for (const int station : m_options.stations)
         m_stations[station] = std::make_unique<ModbusStation>(station, m_options);
+    m_clock.start();
     connect(&m_server, &QTcpServer::newConnection, this, &EmbeddedSlave::acceptConnections);
 }
 
@@ -49,8 +53,49 @@ bool EmbeddedSlave::listen()
 
 void EmbeddedSlave::acceptConnections()
 {
-    while (QTcpSocket *socket = m_server.nextPendingConnection())
-        new SlaveConnection(socket, ++m_count.connections, this);
+    while (QTcpSocket *socket = m_server.nextPendingConnection()) {
+        if (hasFreeSlot()) {
+            new SlaveConnection(socket, ++m_count.connections, this);
+        } else {
+            ++m_count.rejected;
+            socket->abort();
+            socket->deleteLater();
+        }
+    }
+}
+
+bool EmbeddedSlave::hasFreeSlot() const
+{
+    const int held = m_options.gateway.slotHeldMs;
+    return held < 0 ||
+           (openConnections().isEmpty() && (!m_sinceEnd.isValid() || m_sinceEnd.hasExpired(held)));
+}
+
+QList<SlaveConnection *> EmbeddedSlave::openConnections() const
+{
+    QList<SlaveConnection *> open;
+    for (SlaveConnection *connection : findChildren<SlaveConnection *>()) {
+        if (connection->isOpen())
+            open.append(connection);
+    }
+    return open;
+}
+
+void EmbeddedSlave::sendLate(const QByteArray &reply, int milliseconds)
+{
+    m_busyUntil = m_clock.elapsed() + milliseconds;
+    QTimer::singleShot(milliseconds, Qt::PreciseTimer, this, [=] {
+        const QList<SlaveConnection *> open = openConnections();
+        if (!open.isEmpty())
+            open.last()->sendUnasked(reply, QStringLiteral("[late] "));
+    });
+}
+
+int EmbeddedSlave::busyMs() const
+{
+    const qint64 left = m_busyUntil - m_clock.elapsed();
+    // A millisecond that has begun counts whole, so that nothing overtakes the late reply.
+    return left < 0 ? 0 : static_cast<int>(left) + 1;
 }
 
 SlaveCounts EmbeddedSlave::counts() const

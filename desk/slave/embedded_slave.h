@@ -2,6 +2,7 @@
 
 #include "desk/slave/slave_options.h"
 
+#include <QElapsedTimer>
 #include <QModbusPdu>
 #include <QObject>
 #include <QTcpServer>
@@ -10,6 +11,7 @@
 #include <memory>
 
 class ModbusStation;
+class SlaveConnection;
 
 /// A Modbus slave that speaks RTU framing over TCP. What a request means is QModbusServer's to say; this
 /// class owns the stations and the connections and makes the faults that its options ask for.
@@ -40,14 +42,26 @@ public:
     QByteArray refuse(const QByteArray &request);
     const SlaveOptions &settings() const { return m_options; }
     FaultPlan &faults() { return m_options.faults; }
+    /// Sends \a reply on whichever connection is the newest in so many milliseconds, and answers nothing
+    /// before that.
+    void sendLate(const QByteArray &reply, int milliseconds);
+    /// How long the line is busy with a late reply, in milliseconds.
+    int busyMs() const;
+    /// A connection has ended.
+    void freeSlot() { m_sinceEnd.start(); }
     void countForeign() { ++m_count.foreign; }
     void countDropped(int bytes) { m_count.droppedBytes += static_cast<quint64>(bytes); }
 
 private:
     void acceptConnections();
+    bool hasFreeSlot() const;
+    QList<SlaveConnection *> openConnections() const;
 
     SlaveOptions m_options;
     SlaveCounts m_count;
     QTcpServer m_server;
+    QElapsedTimer m_clock;
+    qint64 m_busyUntil = -1;
+    QElapsedTimer m_sinceEnd;
     std::map<int, std::unique_ptr<ModbusStation>> m_stations;
 };

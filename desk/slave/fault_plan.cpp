@@ -30,6 +30,8 @@ const FaultKind faultKinds[] = {
     {Fault::Double, "double", NoValue, NoValue},
     {Fault::Stale, "stale", NoValue, NoValue},
     {Fault::Echo, "echo", NoValue, NoValue},
+    {Fault::OtherMaster, "other-master", 1, 247},
+    {Fault::Late, "late", 0, MaxDelay},
     {Fault::Reset, "reset", NoValue, NoValue},
     {Fault::Close, "close", NoValue, NoValue},
     {Fault::HalfOpen, "half-open", NoValue, NoValue},

@@ -25,6 +25,8 @@ struct Fault {
         Double,        ///< twice in one segment
         Stale,         ///< the previous reply once more, in one segment in front of this one
         Echo,          ///< the request in front of the reply, as a two-wire line returns it
+        OtherMaster,   ///< the reply of station value to another master in front of the reply
+        Late,          ///< value milliseconds late, on whichever connection is open then; what follows waits
         Reset,         ///< the connection is reset instead
         Close,         ///< the connection is closed instead
         HalfOpen       ///< from here on the connection stays up and nothing happens on it

@@ -8,6 +8,7 @@ namespace
 
 const int DefaultDelay = 2000;
 const int MaxJunk = 8;
+const int OtherStation = 99;
 
 int valueOr(const Fault &fault, int alternative)
 {
@@ -24,6 +25,15 @@ QByteArray withByte(QByteArray frame, int index, int value)
 QByteArray foreignStation(const Fault &fault, const QByteArray &reply)
 {
     return withByte(reply, 0, valueOr(fault, byteAt(reply, 0) % modbus::MaxStation + 1));
+}
+
+// The same reply of another station, with other values.
+QByteArray othersReply(const Fault &fault, QByteArray reply)
+{
+    const int headSize = 3;
+    for (int i = headSize; i < reply.size() - modbus::CrcSize; ++i)
+        reply[i] = static_cast<char>(~reply.at(i));
+    return withByte(reply, 0, valueOr(fault, OtherStation));
 }
 
 QByteArray foreignFunction(const Fault &fault, const QByteArray &reply)
@@ -86,6 +96,7 @@ QByteArray bytesOf(const Fault &fault, const QByteArray &request, const QByteArr
     case Fault::Double: return reply + reply;
     case Fault::Stale: return previous + reply;
     case Fault::Echo: return request + reply;
+    case Fault::OtherMaster: return othersReply(fault, reply) + reply;
     case Fault::Silence:
     case Fault::Reset:
     case Fault::Close:
@@ -111,6 +122,7 @@ ReplyShape shapeReply(const Fault &fault, const QByteArray &request, const QByte
     else if (!bytes.isEmpty())
         shape.segments = {bytes};
     shape.delayMs = fault.kind == Fault::Delay ? valueOr(fault, DefaultDelay) : 0;
+    shape.lateMs = fault.kind == Fault::Late ? valueOr(fault, DefaultDelay) : 0;
     shape.segmentGapMs = fault.kind == Fault::Split ? valueOr(fault, 0) : 0;
     shape.isHeldBack = fault.kind == Fault::Merge;
     shape.ending = endingOf(fault.kind);

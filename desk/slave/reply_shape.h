@@ -12,6 +12,8 @@ struct ReplyShape {
     /// Empty: nothing is sent. More than one: each a segment of its own.
     QList<QByteArray> segments;
     int delayMs = 0;
+    /// Not sent here, but by the slave, so much later.
+    int lateMs = 0;
     int segmentGapMs = 0;
     /// Keep the bytes and send them in front of the next reply.
     bool isHeldBack = false;

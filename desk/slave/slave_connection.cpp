@@ -7,6 +7,7 @@
 
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace
@@ -53,13 +54,35 @@ SlaveConnection::SlaveConnection(QTcpSocket *connectedSocket, quint64 connection
     traceEventOf(QStringLiteral("connected from %1 port %2")
                      .arg(m_socket->peerAddress().toString())
                      .arg(m_socket->peerPort()));
-    const QByteArray &banner = m_owner->settings().banner;
-    if (!banner.isEmpty()) {
-        if (isTracing())
-            traceFrame(FrameDirection::Sent, banner, QStringLiteral("banner"));
-        m_socket->write(banner);
-    }
+    followHabits();
     takeBytes();
+}
+
+void SlaveConnection::followHabits()
+{
+    const GatewayHabits &gateway = m_owner->settings().gateway;
+    if (!gateway.banner.isEmpty())
+        sendUnasked(gateway.banner, QStringLiteral("banner"));
+    connect(&m_heartbeat, &QTimer::timeout, this, [this, &gateway] {
+        // Not into the middle of a reply that goes out in segments.
+        if (m_nextSegment == 0)
+            sendUnasked(gateway.heartbeat, QStringLiteral("heartbeat"));
+    });
+    if (gateway.heartbeatMs > 0)
+        m_heartbeat.start(gateway.heartbeatMs);
+    m_idle.setSingleShot(true);
+    connect(&m_idle, &QTimer::timeout, m_socket, &QTcpSocket::disconnectFromHost);
+    if (gateway.idleCloseMs > 0)
+        m_idle.start(gateway.idleCloseMs);
+}
+
+void SlaveConnection::sendUnasked(const QByteArray &bytes, const QString &meaning)
+{
+    if (m_isDead)
+        return;
+    if (isTracing())
+        traceFrame(FrameDirection::Sent, bytes, meaning);
+    m_socket->write(bytes);
 }
 
 void SlaveConnection::takeBytes()
@@ -71,6 +94,8 @@ void SlaveConnection::takeBytes()
     const QByteArray bytes = m_socket->readAll();
     if (m_isDead || bytes.isEmpty())
         return;
+    if (m_idle.isActive())
+        m_idle.start();
     m_deframer.add(bytes);
     takeRequests();
 }
@@ -151,7 +176,7 @@ void SlaveConnection::answer(const QByteArray &frame)
     m_shape = shapeReply(m_fault, m_request, reply, m_previousReply, m_owner->faults());
     m_previousReply = reply;
     m_isAnswering = true;
-    const int wait = m_owner->settings().latencyMs + m_shape.delayMs;
+    const int wait = std::max(m_owner->settings().latencyMs + m_shape.delayMs, m_owner->busyMs());
     if (wait > 0)
         m_pause.start(wait);
     else
@@ -170,7 +195,10 @@ void SlaveConnection::goOn()
 void SlaveConnection::startReply()
 {
     traceReply();
-    if (m_shape.isHeldBack) {
+    if (m_shape.lateMs > 0) {
+        m_owner->sendLate(m_shape.bytes(), m_shape.lateMs);
+        m_shape.segments.clear();
+    } else if (m_shape.isHeldBack) {
         m_heldBack += m_shape.bytes();
         m_shape.segments.clear();
     } else if (!m_heldBack.isEmpty() && !m_shape.segments.isEmpty()) {
@@ -208,6 +236,9 @@ void SlaveConnection::endConnection()
     m_isDead = true;
     m_silence.stop();
     m_pause.stop();
+    m_heartbeat.stop();
+    m_idle.stop();
+    m_owner->freeSlot();
     traceEventOf(QStringLiteral("disconnected"));
     deleteLater();
 }

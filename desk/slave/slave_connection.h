@@ -20,7 +20,12 @@ public:
     /// Takes the ownership of \a connectedSocket, and ends its own life with the connection.
     SlaveConnection(QTcpSocket *connectedSocket, quint64 connectionNumber, EmbeddedSlave *slave);
 
+    bool isOpen() const { return m_socket->state() == QAbstractSocket::ConnectedState; }
+    /// Sends what belongs to no request of this connection; \a meaning is for the trace.
+    void sendUnasked(const QByteArray &bytes, const QString &meaning);
+
 private:
+    void followHabits();
     void takeBytes();
     void takeRequests();
     void giveUpRequest();
@@ -48,6 +53,8 @@ private:
     RtuDeframer m_deframer;
     QTimer m_silence;
     QTimer m_pause;
+    QTimer m_heartbeat;
+    QTimer m_idle;
     QQueue<QByteArray> m_requests;
     /// Nothing more happens on this connection.
     bool m_isDead = false;

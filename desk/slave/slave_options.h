@@ -17,6 +17,19 @@ struct SlaveLimits {
     int bits = modbus::MaxReadBits;
 };
 
+/// What a gateway in front of the slave does of its own accord.
+struct GatewayHabits {
+    /// Sent on every new connection.
+    QByteArray banner;
+    /// Sent on every connection, so many milliseconds apart.
+    QByteArray heartbeat;
+    int heartbeatMs = 0;
+    /// Takes one connection at a time, and none for so many milliseconds after it has ended; -1: any number.
+    int slotHeldMs = -1;
+    /// Closes connections on which nothing has come for so many milliseconds; 0: none.
+    int idleCloseMs = 0;
+};
+
 struct SlaveOptions {
     QHostAddress address = QHostAddress::LocalHost;
     /// 0: one that is free.
@@ -33,8 +46,7 @@ struct SlaveOptions {
         modbus::Diagnostics,        modbus::WriteMultipleCoils, modbus::WriteMultipleRegisters};
     /// How long the device takes for a reply.
     int latencyMs = 0;
-    /// Sent on every new connection.
-    QByteArray banner;
+    GatewayHabits gateway;
     FaultPlan faults;
     TraceSink trace;
 };
@@ -43,6 +55,8 @@ struct SlaveOptions {
 struct SlaveCounts {
     quint64 connections = 0;
     int openConnections = 0;
+    /// Ended at once, since the only slot was taken.
+    quint64 rejected = 0;
     /// Whole requests to a station of this slave, broadcasts included.
     quint64 requests = 0;
     quint64 broadcasts = 0;

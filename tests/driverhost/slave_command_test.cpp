@@ -80,7 +80,7 @@ TEST(SlaveCommand, Defaults)
     EXPECT_EQ(defaults.limits.registers, options.limits.registers);
     EXPECT_EQ(defaults.limits.bits, options.limits.bits);
     EXPECT_EQ(0, options.latencyMs);
-    EXPECT_TRUE(options.banner.isEmpty());
+    EXPECT_TRUE(options.gateway.banner.isEmpty());
     EXPECT_TRUE(options.memory.values().isEmpty());
     EXPECT_FALSE(options.trace);
 }
@@ -111,8 +111,25 @@ TEST(SlaveCommand, TakesEveryOption)
     EXPECT_EQ(20, options.latencyMs);
     EXPECT_EQ(Fault::None, options.faults.next().kind);
     EXPECT_EQ(Fault::Silence, options.faults.next().kind);
-    EXPECT_EQ("hello", options.banner.toStdString());
+    EXPECT_EQ("hello", options.gateway.banner.toStdString());
     EXPECT_TRUE(options.trace);
+}
+
+TEST(SlaveCommand, TakesTheHabitsOfGateways)
+{
+    const GatewayHabits none = parsed({}).gateway;
+    EXPECT_EQ(0, none.heartbeatMs);
+    EXPECT_EQ(-1, none.slotHeldMs);
+    EXPECT_EQ(0, none.idleCloseMs);
+    const GatewayHabits some = parsed({"--banner", "hex:0102fF", "--heartbeat", "alive", "--one-connection",
+                                       "0", "--idle-close", "500"})
+                                   .gateway;
+    EXPECT_EQ(QByteArray("\x01\x02\xFF"), some.banner);
+    EXPECT_EQ("alive", some.heartbeat.toStdString());
+    EXPECT_EQ(1000, some.heartbeatMs);
+    EXPECT_EQ(0, some.slotHeldMs);
+    EXPECT_EQ(500, some.idleCloseMs);
+    EXPECT_EQ(29, parsed({"--heartbeat", "a", "--heartbeat-every", "29"}).gateway.heartbeatMs);
 }
 
 TEST(SlaveCommand, TheSeedReachesTheFaults)
@@ -145,6 +162,9 @@ TEST(SlaveCommand, SaysWhatIsWrong)
     EXPECT_EQ("--seed \"x\": expected a whole number from 0 to 2147483647", errorIn({"--seed", "x"}));
     EXPECT_EQ("--fault: \"silence\" is not like silence=1% or truncate:4=1/10; =100% means always",
               errorIn({"--fault", "silence"}));
+    EXPECT_EQ("--banner \"hex:012\": expected hex: and two digits a byte, such as hex:0102FF",
+              errorIn({"--banner", "hex:012"}));
+    EXPECT_TRUE(errorIn({"--heartbeat-every", "5"}).contains("--heartbeat"));
     EXPECT_EQ("\"more\" is no option", errorIn({"more"}));
     EXPECT_TRUE(errorIn({"--values", "/no/such/file"}).startsWith("/no/such/file: "));
     EXPECT_TRUE(errorIn({"--nonsense"}).contains("nonsense"));

@@ -39,6 +39,8 @@ const CommandLine::Texts Texts = {
     "  double                twice in one segment\n"
     "  stale                 the reply before it comes once more, in front\n"
     "  echo                  the request comes back in front of the reply\n"
+    "  other-master:ID       the reply of another station comes in front of it\n"
+    "  late:MS               the reply comes so much later, on whichever connection is open then\n"
     "  reset, close          the connection is reset, or closed, instead\n"
     "  half-open             the connection stays up and nothing happens on it any more",
     "  driverhost slave --port 1502 --values plant.txt\n"

@@ -10,6 +10,7 @@ namespace
 {
 
 const int MaxLatency = 60 * 1000;
+const int MaxHabitTime = 3600 * 1000;
 
 QCommandLineOption option(const char *name, const QString &description, const char *value,
                           const QString &defaultText = {})
@@ -86,7 +87,34 @@ void readFaults(CommandLine &line, SlaveOptions &options)
             line.addError(QStringLiteral("--fault: ") + added.errorText());
     }
     line.expectWith(line.isSet("fault"), "--fault", {"seed"});
-    options.banner = line.text("banner").toUtf8();
+}
+
+// Text, or bytes in hexadecimal digits: "hex:0102FF".
+QByteArray bytesOf(CommandLine &line, const char *name)
+{
+    const QString text = line.text(name);
+    const QLatin1String hex("hex:");
+    if (!text.startsWith(hex))
+        return text.toUtf8();
+    const QByteArray digits = text.mid(hex.size()).toLatin1();
+    const QByteArray bytes = QByteArray::fromHex(digits);
+    if (bytes.isEmpty() || bytes.toHex() != digits.toLower())
+        line.addError(QStringLiteral("--%1 \"%2\": expected hex: and two digits a byte, such as hex:0102FF")
+                          .arg(QLatin1String(name), text));
+    return bytes;
+}
+
+void readGateway(CommandLine &line, SlaveOptions &options)
+{
+    options.gateway.banner = bytesOf(line, "banner");
+    options.gateway.heartbeat = bytesOf(line, "heartbeat");
+    line.expectWith(line.isSet("heartbeat"), "--heartbeat", {"heartbeat-every"});
+    options.gateway.heartbeatMs =
+        line.isGiven("heartbeat") ? line.number("heartbeat-every", 1, MaxHabitTime) : 0;
+    if (line.isGiven("one-connection"))
+        options.gateway.slotHeldMs = line.number("one-connection", 0, MaxHabitTime);
+    if (line.isGiven("idle-close"))
+        options.gateway.idleCloseMs = line.number("idle-close", 1, MaxHabitTime);
 }
 
 } // namespace
@@ -117,7 +145,16 @@ QList<QCommandLineOption> slaveCommandOptions()
                    "Spoil a share of the replies (silence=1%) or every n-th (truncate:4=1/10). May be "
                    "given several times."),
                "RULE"),
-        option("banner", QStringLiteral("Text to send on every new connection."), "TEXT"),
+        option("banner", QStringLiteral("Text to send on every new connection, or bytes as hex:0102FF."),
+               "TEXT"),
+        option("heartbeat", QStringLiteral("The same, to send again and again."), "TEXT"),
+        option("heartbeat-every", QStringLiteral("Milliseconds between heartbeats"), "MS", "1000"),
+        option("one-connection",
+               QStringLiteral(
+                   "Take one connection at a time, and none for so many milliseconds after it has ended."),
+               "MS"),
+        option("idle-close",
+               QStringLiteral("Close connections on which nothing has come for so many milliseconds."), "MS"),
         option("seed", QStringLiteral("Same seed, same faults"), "NUMBER", "1"),
         {QStringLiteral("trace"), QStringLiteral("Show every frame and what it means on standard error.")},
     };
@@ -132,20 +169,24 @@ SlaveOptions slaveOptions(CommandLine &line)
     readMemory(line, options);
     readLimits(line, options);
     readFaults(line, options);
+    readGateway(line, options);
     options.trace = traceOf(line);
     return options;
 }
 
 QString describeCounts(const SlaveCounts &counts)
 {
-    QString text = QStringLiteral("connections %1, requests %2 (broadcasts %3), exceptions %4, "
+    const QString rejected =
+        counts.rejected > 0 ? QStringLiteral(" (and %1 rejected)").arg(counts.rejected) : QString();
+    QString text = QStringLiteral("connections %1%7, requests %2 (broadcasts %3), exceptions %4, "
                                   "for other stations %5, bytes dropped %6\n")
                        .arg(counts.connections)
                        .arg(counts.requests)
                        .arg(counts.broadcasts)
                        .arg(counts.exceptions)
                        .arg(counts.foreign)
-                       .arg(counts.droppedBytes);
+                       .arg(counts.droppedBytes)
+                       .arg(rejected);
     QStringList faults;
     for (auto entry = counts.faults.begin(); entry != counts.faults.end(); ++entry)
         faults.append(QStringLiteral("%1 %2").arg(faultName(entry.key())).arg(entry.value()));

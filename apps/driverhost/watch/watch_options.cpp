@@ -9,6 +9,7 @@
 #include "apps/driverhost/watch/watch_listeners.h"
 #include "apps/driverhost/watch/watch_view.h"
 #include "desk/items/target.h"
+#include "desk/output/stray_text.h"
 #include "desk/output/summary.h"
 #include "desk/points/scaling.h"
 
@@ -72,8 +73,8 @@ bool isCutShort(const WatchSettings &settings)
 
 int finish(const Session &session, const WatchLoop &loop, const ValueSummaries &values, const WatchRun &run)
 {
-    for (const QString &line :
-         values.lines() + loop.statistics().lines(loop.milliseconds()) + countsLines(session.counts()))
+    for (const QString &line : values.lines() + loop.statistics().lines(loop.milliseconds()) +
+                                   countsLines(session.counts()) + strayLines(session.channel()))
         report(line);
     if (run.form.format == OutputFormat::Json && !print({summaryOf(session, loop, values)}))
         return OutputClosed;

@@ -111,7 +111,7 @@ TEST(FaultPlan, PicksTheWholeRange)
 
 TEST(FaultPlan, KnowsEveryFaultByName)
 {
-    EXPECT_EQ(17, allFaultNames().size());
+    EXPECT_EQ(19, allFaultNames().size());
     for (const QString &name : allFaultNames()) {
         FaultPlan plan;
         ASSERT_TRUE(plan.add(name + "=1/1"));

@@ -69,13 +69,53 @@ TEST(SlaveConnection, TakesItsTimeForEveryReply)
 TEST(SlaveConnection, SendsABannerOnEveryConnection)
 {
     SlaveOptions options;
-    options.banner = "gateway 1.0\r\n";
+    options.gateway.banner = "gateway 1.0\r\n";
     RunningSlave slave(options);
     for (int i = 0; i < 2; ++i) {
         RawMaster master(slave.port());
-        EXPECT_EQ(options.banner, master.receive(options.banner.size()));
+        EXPECT_EQ(options.gateway.banner, master.receive(options.gateway.banner.size()));
         EXPECT_EQ("0103020000", master.ask("010300010001"));
     }
+}
+
+TEST(SlaveConnection, SendsHeartbeats)
+{
+    SlaveOptions options;
+    options.gateway.heartbeat = "alive";
+    options.gateway.heartbeatMs = 20;
+    RunningSlave slave(options);
+    RawMaster master(slave.port());
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ("alivealive", master.receive(10));
+    EXPECT_GE(clock.elapsed(), 35);
+}
+
+TEST(SlaveConnection, HoldsItsOnlySlot)
+{
+    SlaveOptions options;
+    options.gateway.slotHeldMs = 60;
+    RunningSlave slave(options);
+    auto first = std::make_unique<RawMaster>(slave.port());
+    EXPECT_EQ("0103020000", first->ask("010300010001"));
+    EXPECT_NE(RawMaster::End::StillOpen, RawMaster(slave.port()).waitForEnd());
+    first.reset();
+    EXPECT_TRUE(waitUntil([&] { return RawMaster(slave.port()).ask("010300010001") == "0103020000"; }));
+    EXPECT_GE(slave.counts().rejected, 1u);
+    EXPECT_EQ(2u, slave.counts().connections);
+}
+
+TEST(SlaveConnection, ClosesWhatIsIdle)
+{
+    SlaveOptions options;
+    options.gateway.idleCloseMs = 60;
+    RunningSlave slave(options);
+    RawMaster master(slave.port());
+    QElapsedTimer clock;
+    clock.start();
+    EXPECT_EQ("0103020000", master.ask("010300010001"));
+    EXPECT_EQ(RawMaster::End::Closed, master.waitForEnd());
+    EXPECT_GE(clock.elapsed(), 55);
 }
 
 TEST(SlaveConnection, StopClosesConnectionsAndPort)

@@ -59,6 +59,21 @@ TEST_F(SlaveFault, Delay)
     expectGoodExchange(master);
 }
 
+TEST_F(SlaveFault, LateOnTheNextConnection)
+{
+    QElapsedTimer clock;
+    clock.start();
+    {
+        RawMaster master(slave.port());
+        request(master, Fault::Late, 60);
+        EXPECT_TRUE(master.isSilent(20));
+    }
+    RawMaster next(slave.port());
+    next.send(frameOf("010300010001"));
+    EXPECT_EQ(rightReply + frameOf("0103023344"), next.receive(9 + 7));
+    EXPECT_GE(clock.elapsed(), 60);
+}
+
 TEST_F(SlaveFault, TruncationAtEveryByte)
 {
     for (int size = 0; size < rightReply.size(); ++size) {
@@ -79,6 +94,14 @@ TEST_F(SlaveFault, TruncationLeavesSomethingOut)
         EXPECT_GE(part.size(), 1);
         EXPECT_LT(part.size(), rightReply.size());
     }
+}
+
+TEST_F(SlaveFault, AnotherMastersReply)
+{
+    RawMaster master(slave.port());
+    request(master, Fault::OtherMaster, 7);
+    EXPECT_EQ(frameOf("070304EEDDCCBB") + rightReply, master.receive(18));
+    expectGoodExchange(master);
 }
 
 TEST_F(SlaveFault, WrongStation)
