@@ -49,6 +49,8 @@ else()
   set(qt_core QtCore)
   set(qt_modules "QtCore QtSql")
 endif()
+string(REGEX REPLACE " .*" "" qt_package "${qt_dependency}")
+set(qt_core_target ${qt_target_prefix}Core)
 
 install(EXPORT DriverTools NAMESPACE DriverTools:: FILE DriverToolsTargets.cmake
   DESTINATION "${package_folder}" COMPONENT dev)
@@ -59,9 +61,11 @@ install(FILES "${CMAKE_CURRENT_LIST_DIR}/DriverPlugin.cmake" "${CMAKE_CURRENT_LI
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/DriverToolsConfig.cmake.in"
   "${PROJECT_BINARY_DIR}/DriverToolsConfig.cmake" INSTALL_DESTINATION "${package_folder}"
   NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file("${PROJECT_BINARY_DIR}/DriverToolsConfigVersion.cmake" COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/DriverToolsVersion.cmake" COMPATIBILITY SameMajorVersion)
+configure_file("${CMAKE_CURRENT_LIST_DIR}/DriverToolsConfigVersion.cmake.in"
+  "${PROJECT_BINARY_DIR}/DriverToolsConfigVersion.cmake" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/DriverToolsConfig.cmake" "${PROJECT_BINARY_DIR}/DriverToolsConfigVersion.cmake"
-  DESTINATION "${package_folder}" COMPONENT dev)
+  "${PROJECT_BINARY_DIR}/DriverToolsVersion.cmake" DESTINATION "${package_folder}" COMPONENT dev)
 
 # Relative, so that an installed tree can be moved.
 file(RELATIVE_PATH prefix_from_pkgconfig "/${pkgconfig_folder}" "/")

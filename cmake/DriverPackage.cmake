@@ -18,7 +18,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION comm)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # QtSql loads its SQLite driver at run time, where no shared-library dependency shows it.
-set(CPACK_DEBIAN_PACKAGE_DEPENDS libqt5sql5-sqlite)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS libqt${DRIVER_QT}sql${DRIVER_QT}-sqlite)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
   "The communication driver that an operator panel loads to talk to Modbus slaves that speak RTU framing over a TCP
  byte stream, and driverhost, a program that drives it from the command line.")

@@ -19,11 +19,16 @@ else()
   set(DRIVER_FOR_PANEL OFF)
 endif()
 
-# driver_standard(TARGET STANDARD): Qt 6 needs C++17 whatever the target could do with.
-function(driver_standard target standard)
+# driver_least_standard(VARIABLE STANDARD): Qt 6 needs C++17 whatever its user could do with.
+function(driver_least_standard variable standard)
   if(DRIVER_QT EQUAL 6)
     set(standard 17)
   endif()
+  set(${variable} ${standard} PARENT_SCOPE)
+endfunction()
+
+function(driver_standard target standard)
+  driver_least_standard(standard ${standard})
   set_target_properties(${target} PROPERTIES
     CXX_STANDARD ${standard} CXX_STANDARD_REQUIRED ON CXX_EXTENSIONS OFF)
 endfunction()

@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
 # Builds the driver and everything around it, and runs all tests. Installs what is missing first.
-#   scripts/test.sh [PRESET]     a preset of CMakePresets.json: release (default), debug, sanitizers, clang
+#   scripts/test.sh [PRESET [ARGUMENT...]]
+# PRESET is one of CMakePresets.json: release (default), debug, sanitizers, clang, qt6. The arguments are ctest's.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
 
 preset=${1:-release}
-install_packages "${build_packages[@]}" "${test_packages[@]}"
+packages=("${build_packages[@]}" "${test_packages[@]}")
+if [[ $preset == qt6 ]]; then
+    packages+=("${qt6_packages[@]}")
+fi
+install_packages "${packages[@]}"
 cmake --preset "$preset"
 cmake --build --preset "$preset"
-ctest --preset "$preset" --parallel "$(nproc)"
+ctest --preset "$preset" --parallel "$(nproc)" "${@:2}"

@@ -30,7 +30,8 @@ _driverhost_values() {
             echo silence delay truncate wrong-station wrong-function wrong-crc exception junk-before junk-after split merge \
                 double stale echo reset close half-open
             ;;
-        --plugin | --project | --points | --record | --values | --make | --check | --from-project | --from-scan | --output | --learnt)
+        --plugin | --project | --points | --record | --values | --report | --make | --check | --from-project | --from-scan | \
+            --output | --learnt)
             echo FILE
             ;;
     esac
@@ -45,7 +46,7 @@ _driverhost_words() {
         project | compare | restore) echo FILE ;;
     esac
     case $2 in
-        read | write | watch | tags | scan | target | snapshot) _driverhost_targets "$1" ;;
+        read | write | watch | tags | scan | doctor | target | snapshot) _driverhost_targets "$1" ;;
     esac
 }
 

@@ -19,6 +19,7 @@ const Subcommand Subcommands[] = {
     {"watch", "Read values again and again", prepareWatch},
     {"tags", "Read all tags of a project", prepareTags},
     {"scan", "Find stations, or the addresses that a slave has", prepareScan},
+    {"doctor", "Say what is wrong between here and the slave", prepareDoctor},
     {"points", "Check tables of points, or make one", preparePoints},
     {"target", "Keep targets by name", prepareTarget},
     {"snapshot", "Keep what a slave holds in a file", prepareSnapshot},
@@ -44,8 +45,8 @@ QString helpText()
     return text +
            QStringLiteral("\n\"driverhost SUBCOMMAND --help\" says more. Exit codes: 0 success, 1 other\n"
                           "failure, 2 usage, 3 cannot connect, 4 no or broken reply, 5 exception reply,\n"
-                          "6 project database, 7 not verified, 10 differences found, 130 interrupted,\n"
-                          "141 output closed.");
+                          "6 project database, 7 not verified, 8 explained and 9 not explained by doctor,\n"
+                          "10 differences found, 130 interrupted, 141 output closed.");
 }
 
 int printText(const QString &text)

@@ -1,6 +1,7 @@
 #include "desk/items/address.h"
 
 #include "desk/items/number_text.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 #include <limits>
@@ -45,7 +46,7 @@ public:
     {
         if (QStringView(m_text).mid(m_at, expected.size()).compare(expected, Qt::CaseInsensitive) != 0)
             return false;
-        m_at += expected.size();
+        m_at += sizeOf(expected);
         return true;
     }
     // A run of digits: their number, or one beyond every limit when it has more digits than any limit.
@@ -181,7 +182,7 @@ Result<Address> parseAddress(const QString &text)
 Result<AddressSpan> parseAddressSpan(const QString &text)
 {
     const QString dots = QStringLiteral("..");
-    const int position = text.indexOf(dots);
+    const auto position = text.indexOf(dots);
     const Result<Address> first = parseAddress(position < 0 ? text : text.left(position));
     if (!first)
         return Error{position < 0 ? first.errorText()

@@ -52,6 +52,12 @@ Failure failureOf(const Refusals::Refusal &refusal)
     return failure;
 }
 
+// Whether the station may not be there at all.
+bool isSilence(const Failure &failure)
+{
+    return failure.kind == FailureKind::NoReply || failure.exception == modbus::GatewayTargetFailed;
+}
+
 } // namespace
 
 PlannedPoints plannedPointsOf(const std::vector<Reading> &readings, int linkStation)
@@ -80,6 +86,9 @@ bool PlannedReadings::readRound(ReadingListener &listener)
     m_listener = &listener;
     m_isWanted = true;
     m_isHopeless = false;
+    m_heldBack.clear();
+    if (m_pacing != nullptr)
+        m_pacing->beginRound(m_session.channel().now());
     m_refresh.readRound(*this, QDateTime::currentMSecsSinceEpoch());
     readUnplanned();
     m_listener = nullptr;
@@ -99,7 +108,11 @@ RangeReply PlannedReadings::read(const AreaRange &range)
         reply.outcome = RangeReply::Ended;
         return reply;
     }
-    const std::optional<QByteArray> data = m_session.read(itemsOf(range));
+    if (isAway(range.station)) {
+        reply.outcome = RangeReply::StationAway;
+        return reply;
+    }
+    const std::optional<QByteArray> data = ask(itemsOf(range));
     m_data = data.value_or(QByteArray());
     if (m_listener != nullptr && !m_session.channel().isCancelled())
         m_listener->addCommand(data.has_value());
@@ -124,9 +137,17 @@ void PlannedReadings::given(const AreaRange &range, const std::vector<int> &poin
     }
 }
 
-void PlannedReadings::failed(const AreaRange & /*range*/, const std::vector<int> &points)
+void PlannedReadings::failed(const AreaRange &range, const std::vector<int> &points)
 {
-    fail(readingsOf(points));
+    failAway(range.station, readingsOf(points));
+}
+
+void PlannedReadings::failAway(int station, const std::vector<size_t> &readings)
+{
+    if (m_heldBack.count(station) == 0)
+        fail(readings);
+    else if (m_isWanted && m_listener != nullptr)
+        m_isWanted = m_listener->addNotAsked(readings, paceOf(station));
 }
 
 void PlannedReadings::notAsked(const Refusals::Refusal &refusal, const std::vector<int> &points)
@@ -150,6 +171,81 @@ std::vector<size_t> PlannedReadings::readingsOf(const std::vector<int> &points) 
     return readings;
 }
 
+// A station that fails has to answer to a trial before anything else is asked of it.
+bool PlannedReadings::isAway(int station)
+{
+    if (m_pacing == nullptr || !m_pacing->isFailing(station))
+        return false;
+    if (isHeldBack(station)) {
+        m_heldBack.insert(station);
+        return true;
+    }
+    const std::optional<QByteArray> data = ask(trialOf(station));
+    if (m_listener != nullptr && !m_session.channel().isCancelled())
+        m_listener->addCommand(data.has_value());
+    return !data;
+}
+
+// Also before its line can have settled, since nothing would be sent.
+bool PlannedReadings::isHeldBack(int station)
+{
+    const qint64 now = m_session.channel().now();
+    return !m_pacing->isDue(station, now) || m_session.channel().settling().worthAskingAt(station, now) > now;
+}
+
+// What it has given before; one after the other where it has never given anything.
+Items PlannedReadings::trialOf(int station) const
+{
+    const auto given = m_lastGiven.find(station);
+    if (given != m_lastGiven.end())
+        return given->second;
+    std::vector<const Reading *> readings;
+    for (const Reading &reading : m_readings) {
+        if (m_session.stationFor(reading.items) == station)
+            readings.push_back(&reading);
+    }
+    return readings[static_cast<size_t>(m_pacing->failures(station)) % readings.size()]->items;
+}
+
+std::optional<QByteArray> PlannedReadings::ask(const Items &items)
+{
+    if (m_pacing == nullptr)
+        return m_session.read(items);
+    if (m_pacing->isFailing(m_session.stationFor(items)))
+        m_session.channel().setRetries(0);
+    const std::optional<QByteArray> data = m_session.read(items);
+    m_session.channel().setRetries(m_session.settings().retries);
+    if (!isOver())
+        notePace(items, data.has_value());
+    return data;
+}
+
+void PlannedReadings::notePace(const Items &items, bool isAnswered)
+{
+    const int station = m_session.stationFor(items);
+    if (isAnswered)
+        m_lastGiven[station] = items;
+    const Failure failure = isAnswered ? Failure() : m_session.failure();
+    if (!isAnswered && isSilence(failure))
+        m_pacing->noteFailure(station, m_session.lastCommand().beganAt());
+    else if (isAnswered || !isForAll(failure.kind))
+        m_pacing->noteAnswer(station);
+}
+
+// What is told of a station that is not asked in every round.
+Failure PlannedReadings::paceOf(int station)
+{
+    const qint64 second = 1000000;
+    LineChannel &channel = m_session.channel();
+    const qint64 now = channel.now();
+    const qint64 due = std::max(m_pacing->dueAt(station), channel.settling().worthAskingAt(station, now));
+    Failure failure;
+    failure.kind = FailureKind::NoReply;
+    failure.text = QStringLiteral("PLC no response before; asked again in %1 s")
+                       .arg(std::max<qint64>(1, (due - now + second - 1) / second));
+    return failure;
+}
+
 void PlannedReadings::readUnplanned()
 {
     for (size_t i = 0; i < m_points.others.size() && !isOver(); ++i) {
@@ -161,7 +257,10 @@ void PlannedReadings::readUnplanned()
 
 void PlannedReadings::readOne(size_t reading)
 {
-    const std::optional<QByteArray> data = m_session.read(m_readings[reading].items);
+    const int station = m_session.stationFor(m_readings[reading].items);
+    if (isAway(station))
+        return failAway(station, {reading});
+    const std::optional<QByteArray> data = ask(m_readings[reading].items);
     if (isOver())
         return;
     m_listener->addCommand(data.has_value());

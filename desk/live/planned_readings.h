@@ -1,8 +1,12 @@
 #pragma once
 
 #include "desk/link/session.h"
+#include "desk/live/station_pacing.h"
 #include "desk/readings/value_readings.h"
 #include "desk/refresh/refresh.h"
+
+#include <map>
+#include <set>
 
 /// What becomes of readings.
 class ReadingListener
@@ -15,7 +19,7 @@ public:
     virtual bool add(size_t reading, const QByteArray &data) = 0;
     /// They have failed for the reason of the session's last command.
     virtual bool addFailure(const std::vector<size_t> &readings, const Failure &failure) = 0;
-    /// They were not asked for, since they were refused before.
+    /// They were not asked for, since they were refused before, or their station has not answered of late.
     virtual bool addNotAsked(const std::vector<size_t> &readings, const Failure &failure) = 0;
     /// The driver has carried out a command, which brought something or nothing.
     virtual void addCommand(bool isRead) = 0;
@@ -42,6 +46,10 @@ public:
     /// Asks for what would tell how to plan better, after a round that others follow.
     void explore();
 
+    /// Asks stations that do not answer less often; \a pacing stays the caller's. Without it every round asks
+    /// all.
+    void setPacing(StationPacing *pacing) { m_pacing = pacing; }
+
     /// How the readings are asked for.
     Refresh &refresh() { return m_refresh; }
     /// Readings that are not planned, but asked for as they are.
@@ -53,6 +61,13 @@ private:
     void failed(const AreaRange &range, const std::vector<int> &points) override;
     void notAsked(const Refusals::Refusal &refusal, const std::vector<int> &points) override;
 
+    bool isAway(int station);
+    bool isHeldBack(int station);
+    Items trialOf(int station) const;
+    std::optional<QByteArray> ask(const Items &items);
+    void notePace(const Items &items, bool isAnswered);
+    Failure paceOf(int station);
+    void failAway(int station, const std::vector<size_t> &readings);
     void readUnplanned();
     void readOne(size_t reading);
     void fail(const std::vector<size_t> &readings);
@@ -63,6 +78,9 @@ private:
     const std::vector<Reading> &m_readings;
     PlannedPoints m_points;
     Refresh m_refresh;
+    StationPacing *m_pacing = nullptr;
+    std::map<int, Items> m_lastGiven; // by station
+    std::set<int> m_heldBack;         // stations that were not asked in this round
     ReadingListener *m_listener = nullptr;
     QByteArray m_data; // of the last range
     bool m_isWanted = true;

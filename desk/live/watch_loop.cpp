@@ -13,6 +13,7 @@ WatchLoop::WatchLoop(Session &session, const std::vector<Reading> &readings, Lea
       m_pauses(pauses),
       m_lastRows(readings.size())
 {
+    m_planned.setPacing(&m_pacing);
 }
 
 bool WatchLoop::run(WatchListener &listener)

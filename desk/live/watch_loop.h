@@ -73,6 +73,7 @@ private:
 
     Session &m_session;
     const std::vector<Reading> &m_readings;
+    StationPacing m_pacing;
     PlannedReadings m_planned;
     WatchSettings m_settings;
     WatchPauses m_pauses;

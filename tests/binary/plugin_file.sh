@@ -108,10 +108,10 @@ check_tools() {
     echo "$(wc -l <"$list") operations"
 }
 
-# Functions with their kind, names as people read them; the type of a va_list depends on the processor.
+# Functions with their kind, names as people read them; the type of a va_list depends on the processor, that of a pair on Qt.
 symbols() {
     "$nm" -C --defined-only "$1" | sed -n 's/^[0-9a-f]* \([TtWw]\) /\1 /p' |
-        sed 's/__va_list_tag\*\|std::__va_list/va_list/g; s/ \[clone .*//'
+        sed 's/__va_list_tag\*\|std::__va_list/va_list/g; s/std::pair</QPair</g; s/ \[clone .*//'
 }
 
 check_size() {

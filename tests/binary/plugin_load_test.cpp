@@ -1,8 +1,8 @@
 #include "host/driver_interface.h"
+#include "tests/binary/verification_text.h"
 #include "tests/support/gtest_qt.h"
 
 #include <QLibrary>
-#include <QLibraryInfo>
 #include <QObject>
 #include <QPluginLoader>
 
@@ -24,19 +24,6 @@ Function entryPoint(const char *name)
     const auto address = QLibrary::resolve(pluginFile(), name);
     EXPECT_NE(address, nullptr) << name;
     return reinterpret_cast<Function>(address);
-}
-
-QByteArray expectedVerificationText()
-{
-#if QT_VERSION < 0x050000
-    // A loader of Qt 4 compares this with what it was built as itself.
-    return QByteArray("pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=" QT_VERSION_STR
-                      "\ndebug=false\nbuildkey=") +
-           QLibraryInfo::buildKey().toLatin1();
-#else
-    return "pattern=QT_PLUGIN_VERIFICATION_DATA\nversion=4.8.6\ndebug=false\n"
-           "buildkey=arm linux g++-4 no-pkg-config";
-#endif
 }
 
 } // namespace

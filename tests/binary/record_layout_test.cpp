@@ -8,46 +8,75 @@
 #include <type_traits>
 
 // Host and driver are built apart and pass these records to each other, so where each field lies is part of
-// their contract. The numbers are those of a panel, with pointers of 32 bits; a text or a list is one
-// pointer.
+// their contract. Pointers have 32 bits on a panel and 64 on a PC; a text or a list is one pointer up to Qt 5
+// and three words from Qt 6 on.
 
-#define PIN_ON_PANEL(what, number) static_assert(sizeof(void *) != 4 || (what) == (number), #what)
+namespace
+{
+
+enum class Layout { Panel, PanelQt6, Pc, PcQt6 };
+
+constexpr bool OnePointerEach = sizeof(QString) == sizeof(void *);
+constexpr Layout Here = sizeof(void *) == 4 ? (OnePointerEach ? Layout::Panel : Layout::PanelQt6)
+                                            : (OnePointerEach ? Layout::Pc : Layout::PcQt6);
+
+constexpr std::size_t here(std::size_t panel, std::size_t panelQt6, std::size_t pc, std::size_t pcQt6)
+{
+    return Here == Layout::Panel      ? panel
+           : Here == Layout::PanelQt6 ? panelQt6
+           : Here == Layout::Pc       ? pc
+                                      : pcQt6;
+}
+
+} // namespace
+
+#define PIN(what, ...) static_assert((what) == here(__VA_ARGS__), #what)
+
+static_assert(OnePointerEach == (QT_VERSION < 0x060000), "what Qt 6 changed");
+PIN(sizeof(QString), 4, 12, 8, 24);
+PIN(sizeof(QByteArray), 4, 12, 8, 24);
+PIN(sizeof(QList<CommunicatorCommand>), 4, 12, 8, 24);
 
 static_assert(std::is_standard_layout<CommunicatorCommand>::value, "no hidden parts");
-PIN_ON_PANEL(sizeof(CommunicatorCommand), 12);
-PIN_ON_PANEL(offsetof(CommunicatorCommand, dataType), 0);
-PIN_ON_PANEL(offsetof(CommunicatorCommand, count), 4);
-PIN_ON_PANEL(offsetof(CommunicatorCommand, address), 8);
+PIN(sizeof(CommunicatorCommand), 12, 20, 16, 32);
+PIN(offsetof(CommunicatorCommand, dataType), 0, 0, 0, 0);
+PIN(offsetof(CommunicatorCommand, count), 4, 4, 4, 4);
+PIN(offsetof(CommunicatorCommand, address), 8, 8, 8, 8);
 
 static_assert(std::is_standard_layout<DriverSetting>::value, "no hidden parts");
-PIN_ON_PANEL(sizeof(DriverSetting), 24);
-PIN_ON_PANEL(offsetof(DriverSetting, timeout), 0);
-PIN_ON_PANEL(offsetof(DriverSetting, retry), 4);
-PIN_ON_PANEL(offsetof(DriverSetting, stationId), 8);
-PIN_ON_PANEL(offsetof(DriverSetting, delay), 12);
-PIN_ON_PANEL(offsetof(DriverSetting, auxText), 16);
-PIN_ON_PANEL(offsetof(DriverSetting, auxFlag), 20);
+PIN(sizeof(DriverSetting), 24, 32, 32, 48);
+PIN(offsetof(DriverSetting, timeout), 0, 0, 0, 0);
+PIN(offsetof(DriverSetting, retry), 4, 4, 4, 4);
+PIN(offsetof(DriverSetting, stationId), 8, 8, 8, 8);
+PIN(offsetof(DriverSetting, delay), 12, 12, 12, 12);
+PIN(offsetof(DriverSetting, auxText), 16, 16, 16, 16);
+PIN(offsetof(DriverSetting, auxFlag), 20, 28, 24, 40);
 
 static_assert(std::is_standard_layout<DeviceSetting>::value, "no hidden parts");
 static_assert(sizeof(device_type) == 4, "stored as 32 bits");
-PIN_ON_PANEL(sizeof(DeviceSetting), 44);
-PIN_ON_PANEL(offsetof(DeviceSetting, type), 0);
-PIN_ON_PANEL(offsetof(DeviceSetting, deviceString), 4);
-PIN_ON_PANEL(offsetof(DeviceSetting, baudrate), 8);
-PIN_ON_PANEL(offsetof(DeviceSetting, databits), 12);
-PIN_ON_PANEL(offsetof(DeviceSetting, stopbits), 16);
-PIN_ON_PANEL(offsetof(DeviceSetting, parity), 20);
-PIN_ON_PANEL(offsetof(DeviceSetting, auxValue), 24);
-PIN_ON_PANEL(offsetof(DeviceSetting, auxText), 28);
-PIN_ON_PANEL(offsetof(DeviceSetting, linkId), 32);
-PIN_ON_PANEL(offsetof(DeviceSetting, currentIpIndex), 36);
-PIN_ON_PANEL(offsetof(DeviceSetting, sockets), 40);
+PIN(sizeof(DeviceSetting), 44, 68, 64, 112);
+PIN(offsetof(DeviceSetting, type), 0, 0, 0, 0);
+PIN(offsetof(DeviceSetting, deviceString), 4, 4, 8, 8);
+PIN(offsetof(DeviceSetting, baudrate), 8, 16, 16, 32);
+PIN(offsetof(DeviceSetting, databits), 12, 20, 20, 36);
+PIN(offsetof(DeviceSetting, stopbits), 16, 24, 24, 40);
+PIN(offsetof(DeviceSetting, parity), 20, 28, 28, 44);
+PIN(offsetof(DeviceSetting, auxValue), 24, 32, 32, 48);
+PIN(offsetof(DeviceSetting, auxText), 28, 36, 40, 56);
+PIN(offsetof(DeviceSetting, linkId), 32, 48, 48, 80);
+PIN(offsetof(DeviceSetting, currentIpIndex), 36, 52, 52, 84);
+PIN(offsetof(DeviceSetting, sockets), 40, 56, 56, 88);
 
-// QObject, the interface, four flags, error text, connection name, table of used addresses, and a guarded
-// pointer, which is one or two pointers, as the Qt line has it.
-PIN_ON_PANEL(sizeof(QObject), 8);
-PIN_ON_PANEL(sizeof(DriverInterface), 4);
-PIN_ON_PANEL(sizeof(DriverModbusRtuSlaveOverTcp), 28 + sizeof(QPointer<QObject>));
+PIN(sizeof(QObject), 8, 8, 16, 16);
+PIN(sizeof(DriverInterface), 4, 4, 8, 8);
+
+// The driver as the host deletes it: QObject, the interface, four flags, error text, connection name, table
+// of used addresses, and a guarded pointer, which is one or two pointers, as the Qt line has it.
+constexpr std::size_t Flags = here(4, 4, 8, 8);
+static_assert(sizeof(DriverModbusRtuSlaveOverTcp) == sizeof(QObject) + sizeof(DriverInterface) + Flags +
+                                                         2 * sizeof(QString) + sizeof(void *) +
+                                                         sizeof(QPointer<QObject>),
+              "nothing else in it");
 
 TEST(RecordLayout, InterfaceComesAfterQObject)
 {

@@ -7,7 +7,8 @@
 
 #include <vector>
 
-/// A channel for millions of commands: it takes no memory for each, and no function of a test runs in between.
+/// A channel for millions of commands: it takes no memory for each, and no function of a test runs in
+/// between.
 class QuickChannel : public AbstractDeviceInterface
 {
 public:

@@ -74,10 +74,10 @@ TEST(ManualPage, DescribesEveryOptionOfEverySubcommandAndNoOther)
 {
     const QMap<QString, Options> sections = documented();
     const QStringList names = subcommands();
-    ASSERT_EQ(names.size(), 14);
+    ASSERT_EQ(names.size(), 15);
     for (const QString &name : names) {
         Options expected = sections.value(name);
-        if (QStringList{"read", "write", "watch", "tags", "scan", "snapshot", "compare", "restore"}.contains(
+        if (QStringList{"read", "write", "watch", "tags", "scan", "doctor", "snapshot", "compare", "restore"}.contains(
                 name))
             expected += sections.value(QStringLiteral("OPTIONS OF THE LINK"));
         if (name == QLatin1String("target"))
@@ -94,7 +94,7 @@ TEST(ManualPage, DescribesEveryExitCode)
 {
     const QString page = manualPage();
     for (const int code : {Success, OtherFailure, UsageError, CannotConnect, NoReply, ExceptionReply,
-                           DatabaseError, NotVerified, FoundDifferent, Interrupted, OutputClosed})
+                           DatabaseError, NotVerified, Explained, NotExplained, FoundDifferent, Interrupted, OutputClosed})
         EXPECT_TRUE(page.contains(QStringLiteral(".It %1\n").arg(code))) << code;
 }
 

@@ -1,8 +1,8 @@
 // Which errors on the line the CRC of a frame shows, for all frames of up to 256 bytes.
 //
-// The CRC is linear: whether a pattern of wrong bits goes unnoticed does not depend on the frame. So each bit has a
-// syndrome, the change of the CRC when it alone is wrong, and a pattern goes unnoticed when the syndromes of its bits
-// cancel out.
+// The CRC is linear: whether a pattern of wrong bits goes unnoticed does not depend on the frame. So each bit
+// has a syndrome, the change of the CRC when it alone is wrong, and a pattern goes unnoticed when the
+// syndromes of its bits cancel out.
 
 #include "drivers/modbus_rtu_slave_over_tcp/rtu_frame.h"
 #include "tests/support/driver_test.h"
@@ -38,7 +38,8 @@ int crcOfFrame(const QByteArray &content)
     return byteAt(request, request.size() - 2) | byteAt(request, request.size() - 1) << 8;
 }
 
-// Of the longest frame. A shorter one has the last of them, since a frame begins where its CRC begins to count.
+// Of the longest frame. A shorter one has the last of them, since a frame begins where its CRC begins to
+// count.
 std::vector<int> syndromes()
 {
     const QByteArray zeros(Bytes - 2, '\0');
@@ -68,8 +69,8 @@ TEST(CrcErrors, CrcIsLinear)
     }
 }
 
-// The start of the CRC is not 0, so what precedes a bit does not matter: a bit has the same syndrome in every frame
-// that ends as far after it.
+// The start of the CRC is not 0, so what precedes a bit does not matter: a bit has the same syndrome in every
+// frame that ends as far after it.
 TEST(CrcErrors, SyndromesDependOnTheDistanceToTheEnd)
 {
     const std::vector<int> all = syndromes();
@@ -122,7 +123,8 @@ TEST(CrcErrors, BurstsOfUpToSixteenBits)
     }
 }
 
-// What the polynomial does not promise: some four wrong bits go unnoticed. The test above would see such a thing.
+// What the polynomial does not promise: some four wrong bits go unnoticed. The test above would see such a
+// thing.
 TEST(CrcErrors, SomeErrorsOfFourBitsGoUnnoticed)
 {
     const std::vector<int> all = syndromes();

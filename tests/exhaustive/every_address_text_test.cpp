@@ -1,5 +1,5 @@
-// Every address text and every tag of a few characters, over the characters that mean something in them and some that do
-// not, against grammars.
+// Every address text and every tag of a few characters, over the characters that mean something in them and
+// some that do not, against grammars.
 
 #include "drivers/modbus_rtu_slave_over_tcp/address_text.h"
 #include "drivers/modbus_rtu_slave_over_tcp/project/used_bits.h"
@@ -119,11 +119,13 @@ std::string usedByTheDriver(const QString &tag)
 
 std::string bit(int station, bool isCoil, int number)
 {
-    return std::to_string(station) + (isCoil ? "-DO" : "-DI") + std::to_string((number + 65535) % 65536) + " ";
+    return std::to_string(station) + (isCoil ? "-DO" : "-DI") + std::to_string((number + 65535) % 65536) +
+           " ";
 }
 
-// Of the link: [ "FN5" ] "DO" or "DI", anything without digits, and a number to the end, or else 0. Of a station:
-// digits "-" area digits, and anything after that; digits of other scripts count as digits that are no number.
+// Of the link: [ "FN5" ] "DO" or "DI", anything without digits, and a number to the end, or else 0. Of a
+// station: digits "-" area digits, and anything after that; digits of other scripts count as digits that are
+// no number.
 std::string usedByTheGrammar(const QString &tag)
 {
     static const std::regex ofLink("^(FN5DO|DI|DO)[^0-9]*([0-9]*)([\\s\\S]*)$", std::regex::icase);
@@ -157,8 +159,8 @@ std::string shown(const QString &text)
 TEST(EveryAddressText, UpToFourCharacters)
 {
     const PartOfAll part(4);
-    const auto meaningful =
-        characters("FfNnHhRrDdIiOoSwZz0156789.-_ @[`{", {0x00, 0x2F, 0x3A, 0xC4, 0xFF, 0x0130, 0x0663, 0x20AC});
+    const auto meaningful = characters("FfNnHhRrDdIiOoSwZz0156789.-_ @[`{",
+                                       {0x00, 0x2F, 0x3A, 0xC4, 0xFF, 0x0130, 0x0663, 0x20AC});
     int texts = 0;
     forEveryText(meaningful, 4, part, [&texts](const QString &text) {
         ++texts;

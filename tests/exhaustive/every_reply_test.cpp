@@ -20,27 +20,19 @@ struct Request {
     bool isWrite;
 };
 
-// The shortest, a middle and the longest request of each function; those of functions 5 and 6 are all of one length.
-const Request Requests[] = {{1, SecondBitItem, "DO1", 1, 4, false},
-                            {1, SecondBitItem, "DO1", 1000, 128, false},
-                            {1, SecondBitItem, "DO1", 2008, 254, false},
-                            {2, SecondBitItem, "DI1", 1, 4, false},
-                            {2, SecondBitItem, "DI1", 1000, 128, false},
-                            {2, SecondBitItem, "DI1", 2008, 254, false},
-                            {3, BlockItem, "HR1", 2, 5, false},
-                            {3, BlockItem, "HR1", 126, 129, false},
-                            {3, BlockItem, "HR1", 250, 253, false},
-                            {4, BlockItem, "IR1", 2, 5, false},
-                            {4, BlockItem, "IR1", 126, 129, false},
-                            {4, BlockItem, "IR1", 250, 253, false},
-                            {5, SecondBitItem, "FN5DO1", 1, 6, true},
-                            {6, BlockItem, "FN6HR1", 2, 6, true},
-                            {15, SecondBitItem, "DO1", 1, 6, true},
-                            {15, SecondBitItem, "DO1", 1000, 6, true},
-                            {15, SecondBitItem, "DO1", 1976, 6, true},
-                            {16, BlockItem, "HR1", 2, 6, true},
-                            {16, BlockItem, "HR1", 124, 6, true},
-                            {16, BlockItem, "HR1", 246, 6, true}};
+// The shortest, a middle and the longest request of each function; those of functions 5 and 6 are all of one
+// length.
+const Request Requests[] = {
+    {1, SecondBitItem, "DO1", 1, 4, false},      {1, SecondBitItem, "DO1", 1000, 128, false},
+    {1, SecondBitItem, "DO1", 2008, 254, false}, {2, SecondBitItem, "DI1", 1, 4, false},
+    {2, SecondBitItem, "DI1", 1000, 128, false}, {2, SecondBitItem, "DI1", 2008, 254, false},
+    {3, BlockItem, "HR1", 2, 5, false},          {3, BlockItem, "HR1", 126, 129, false},
+    {3, BlockItem, "HR1", 250, 253, false},      {4, BlockItem, "IR1", 2, 5, false},
+    {4, BlockItem, "IR1", 126, 129, false},      {4, BlockItem, "IR1", 250, 253, false},
+    {5, SecondBitItem, "FN5DO1", 1, 6, true},    {6, BlockItem, "FN6HR1", 2, 6, true},
+    {15, SecondBitItem, "DO1", 1, 6, true},      {15, SecondBitItem, "DO1", 1000, 6, true},
+    {15, SecondBitItem, "DO1", 1976, 6, true},   {16, BlockItem, "HR1", 2, 6, true},
+    {16, BlockItem, "HR1", 124, 6, true},        {16, BlockItem, "HR1", 246, 6, true}};
 
 const int RequestCount = static_cast<int>(sizeof Requests / sizeof *Requests);
 
@@ -181,7 +173,8 @@ TEST_F(EveryReply, EveryStationFunctionAndByteCount)
         Frame reply = goodReply(request);
         for (int station = 0; station < 256; ++station)
             for (int function = 0; function < 256; ++function) {
-                // The station of the channel with each function, and each station now and then, is in every part.
+                // The station of the channel with each function, and each station now and then, is in every
+                // part.
                 const bool isNear = station == 1 && (function & 0x7F) == request.function;
                 if (!isNear && !part.has(static_cast<quint32>(function + 7 * station)))
                     continue;

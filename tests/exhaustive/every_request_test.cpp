@@ -100,16 +100,18 @@ private:
         return next;
     }
 
-    static std::string name(const char *transfer, const ExpectedArea &area, const ExpectedKind &kind, int offset,
-                            int count)
+    static std::string name(const char *transfer, const ExpectedArea &area, const ExpectedKind &kind,
+                            int offset, int count)
     {
-        return std::string(transfer) + " " + std::to_string(count) + " of kind " + std::to_string(kind.dataType) +
-               " at " + area.name + std::to_string(offset + 1);
+        return std::string(transfer) + " " + std::to_string(count) + " of kind " +
+               std::to_string(kind.dataType) + " at " + area.name + std::to_string(offset + 1);
     }
 
-    void compare(const char *transfer, const ExpectedArea &area, const ExpectedKind &kind, int offset, int count)
+    void compare(const char *transfer, const ExpectedArea &area, const ExpectedKind &kind, int offset,
+                 int count)
     {
-        const std::string error = driver.hasError() ? driver.getLastError().toLatin1().constData() : std::string();
+        const std::string error =
+            driver.hasError() ? driver.getLastError().toLatin1().constData() : std::string();
         ASSERT_EQ(error, expected.error) << name(transfer, area, kind, offset, count);
         ASSERT_EQ(channel.sentCount(), static_cast<int>(expected.frames.size()))
             << name(transfer, area, kind, offset, count);
@@ -158,7 +160,8 @@ TEST_F(EveryRequest, EveryOffsetWithCountsThatMatter)
         const int limit = limitOf(area, kind, isWrite);
         std::vector<int> counts = {-2, -1, 0, 1, 2, 3, 7, 8, 9, 15, 16, 17};
         if (!isOneByOne(isWrite, area))
-            counts.insert(counts.end(), {limit - 32, limit - 31, limit - 2, limit - 1, limit, limit + 1, limit + 2});
+            counts.insert(counts.end(),
+                          {limit - 32, limit - 31, limit - 2, limit - 1, limit, limit + 1, limit + 2});
         for (int offset = 0; offset < EndOfArea; ++offset)
             for (size_t i = 0; hasBlock(offset) && i < counts.size(); ++i)
                 ASSERT_NO_FATAL_FAILURE(check(isWrite, area, kind, offset, counts[i]));

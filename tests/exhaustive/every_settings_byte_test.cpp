@@ -1,5 +1,5 @@
-// A good stream of settings with each byte in turn replaced by each value, and cut anywhere: what comes of it is what Qt's
-// own readers make of the fields one by one.
+// A good stream of settings with each byte in turn replaced by each value, and cut anywhere: what comes of it
+// is what Qt's own readers make of the fields one by one.
 
 #include "drivers/device_setting.h"
 #include "drivers/driver_setting.h"
@@ -25,16 +25,16 @@ struct Outcome {
 
 bool operator==(const Outcome &a, const Outcome &b)
 {
-    return a.numbers == b.numbers && a.text == b.text && a.text.isNull() == b.text.isNull() && a.sockets == b.sockets &&
-           a.status == b.status && a.position == b.position;
+    return a.numbers == b.numbers && a.text == b.text && a.text.isNull() == b.text.isNull() &&
+           a.sockets == b.sockets && a.status == b.status && a.position == b.position;
 }
 
 DeviceSetting someSetting()
 {
     DeviceSetting setting(DefaultDeviceType, QLatin1String("COM2"), 9600, 8, 0, 2, 5, QString());
     setting.linkId = -2;
-    setting.sockets << Socket(QString::fromUtf8("a\xC3\xA4\xE2\x82\xAC"), quint16(502)) << Socket(QString(), quint16(65535))
-                    << Socket(QLatin1String("10.0.0.1"), quint16(1));
+    setting.sockets << Socket(QString::fromUtf8("a\xC3\xA4\xE2\x82\xAC"), quint16(502))
+                    << Socket(QString(), quint16(65535)) << Socket(QLatin1String("10.0.0.1"), quint16(1));
     setting.currentIpIndex = 2;
     return setting;
 }
@@ -100,8 +100,8 @@ Outcome timingByTheRecord(QDataStream &stream)
 {
     DriverSetting setting = someTiming();
     stream >> setting;
-    return {QList<qint32>() << setting.timeout << setting.retry << setting.stationId << setting.delay, QString(),
-            QList<Socket>(), 0, 0};
+    return {QList<qint32>() << setting.timeout << setting.retry << setting.stationId << setting.delay,
+            QString(), QList<Socket>(), 0, 0};
 }
 
 Outcome timingByTheFields(QDataStream &stream)

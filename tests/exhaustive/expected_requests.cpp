@@ -6,12 +6,10 @@
 const ExpectedArea ExpectedAreas[6] = {{"HR", 3, false, 16}, {"FN6HR", 3, false, 6}, {"IR", 4, false, 0},
                                        {"DO", 1, true, 15},  {"FN5DO", 1, true, 5},  {"DI", 2, true, 0}};
 
-const ExpectedKind ExpectedKinds[6] = {{0, "bit", "bit(s)", "bit"},
-                                       {1, "byte", "byte(s)", "byte"},
-                                       {2, "word", "word(s)", "word"},
-                                       {3, "double word", "dword(s)", "dword"},
-                                       {5, "byte", nullptr, nullptr},
-                                       {6, "bit", nullptr, nullptr}};
+const ExpectedKind ExpectedKinds[6] = {
+    {0, "bit", "bit(s)", "bit"},    {1, "byte", "byte(s)", "byte"},
+    {2, "word", "word(s)", "word"}, {3, "double word", "dword(s)", "dword"},
+    {5, "byte", nullptr, nullptr},  {6, "bit", nullptr, nullptr}};
 
 namespace
 {
@@ -50,8 +48,8 @@ std::string details(const char *transfer, const char *items, const char *directi
 {
     if (items == nullptr)
         return std::string();
-    return std::string(" (") + transfer + " " + std::to_string(count) + " " + items + " " + direction + " 1-" + place +
-           ")";
+    return std::string(" (") + transfer + " " + std::to_string(count) + " " + items + " " + direction +
+           " 1-" + place + ")";
 }
 
 Frame &addFrame(ExpectedRequests &expected, int function, int first)
@@ -78,8 +76,8 @@ void addRead(ExpectedRequests &expected, int function, int offset, int quantity)
     closeFrame(frame, 6);
 }
 
-void addWriteOfMany(ExpectedRequests &expected, int function, int offset, int quantity, const unsigned char *bytes,
-                    int size)
+void addWriteOfMany(ExpectedRequests &expected, int function, int offset, int quantity,
+                    const unsigned char *bytes, int size)
 {
     Frame &frame = addFrame(expected, function, offset);
     putQuantity(frame, quantity);
@@ -88,7 +86,8 @@ void addWriteOfMany(ExpectedRequests &expected, int function, int offset, int qu
     closeFrame(frame, 7 + size);
 }
 
-void addWriteOfOne(ExpectedRequests &expected, int function, int offset, unsigned char high, unsigned char low)
+void addWriteOfOne(ExpectedRequests &expected, int function, int offset, unsigned char high,
+                   unsigned char low)
 {
     Frame &frame = addFrame(expected, function, offset);
     frame.bytes[4] = high;
@@ -96,7 +95,8 @@ void addWriteOfOne(ExpectedRequests &expected, int function, int offset, unsigne
     closeFrame(frame, 6);
 }
 
-// The registers, high byte first, into which the first items of the data go; what is left of the last one is 0.
+// The registers, high byte first, into which the first items of the data go; what is left of the last one is
+// 0.
 void layOut(const ExpectedKind &kind, int count, const QByteArray &data, unsigned char *registers)
 {
     std::memset(registers, 0, 2 * static_cast<size_t>(registersOf(kind, count)));
@@ -203,7 +203,8 @@ int limitOf(const ExpectedArea &area, const ExpectedKind &kind, bool isWrite)
     return kind.dataType == 3 ? registers / 2 : registers * itemsOfARegister(kind);
 }
 
-void expectRead(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count, ExpectedRequests &expected)
+void expectRead(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count,
+                ExpectedRequests &expected)
 {
     start(expected);
     const std::string place = placeOf(area.name, offset);
@@ -218,12 +219,13 @@ void expectRead(const ExpectedArea &area, const ExpectedKind &kind, int offset, 
     if (isOfBitArea)
         expected.error = "can't read " + std::to_string(count) + " bits from " + place;
     else
-        expected.error = std::string("can't read any ") + (isOfBits(kind) ? "word" : kind.item) + " from " + place;
+        expected.error =
+            std::string("can't read any ") + (isOfBits(kind) ? "word" : kind.item) + " from " + place;
     expected.error += details("read", kind.readDetails, "from", count, place);
 }
 
-void expectWrite(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count, const QByteArray &data,
-                 ExpectedRequests &expected)
+void expectWrite(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count,
+                 const QByteArray &data, ExpectedRequests &expected)
 {
     start(expected);
     const std::string place = placeOf(area.name, offset);

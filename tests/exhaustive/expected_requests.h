@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-/// What a command to station 1 has to come to when the slave serves everything and all its items are 0, worked
-/// out from the protocol ("MODBUS Application Protocol V1.1b3", 6) and the limits, without any of the driver's
-/// code. Byte reads of bit areas are not among them, since they depend on the project.
+/// What a command to station 1 has to come to when the slave serves everything and all its items are 0,
+/// worked out from the protocol ("MODBUS Application Protocol V1.1b3", 6) and the limits, without any of the
+/// driver's code. Byte reads of bit areas are not among them, since they depend on the project.
 struct ExpectedRequests {
     /// Empty when the command is carried out.
     std::string error;
@@ -45,8 +45,9 @@ int limitOf(const ExpectedArea &area, const ExpectedKind &kind, bool isWrite);
 
 /// Fills \a expected, whose memory is used again.
 /// @{
-void expectRead(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count, ExpectedRequests &expected);
+void expectRead(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count,
+                ExpectedRequests &expected);
 /// \a data has as many bytes as any command takes.
-void expectWrite(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count, const QByteArray &data,
-                 ExpectedRequests &expected);
+void expectWrite(const ExpectedArea &area, const ExpectedKind &kind, int offset, int count,
+                 const QByteArray &data, ExpectedRequests &expected);
 /// @}

@@ -3,7 +3,7 @@
 # on the installed channel and runs it.
 #   build_example.sh find_package|pkg_config BUILD EXAMPLE MOC
 #   build_example.sh page BUILD PAGE MOC     the driver that the page makes
-# The environment has CMAKE, CXX and CXXFLAGS.
+# The environment has CMAKE, CXX and CXXFLAGS, and the least standard of C++ for drivers, STANDARD.
 set -euo pipefail
 
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -42,17 +42,17 @@ pkg_config() {
 
     compile_headers_alone "${cflags[@]}"
     "$moc" "${includes[@]}" "$example/line_driver.h" -o "$scratch/moc_line_driver.cpp"
-    "$CXX" -std=c++11 -fPIC -shared "${hidden[@]}" -I"$example" "${cflags[@]}" "$example"/line_{driver,frame}.cpp \
+    "$CXX" "-std=$STANDARD" -fPIC -shared "${hidden[@]}" -I"$example" "${cflags[@]}" "$example"/line_{driver,frame}.cpp \
         "$scratch/moc_line_driver.cpp" "${libs[@]}" -o "$plugins/libline_driver.so"
     read -ra libs <<<"$(pkg-config --libs driver_kit)"
-    "$CXX" -std=c++11 -fPIC "${cflags[@]}" "$example/line_slave.cpp" "${libs[@]}" -o "$scratch/line_conformance"
+    "$CXX" "-std=$STANDARD" -fPIC "${cflags[@]}" "$example/line_slave.cpp" "${libs[@]}" -o "$scratch/line_conformance"
     ls "$plugins"
     "$scratch/line_conformance" --commands 20000 "$plugins/libline_driver.so"
     test -f "$plugins/libmodbus_rtu_slave_over_tcp.so"
 
     read -ra cflags <<<"${CXXFLAGS:-} $(pkg-config --cflags driver_channel)"
     read -ra libs <<<"$(pkg-config --libs driver_channel)"
-    "$CXX" -std=c++11 -fPIC "${cflags[@]}" "$here/channel_host/channel_host.cpp" "${libs[@]}" -o "$scratch/channel_host"
+    "$CXX" "-std=$STANDARD" -fPIC "${cflags[@]}" "$here/channel_host/channel_host.cpp" "${libs[@]}" -o "$scratch/channel_host"
     "$scratch/channel_host"
 }
 
@@ -61,7 +61,7 @@ compile_headers_alone() {
     count=$(find "$prefix/include" -name '*.h' | wc -l)
     ((count > 0))
     find "$prefix/include" -name '*.h' -print0 |
-        xargs -0 -P "$(nproc)" -I {} "$CXX" -std=c++11 -fPIC -fsyntax-only "$@" -include {} -x c++ /dev/null
+        xargs -0 -P "$(nproc)" -I {} "$CXX" "-std=$STANDARD" -fPIC -fsyntax-only "$@" -include {} -x c++ /dev/null
     echo "$count headers compile from themselves"
 }
 

@@ -1,6 +1,7 @@
 #include "tests/lines/serial_line.h"
 
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <cmath>
 
@@ -64,7 +65,7 @@ int SerialLine::send(const char *bytes, int size, qint64 /*deadline*/)
     m_reply = replyTo(request);
     if (m_reply.isEmpty())
         return size;
-    const double time = m_device.timing.exchange(request.size(), m_reply.size());
+    const double time = m_device.timing.exchange(size, sizeOf(m_reply));
     m_busy += time;
     m_replyAt = m_now + std::llround(time);
     return size;

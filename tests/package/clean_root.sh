@@ -22,7 +22,12 @@ echo "$contents"
 for wanted in /libmodbus_rtu_slave_over_tcp.so /bin/driverhost /man1/driverhost.1 /bash-completion/completions/driverhost; do
   [[ $contents == *"$wanted"* ]] || { echo "not in the package: $wanted" >&2; exit 1; }
 done
-for wanted in libqt5core5a libqt5sql5 libqt5network5 libqt5serialbus5 libqt5sql5-sqlite; do
+if [[ $(sed -n 's/^DRIVER_QT:[^=]*=//p' "$build/CMakeCache.txt") == 6 ]]; then
+  qt_packages=(libqt6core6 libqt6sql6 libqt6network6 libqt6serialbus6 libqt6sql6-sqlite)
+else
+  qt_packages=(libqt5core5a libqt5sql5 libqt5network5 libqt5serialbus5 libqt5sql5-sqlite)
+fi
+for wanted in "${qt_packages[@]}"; do
   [[ $(dpkg-deb --field "$deb" Depends) == *"$wanted"* ]] || { echo "not a dependency: $wanted" >&2; exit 1; }
 done
 

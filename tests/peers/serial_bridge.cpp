@@ -42,8 +42,10 @@ SerialBridge::SerialBridge()
     ::getsockname(listener, reinterpret_cast<sockaddr *>(&address), &size);
     listenPort = ntohs(address.sin_port);
     thread = std::thread([this] {
-        connection = ::accept(listener, nullptr, nullptr);
-        pump();
+        do {
+            ::close(connection);
+            connection = ::accept(listener, nullptr, nullptr);
+        } while (connection >= 0 && pump());
     });
 }
 
@@ -76,15 +78,17 @@ void SerialBridge::openLine()
         name = QString::fromLocal8Bit(::ttyname(farEnd));
 }
 
-void SerialBridge::pump()
+// False when it is to stop; true when the connection is over.
+bool SerialBridge::pump()
 {
     const int on = 1;
     setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     std::array<pollfd, 3> waiting{{{line, POLLIN, 0}, {connection, POLLIN, 0}, {stopPipe[0], POLLIN, 0}}};
     while (::poll(waiting.data(), waiting.size(), -1) > 0 && waiting[2].revents == 0) {
         if (waiting[0].revents != 0 && !copyBytes(line, connection))
-            return;
+            return true;
         if (waiting[1].revents != 0 && !copyBytes(connection, line))
-            return;
+            return true;
     }
+    return false;
 }

@@ -8,7 +8,7 @@
 class SerialBridge
 {
 public:
-    /// Waits for a master to connect to port().
+    /// Waits for masters to connect to port(), one after the other.
     SerialBridge();
     /// Connects to a slave.
     explicit SerialBridge(quint16 slavePort);
@@ -22,7 +22,7 @@ public:
 
 private:
     void openLine();
-    void pump();
+    bool pump();
 
     int line = -1;
     int farEnd = -1;

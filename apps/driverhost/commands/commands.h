@@ -11,6 +11,7 @@ Job prepareWrite(const QStringList &arguments);
 Job prepareWatch(const QStringList &arguments);
 Job prepareTags(const QStringList &arguments);
 Job prepareScan(const QStringList &arguments);
+Job prepareDoctor(const QStringList &arguments);
 Job preparePoints(const QStringList &arguments);
 Job prepareTarget(const QStringList &arguments);
 Job prepareSnapshot(const QStringList &arguments);

@@ -12,6 +12,8 @@ enum ExitCode : int {
     ExceptionReply = 5,
     DatabaseError = 6,   ///< the project database cannot be used, or has no such link or bits
     NotVerified = 7,     ///< what was read back is not what was written
+    Explained = 8,       ///< an examination found what is wrong
+    NotExplained = 9,    ///< an examination found that something is wrong, and not what
     FoundDifferent = 10, ///< what was compared differs, or points overlap
     Interrupted = 130,
     OutputClosed = 141 ///< nobody reads the standard output any more, or its disk is full

@@ -14,16 +14,11 @@
 namespace
 {
 
-qint64 lengthOf(const AreaRange &range)
-{
-    return range.last - range.first + 1;
-}
-
 qint64 lengthOf(const std::vector<AreaRange> &ranges)
 {
     qint64 size = 0;
     for (const AreaRange &range : ranges)
-        size += lengthOf(range);
+        size += range.last - range.first + 1;
     return size;
 }
 
@@ -63,25 +58,21 @@ RangesRead readRanges(Session &session, const std::vector<AreaRange> &ranges)
     Progress progress(QStringLiteral("reading"), lengthOf(ranges));
     InterruptibleRun run(session, [&](const QString &wait) { progress.showNote(wait); });
     RangesRead read;
-    qint64 before = 0;
-    for (const AreaRange &range : ranges) {
-        const std::optional<KeptRange> kept = reading.read(range, [&](int number) {
-            progress.show(before + number - 1 - range.first);
-            return !run.isInterrupted();
-        });
-        if (run.isInterrupted()) {
-            reportError(QStringLiteral("interrupted"));
-            read.code = Interrupted;
-            return read;
-        }
-        if (!kept) {
-            reportFailure(session, reading.lastItems().label(0));
-            read.code = exitCodeOf(session.failure());
-            return read;
-        }
-        before += lengthOf(range);
-        read.ranges.push_back(*kept);
+    std::optional<std::vector<KeptRange>> kept = reading.read(ranges, [&](int done) {
+        progress.show(done);
+        return !run.isInterrupted();
+    });
+    if (run.isInterrupted()) {
+        reportError(QStringLiteral("interrupted"));
+        read.code = Interrupted;
+        return read;
     }
+    if (!kept) {
+        reportFailure(session, reading.lastItems().label(0));
+        read.code = exitCodeOf(session.failure());
+        return read;
+    }
+    read.ranges = std::move(*kept);
     read.limits = reading.limits();
     return read;
 }

@@ -1,6 +1,7 @@
 #include "apps/driverhost/runs/write_request.h"
 
 #include "desk/items/number_text.h"
+#include "drivers/qt/qt_lines.h"
 
 namespace
 {
@@ -54,7 +55,7 @@ private:
 
     void readValues(const QString &where, const QStringList &texts)
     {
-        const Result<Point> point = pointOf(where, texts.size());
+        const Result<Point> point = pointOf(where, sizeOf(texts));
         if (!point)
             return fail(point.errorText());
         const QString problem = problemWith(point->at.items);

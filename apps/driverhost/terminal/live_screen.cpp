@@ -2,6 +2,7 @@
 
 #include "apps/driverhost/terminal/terminal.h"
 #include "apps/driverhost/terminal/terminal_keys.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -55,8 +56,8 @@ bool LiveScreen::show(const Page &page)
 // The cursor stands on the last line.
 QStringList LiveScreen::window(const Page &page)
 {
-    const int rows = page.rows.size();
-    const int max = std::max(m_height - 1 - page.head.size() - page.foot.size(), 1);
+    const int rows = sizeOf(page.rows);
+    const int max = std::max(m_height - 1 - sizeOf(page.head) - sizeOf(page.foot), 1);
     m_rowsShown = rows > max ? std::max(max - 1, 1) : rows;
     m_firstRow = std::clamp(m_firstRow, 0, rows - m_rowsShown);
     QStringList lines = page.head + page.rows.mid(m_firstRow, m_rowsShown);
@@ -77,7 +78,7 @@ bool LiveScreen::isOutdated()
 
 void LiveScreen::takeKey(const QByteArray &key)
 {
-    const int last = m_page.rows.size() - m_rowsShown;
+    const int last = sizeOf(m_page.rows) - m_rowsShown;
     if (key == "\x1b[B" || key == "j")
         ++m_firstRow;
     else if (key == "\x1b[A" || key == "k")

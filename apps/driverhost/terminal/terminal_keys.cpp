@@ -1,5 +1,7 @@
 #include "apps/driverhost/terminal/terminal_keys.h"
 
+#include "drivers/qt/qt_lines.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -52,7 +54,7 @@ int sizeOfKey(const QByteArray &bytes)
         if (bytes.at(i) >= '@' && bytes.at(i) <= '~')
             return i + 1;
     }
-    return bytes.size();
+    return sizeOf(bytes);
 }
 
 } // namespace

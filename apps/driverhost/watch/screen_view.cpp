@@ -6,6 +6,7 @@
 #include "apps/driverhost/watch/watch_table.h"
 #include "desk/output/summary.h"
 #include "desk/time_text.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <QElapsedTimer>
 
@@ -73,7 +74,7 @@ private:
     QStringList foot() const
     {
         QStringList lines = m_table.errors();
-        const int others = lines.size() - MaxErrors;
+        const int others = sizeOf(lines) - MaxErrors;
         if (others > 0)
             lines = lines.mid(0, MaxErrors) << QStringLiteral("(%1 more)").arg(others);
         if (m_log != nullptr && !m_log->trouble().isEmpty())

@@ -1,6 +1,7 @@
 #include "apps/driverhost/watch/watch_table.h"
 
 #include "desk/output/table.h"
+#include "drivers/qt/qt_lines.h"
 
 #include <algorithm>
 
@@ -19,7 +20,7 @@ int longestOf(const QStringList &lines)
 {
     int longest = 0;
     for (const QString &line : lines)
-        longest = std::max(longest, line.size());
+        longest = std::max(longest, sizeOf(line));
     return longest;
 }
 

@@ -1,6 +1,7 @@
 #include "desk/link/tcp_channel.h"
 
 #include "desk/slave/slave_thread.h"
+#include "drivers/qt/qt_lines.h"
 #include "tests/peers/tcp_peer.h"
 #include "tests/peers/text_printing.h"
 #include "tests/peers/waiting.h"
@@ -38,7 +39,7 @@ QByteArray read(TcpChannel &channel, int count)
 
 int write(TcpChannel &channel, const QByteArray &bytes)
 {
-    return channel.writeData(bytes.constData(), bytes.size());
+    return channel.writeData(bytes.constData(), sizeOf(bytes));
 }
 
 } // namespace

@@ -149,7 +149,7 @@ TEST_F(ProjectWhyTablesTest, ShowsRowsThatDoNotFit)
 {
     run({"UPDATE LINK SET HMIPORT = '2000'", "INSERT INTO LINK VALUES (2, NULL)"});
     const QStringList steps = comparedReport("LINK").steps;
-    const int line = steps.indexOf(QStringLiteral("table LINK: 2 rows, 0 of them with HMIPORT = 2000"));
+    const auto line = steps.indexOf(QStringLiteral("table LINK: 2 rows, 0 of them with HMIPORT = 2000"));
     ASSERT_GE(line, 0) << steps.join(QLatin1Char('\n')).toStdString();
     EXPECT_EQ(steps.value(line + 1), QStringLiteral("  LINKID 1, HMIPORT '2000'"));
     EXPECT_EQ(steps.value(line + 2), QStringLiteral("  LINKID 2, HMIPORT NULL"));

@@ -1,4 +1,5 @@
 #include "desk/wire/rtu_frame.h"
+#include "drivers/qt/qt_lines.h"
 #include "tests/peers/raw_master.h"
 #include "tests/peers/running_slave.h"
 #include "tests/peers/text_printing.h"
@@ -73,7 +74,7 @@ TEST(SlaveConnection, SendsABannerOnEveryConnection)
     RunningSlave slave(options);
     for (int i = 0; i < 2; ++i) {
         RawMaster master(slave.port());
-        EXPECT_EQ(options.gateway.banner, master.receive(options.gateway.banner.size()));
+        EXPECT_EQ(options.gateway.banner, master.receive(sizeOf(options.gateway.banner)));
         EXPECT_EQ("0103020000", master.ask("010300010001"));
     }
 }

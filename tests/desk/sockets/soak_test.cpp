@@ -1,4 +1,5 @@
 #include "desk/slave/slave_thread.h"
+#include "drivers/qt/qt_lines.h"
 #include "tests/peers/driver_link.h"
 #include "tests/peers/text_printing.h"
 #include "tests/peers/waiting.h"
@@ -48,7 +49,7 @@ qint64 residentBytes()
 
 int openFiles()
 {
-    return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size();
+    return sizeOf(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files));
 }
 
 // What a fault leads to. "" is success.

@@ -1,4 +1,5 @@
 #include "desk/wire/trace.h"
+#include "tests/driverhost/interop/pymodbus_slave.h"
 #include "tests/driverhost/support/host_program.h"
 #include "tests/peers/dissector.h"
 #include "tests/peers/driver_link.h"
@@ -7,43 +8,12 @@
 
 #include <gtest/gtest.h>
 
-#include <QProcess>
 #include <QSet>
 
 // The driver against a slave that nobody here wrote, and its frames before a judge that nobody here wrote.
 
 namespace
 {
-
-const char Python[] = "/usr/bin/python3";
-
-// pymodbus in the distribution's Python.
-class PymodbusSlave
-{
-public:
-    PymodbusSlave()
-    {
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(Python, {sourceFile("tests/driverhost/interop/pymodbus_slave.py")});
-        while (!process.canReadLine() && process.waitForReadyRead(60000))
-            continue;
-        slavePort = process.readLine().trimmed().toUShort();
-    }
-
-    ~PymodbusSlave()
-    {
-        process.closeWriteChannel();
-        if (!process.waitForFinished(10000))
-            process.kill();
-        process.waitForFinished(10000);
-    }
-
-    quint16 port() const { return slavePort; }
-
-private:
-    QProcess process;
-    quint16 slavePort = 0;
-};
 
 class Interop : public testing::Test
 {
@@ -58,7 +28,7 @@ protected:
     void SetUp() override
     {
         ASSERT_NE(0, slave->port())
-            << "wants python3-pymodbus, python3-serial and python3-serial-asyncio for " << Python;
+            << "wants python3-pymodbus, python3-serial and python3-serial-asyncio for " << PymodbusPython;
         ASSERT_TRUE(layProjectBesideProgram(exerciseTags()));
         link = std::make_unique<DriverLink>(channelTo(slave->port(), 10000));
         link->channel().setObserver([this](ChannelEvent event, const QByteArray &bytes) {

@@ -1,4 +1,4 @@
-#include "tests/driverhost/interop/libmodbus_peer.h"
+#include "tests/driverhost/interop/libmodbus_slave.h"
 #include "tests/driverhost/support/host_program.h"
 #include "tests/peers/serial_bridge.h"
 

@@ -1,5 +1,7 @@
 #!/usr/bin/python3
-"""A slave made of pymodbus: RTU framing on its TCP server, stations 1 and 2.
+"""A slave made of pymodbus: a TCP server with stations 1 and 2.
+
+Usage: pymodbus_slave.py [rtu|socket]: RTU framing, which is the default, or Modbus/TCP.
 
 Prints its port on the first line and ends when its standard input does. Wants the distribution's python3-pymodbus,
 python3-serial and python3-serial-asyncio.
@@ -11,9 +13,11 @@ import sys
 
 from pymodbus.datastore import ModbusSequentialDataBlock, ModbusServerContext, ModbusSlaveContext
 from pymodbus.framer.rtu_framer import ModbusRtuFramer
+from pymodbus.framer.socket_framer import ModbusSocketFramer
 from pymodbus.server.async_io import ModbusTcpServer
 
 ADDRESSES = 65536
+FRAMERS = {"rtu": ModbusRtuFramer, "socket": ModbusSocketFramer}
 
 
 def block(value_at):
@@ -39,12 +43,12 @@ async def end_of_input():
     await reader.read()
 
 
-async def serve():
+async def serve(framing):
     """Serves until the input ends."""
     context = ModbusServerContext(slaves={number: station(number) for number in (1, 2)}, single=False)
     server = ModbusTcpServer(
         context,
-        framer=ModbusRtuFramer,
+        framer=FRAMERS[framing],
         address=("127.0.0.1", 0),
         broadcast_enable=True,
         ignore_missing_slaves=True,
@@ -59,4 +63,4 @@ async def serve():
 if __name__ == "__main__":
     # It reports every connection that ends as an error.
     logging.disable(logging.ERROR)
-    asyncio.run(serve())
+    asyncio.run(serve(sys.argv[1] if len(sys.argv) > 1 else "rtu"))

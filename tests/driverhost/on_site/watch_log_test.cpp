@@ -1,3 +1,4 @@
+#include "drivers/qt/qt_lines.h"
 #include "tests/driverhost/support/pty_program.h"
 #include "tests/driverhost/support/slave_test.h"
 
@@ -188,7 +189,7 @@ TEST_F(WatchLogTest, RotatesBySize)
         const QStringList kept = lines(folder.filePath(file));
         EXPECT_LE(contents(folder.filePath(file)).size(), 1024);
         EXPECT_TRUE(kept.value(0).startsWith("time,station,")) << file.toStdString();
-        rows += kept.size() - 1;
+        rows += sizeOf(kept) - 1;
     }
     EXPECT_EQ(rows, 40);
     EXPECT_TRUE(
@@ -222,7 +223,7 @@ TEST_F(WatchLogTest, SurvivesAFullDisk)
     ASSERT_TRUE(waitUntil([&] { return watch.errors().contains("nothing is kept until that is over"); }))
         << watch.errors().toStdString();
     EXPECT_TRUE(watch.errors().contains(path() + ": "));
-    const int size = contents(path()).size();
+    const auto size = contents(path()).size();
     EXPECT_TRUE(contents(path()).endsWith('\n'));
     const quint64 before = slave.counts().requests;
     ASSERT_TRUE(waitUntil([&] { return slave.counts().requests > before + 5; })) << "the watch goes on";
@@ -253,7 +254,7 @@ TEST_F(WatchLogTest, OfAKilledProgramHasWholeLinesOnly)
 {
     for (int run = 0; run < 20; ++run) {
         RunningWatch watch(watchWords("HR1 --items 50 --interval 0"));
-        const int before = lines(path()).size();
+        const auto before = lines(path()).size();
         ASSERT_TRUE(waitUntil([&] { return lines(path()).size() > before + 100; }));
         ::kill(watch.reader(), SIGKILL);
         watch.process().waitForFinished(Patience);

@@ -242,3 +242,15 @@ TEST(WatchedValue, DrawsItsCourseBetweenItsOwnLimits)
         value.add(wordRow(1), 0);
     EXPECT_EQ(value.sparkline(true), QString(24, QChar(u'▁')));
 }
+
+TEST_F(WatchTest, SaysWhenADeadStationIsAskedAgain)
+{
+    setHoldingRegister(0, 11);
+    PtyProgram program(arguments(QStringLiteral("HR1 7-HR1 --timeout 40 --retries 0 --interval 0.05")));
+    EXPECT_TRUE(program.waitForScreen([](const Screen &screen) {
+        return shows(screen, QStringLiteral("HR1"), QStringLiteral(" 11 ")) &&
+               screen.text().contains(QStringLiteral("7-HR1: PLC no response before; asked again in 4 s"));
+    }));
+    program.type("\x03");
+    EXPECT_EQ(program.waitForEnd(), 0);
+}
