@@ -21,6 +21,7 @@ struct ValueRow {
     QString address; ///< as people write it
     int offset = -1; ///< zero-based, on the wire; -1 when not known
     QString kind;    ///< "word", or a type such as "f32"
+    QString type;    ///< the same for people, with an order that is not the default, "f32@ABCD"
     QString unit;
     PointValue value; ///< empty when there is a failure
     std::optional<RowFailure> failure;

@@ -29,8 +29,11 @@ int longestOf(const QStringList &lines)
 WatchTable::WatchTable(const std::vector<Reading> &readings, qint64 lifetime)
     : m_readings(readings), m_states(readings.size())
 {
-    for (size_t i = 0; i < readings.size(); ++i)
+    for (size_t i = 0; i < readings.size(); ++i) {
         m_states[i].values.resize(readings[i].shown.size(), WatchedValue(lifetime));
+        for (const Reading::Shown &shown : readings[i].shown)
+            m_hasNames = m_hasNames || !shown.point->name.isEmpty();
+    }
 }
 
 void WatchTable::add(size_t reading, const std::vector<ValueRow> &rows, qint64 now)
@@ -60,8 +63,9 @@ void WatchTable::addFailure(size_t reading, const std::vector<ValueRow> &rows, c
 
 QStringList WatchTable::lines(qint64 now, int width, bool isUnicode) const
 {
-    Table table({QStringLiteral("address"), QStringLiteral("value"), QString(), QStringLiteral("reply ms"),
-                 QStringLiteral("total ms"), QStringLiteral("attempts"), QStringLiteral("errors"), QString()},
+    Table table({m_hasNames ? QStringLiteral("name") : QStringLiteral("address"), QStringLiteral("value"),
+                 QString(), QStringLiteral("reply ms"), QStringLiteral("total ms"),
+                 QStringLiteral("attempts"), QStringLiteral("errors"), QString()},
                 {1, 3, 4, 5, 6});
     QStringList courses{QStringLiteral("course")};
     for (size_t i = 0; i < m_states.size(); ++i) {

@@ -37,4 +37,5 @@ private:
 
     const std::vector<Reading> &m_readings;
     std::vector<State> m_states;
+    bool m_hasNames = false;
 };

@@ -3,13 +3,11 @@
 #include "desk/wire/protocol.h"
 #include "tests/peers/exercise.h"
 
-#include <QString>
-
 #include <atomic>
 #include <modbus/modbus.h>
 #include <thread>
 
-/// A slave of libmodbus as station 1 at a serial line, in a thread of its own.
+/// A slave of libmodbus, which speaks RTU on serial lines only. Its inputs hold what the exercise wants.
 class LibmodbusSlave
 {
 public:
