@@ -131,7 +131,7 @@ const std::vector<FindingInfo> &findingInfos()
          "The list counts otherwise than the driver, which counts from 1: shift all its addresses."},
         {Kind::WordOrder, "word-order", Weight::Explains,
          "The expected values are there when their bytes are put together in another order.",
-         "Name the order, as @ABCD after the address or in the column order."},
+         "Name the order, as in HR100:u32@ABCD or in the column order."},
         {Kind::OtherArea, "other-area", Weight::Explains,
          "The expected values stand at the same addresses of another area.", "Use the letters of that area."},
         {Kind::Scaled, "scaled", Weight::Explains, "The expected values are there but for one factor of ten.",

@@ -1,5 +1,6 @@
 #include "tests/driverhost/interop/libmodbus_slave.h"
 #include "tests/driverhost/support/doctor_process.h"
+#include "tests/peers/exercise.h"
 #include "tests/peers/serial_bridge.h"
 
 #include <gtest/gtest.h>
