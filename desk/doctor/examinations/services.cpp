@@ -97,8 +97,8 @@ bool isText(const QByteArray &bytes)
     const auto readable = std::count_if(bytes.begin(), bytes.end(), isReadable);
     const int fewest = 4;
     const int mostOthers = 10; // a tenth
-    return isTelnet(bytes) || (bytes.size() >= fewest && (bytes.contains('\n') || bytes.contains('\r')) &&
-                               (bytes.size() - readable) * mostOthers <= bytes.size());
+    return (bytes.size() >= fewest && (bytes.contains('\n') || bytes.contains('\r')) &&
+            (bytes.size() - readable) * mostOthers <= bytes.size());
 }
 
 struct Probe {
@@ -134,7 +134,9 @@ Recognised recognised(const Observations &seen)
 {
     for (const Service &service : Services) {
         for (const Stray &stray : seen.strays) {
-            if (service.isMeant(stray.bytes))
+            const bool isGreeting =
+                service.kind == FindingKind::TextBanner && stray.isFirst && isTelnet(stray.bytes);
+            if (isGreeting || service.isMeant(stray.bytes))
                 return {&service, evidenceOf(std::vector<Stray>{stray})};
         }
         for (const Asked &asked : seen.asked) {

@@ -27,6 +27,11 @@ qint64 Examiner::longWait() const
     return std::clamp<qint64>(qint64(2) * m_options.exchange.timeout * Millisecond, 6 * Second, 8 * Second);
 }
 
+qint64 Examiner::patientWait() const
+{
+    return std::clamp(m_options.longestTime - now(), usualWait(), longWait());
+}
+
 qint64 Examiner::usualWait() const
 {
     qint64 longest = 0;

@@ -79,11 +79,28 @@ bool Observations::hasFrames() const
     });
 }
 
+// The same bytes come unasked, or in place of replies to different requests.
+bool Observations::isPacket(const QByteArray &bytes) const
+{
+    const QByteArray *request = nullptr;
+    for (const Stray &stray : strays) {
+        if (stray.bytes != bytes || stray.kind != SkippedPart::Noise)
+            continue;
+        if (stray.asked < 0)
+            return true;
+        const QByteArray &itsRequest = asked[static_cast<size_t>(stray.asked)].request;
+        if (request != nullptr && *request != itsRequest)
+            return true;
+        request = &itsRequest;
+    }
+    return false;
+}
+
 bool Observations::isSpoilt(const Asked &one) const
 {
     QByteArray received = one.received();
     for (const Stray &stray : strays) {
-        if (stray.asked < 0)
+        if (isPacket(stray.bytes))
             received.replace(stray.bytes, QByteArray());
     }
     // Less is a packet of the gateway's own rather than what is left of a reply.

@@ -116,6 +116,8 @@ struct Observations {
     const Asked *firstRead() const;
     /// Whether any frame came that answers a request of RTU.
     bool hasFrames() const;
+    /// Whether the bytes are none of a reply, however damaged.
+    bool isPacket(const QByteArray &bytes) const;
     /// Whether a reply came whose bytes are not what was sent. What also comes when nothing is asked is none.
     bool isSpoilt(const Asked &one) const;
     /// Whether the noise is what is left of a spoilt reply.
