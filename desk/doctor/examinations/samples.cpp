@@ -14,7 +14,7 @@ const qint64 Second = 1000000;
 const qint64 Millisecond = 1000;
 const int MostSamples = 40;
 const int MostTries = 6;
-const qint64 LongestSampling = 16 * Second;
+const qint64 LongestSampling = 12 * Second;
 // More registers show better where a reply is damaged.
 const int SampleItems = 8;
 // No serial line makes such a pause within a frame, and no network in order.

@@ -125,7 +125,9 @@ Asked Examiner::ask(Purpose purpose, const QByteArray &request, qint64 wait, qin
             takeReply(asked);
         noteEnd();
     }
-    m_seen.asked.push_back(asked);
+    // Of what was not waited for to the end nothing is known.
+    if (!isCancelled() || asked.isAnswer())
+        m_seen.asked.push_back(asked);
     return asked;
 }
 

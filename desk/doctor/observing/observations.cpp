@@ -72,6 +72,24 @@ const Asked *Observations::firstRead() const
     return found == asked.end() ? nullptr : &*found;
 }
 
+const Asked *Observations::readOf(Area area) const
+{
+    const auto found = std::find_if(asked.begin(), asked.end(), [&](const Asked &one) {
+        return one.function() == readFunction(area) && one.station() == working &&
+               one.result == AskResult::Answered;
+    });
+    return found == asked.end() ? nullptr : &*found;
+}
+
+const Asked *Observations::refusalOf(Area area) const
+{
+    const auto found = std::find_if(asked.rbegin(), asked.rend(), [&](const Asked &one) {
+        return one.function() == readFunction(area) && one.station() == working &&
+               one.result == AskResult::Refused && one.purpose != Purpose::Length;
+    });
+    return found == asked.rend() ? nullptr : &*found;
+}
+
 bool Observations::hasFrames() const
 {
     return std::any_of(asked.begin(), asked.end(), [](const Asked &one) {
