@@ -217,6 +217,11 @@ QString exceptionName(int code)
     }
 }
 
+QString exceptionText(int code)
+{
+    return QStringLiteral("0x") + QString::number(code, 16).toUpper().rightJustified(2, QLatin1Char('0'));
+}
+
 QString describeFrame(FrameRole role, const QByteArray &frame, const QByteArray &request)
 {
     if (frame.size() < 2)

@@ -60,7 +60,7 @@ TEST_F(MessagesTest, NameAnExceptionAndWhatToDo)
         "read TARGET 5-HR10 --retries 0",
         "\n  check: illegal data address: the range touches an address that the slave does not have;");
     expectError("watch TARGET 5-HR10 HR1 --retries 0 --count 2 --interval 0",
-                "\n  2 x exception code:0x02 (read 1 word(s) from 5-HR10)\n"
+                "\n  1 x exception code:0x02 (read 1 word(s) from 5-HR10)\n"
                 "    check: illegal data address: the range touches an address");
     slave.inject(Fault{Fault::Exception, 6}, 1);
     expectError("write TARGET HR1 1 --retries 0",
