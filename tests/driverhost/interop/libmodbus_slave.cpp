@@ -18,7 +18,7 @@ const int Addresses = 65536;
 class LibmodbusSlave
 {
 public:
-    explicit LibmodbusSlave(const QString &device)
+    explicit LibmodbusSlave(const QString &device, int station = 1)
     {
         context = modbus_new_rtu(device.toLocal8Bit().constData(), 115200, 'N', 8, 1);
         mapping = modbus_mapping_new(Addresses, Addresses, Addresses, Addresses);
@@ -26,7 +26,7 @@ public:
             mapping->tab_input_bits[i] = exerciseInput(i) ? 1 : 0;
             mapping->tab_input_registers[i] = static_cast<uint16_t>(exerciseInputRegister(i, 1));
         }
-        modbus_set_slave(context, 1);
+        modbus_set_slave(context, station);
         modbus_set_indication_timeout(context, 0, 50000);
         isConnected = modbus_connect(context) == 0;
         thread = std::thread([this] { serve(); });
@@ -112,6 +112,31 @@ TEST_F(Libmodbus, ReadsAndWritesTypedValues)
     for (const QString &row : read.out.split('\n', Qt::SkipEmptyParts).mid(1))
         values += row.section(',', 4, 4);
     EXPECT_EQ(values, (QStringList{"123456", "123456", "123456", "123456", "1.5", "12345678", "Pump", "-2"}));
+}
+
+// libmodbus takes what comes within half a second of a request to another station for the reply of that.
+TEST(LibmodbusScan, FindsASlaveThatTakesTheNextRequestForAReply)
+{
+    struct Case {
+        const char *options;
+        const char *found;
+        const char *told;
+    };
+    for (const Case &c :
+         {Case{"--passes 1 --after-silence 0 --timeout 50 --delay 0", "", "\n0 stations answered\n"},
+          Case{"--after-silence 0 --timeout 50 --delay 0", "5  answers\n",
+               "\nnothing answered: asking 2 stations once more, with 2000 ms for each reply"},
+          Case{"--passes 1", "5  answers\n", "\n1 station answered\n"}}) {
+        const SerialBridge line;
+        const LibmodbusSlave slave(line.device(), 5);
+        ASSERT_TRUE(slave.isConnected) << modbus_strerror(errno);
+        const HostRun run =
+            runHost(QStringList{"scan", QStringLiteral("rtutcp://127.0.0.1:%1").arg(line.port()), "stations",
+                                "--from", "4", "--to", "5"} +
+                    QString(c.options).split(' '));
+        EXPECT_EQ(run.out, c.found) << c.options << '\n' << run.err.toStdString();
+        EXPECT_TRUE(('\n' + run.err).contains(c.told)) << c.options << '\n' << run.err.toStdString();
+    }
 }
 
 // The line takes one connection in its life.
