@@ -4,8 +4,9 @@
 
 /// Why there is no value.
 struct RowFailure {
-    QString kind; ///< one word for programs
-    QString text; ///< the driver's
+    QString kind;        ///< one word for programs
+    QString text;        ///< the driver's
+    QString advice = {}; ///< what to look at next
 };
 
 /// One value as it was read, or why it could not be.

@@ -16,6 +16,13 @@ QString millisecondsText(qint64 microseconds)
                             : QString::number(static_cast<double>(microseconds) / Millisecond, 'f', 1);
 }
 
+QStringList eachOnce(QStringList texts)
+{
+    texts.removeAll(QString());
+    texts.removeDuplicates();
+    return texts;
+}
+
 int longestOf(const QStringList &lines)
 {
     int longest = 0;
@@ -46,6 +53,7 @@ void WatchTable::add(size_t reading, const std::vector<ValueRow> &rows, qint64 n
         state.attempts = rows[i].attempts;
     }
     state.error.clear();
+    state.advice.clear();
 }
 
 void WatchTable::addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error)
@@ -56,6 +64,7 @@ void WatchTable::addFailure(size_t reading, const std::vector<ValueRow> &rows, c
     for (const ValueRow &row : rows) {
         state.duration = row.duration;
         state.attempts = row.attempts;
+        state.advice = row.failure ? row.failure->advice : QString();
     }
     ++state.errors;
     state.error = error;
@@ -79,7 +88,8 @@ QStringList WatchTable::lines(qint64 now, int width, bool isUnicode) const
     // The newest readings stand at the right, and must not be cut off.
     const int left = longestOf(lines) + 2;
     for (int i = 0; i < lines.size(); ++i) {
-        const QString course = courses.at(i).right(std::max(width - left, 0));
+        const int room = std::max(width - left, 0);
+        const QString course = i == 0 ? courses.at(i).left(room) : courses.at(i).right(room);
         if (!course.isEmpty())
             lines[i] = lines.at(i).leftJustified(left) + course;
         lines[i].truncate(width);
@@ -104,11 +114,17 @@ QStringList WatchTable::cells(const QString &label, const State &state, const Wa
 QStringList WatchTable::errors() const
 {
     QStringList errors;
-    for (const State &state : m_states) {
-        if (!state.error.isEmpty() && !errors.contains(state.error))
-            errors += state.error;
-    }
-    return errors;
+    for (const State &state : m_states)
+        errors += state.error;
+    return eachOnce(errors);
+}
+
+QStringList WatchTable::advices() const
+{
+    QStringList advices;
+    for (const State &state : m_states)
+        advices += state.advice;
+    return eachOnce(advices);
 }
 
 QString WatchTable::legend(bool isUnicode)

@@ -38,6 +38,31 @@ TEST_F(Libmodbus, Refusals)
     EXPECT_EQ(std::vector<int>{exerciseInputRegister(9, 1)}, link->readWords("IR10"));
 }
 
+// libmodbus takes what comes within half a second of a request to another station for the reply of that.
+TEST(LibmodbusScan, FindsASlaveThatTakesTheNextRequestForAReply)
+{
+    struct Case {
+        const char *options;
+        const char *found;
+        const char *told;
+    };
+    for (const Case &c :
+         {Case{"--passes 1 --after-silence 0 --timeout 50 --delay 0", "", "\n0 stations answered\n"},
+          Case{"--after-silence 0 --timeout 50 --delay 0", "5  answers\n",
+               "\nnothing answered: asking 2 stations once more, with 2000 ms for each reply"},
+          Case{"--passes 1", "5  answers\n", "\n1 station answered\n"}}) {
+        const SerialBridge line;
+        const LibmodbusSlave slave(line.device(), 5);
+        ASSERT_TRUE(slave.isConnected) << modbus_strerror(errno);
+        const HostRun run =
+            runHost(QStringList{"scan", QStringLiteral("rtutcp://127.0.0.1:%1").arg(line.port()), "stations",
+                                "--from", "4", "--to", "5"} +
+                    QString(c.options).split(' '));
+        EXPECT_EQ(run.out, c.found) << c.options << '\n' << run.err.toStdString();
+        EXPECT_TRUE(('\n' + run.err).contains(c.told)) << c.options << '\n' << run.err.toStdString();
+    }
+}
+
 // A serial line behind a bridge: nothing is wrong with it, and the command that is suggested reads.
 TEST_F(Libmodbus, IsHealthyToTheDoctor)
 {
