@@ -82,6 +82,7 @@ bool Restoration::write(Session &session, size_t run)
 {
     Run &one = m_runs[run];
     std::vector<QByteArray> values;
+    values.reserve(one.write.values.size());
     for (const quint16 value : one.write.values)
         values.push_back(valueOf(value, one.typed.type.bytes()));
     const bool isWritten = session.write(one.write.items, dataOf(values, one.typed));

@@ -32,6 +32,7 @@ int missingIn(const Snapshot &snapshot)
 std::vector<AreaRange> rangesOf(const Snapshot &snapshot)
 {
     std::vector<AreaRange> ranges;
+    ranges.reserve(snapshot.ranges.size());
     for (const KeptRange &kept : snapshot.ranges)
         ranges.push_back(kept.range);
     return ranges;

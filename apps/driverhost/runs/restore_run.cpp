@@ -174,6 +174,7 @@ QStringList RestoreRun::rowLines() const
     if (m_options.format == OutputFormat::Text)
         return {};
     std::vector<DifferenceRow> rows;
+    rows.reserve(m_differences.size());
     for (const Difference &difference : m_differences)
         rows.push_back({difference, resultOf(difference)});
     QStringList lines = linesOf(rows, true, m_options.format);

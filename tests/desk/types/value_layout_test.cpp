@@ -11,9 +11,9 @@
 namespace
 {
 
-const char *const Types[] = {"u8",    "i8",    "u16",   "i16",   "hex",   "bin",   "bcd16", "u32",
-                             "i32",   "f32",   "hex32", "bin32", "bcd32", "u64",   "i64",   "f64",
-                             "hex64", "bcd64", "str1",  "str2",  "str7",  "str16", "str250"};
+const char *const Types[] = {"u8",    "i8",    "u16",   "i16",   "hex",  "bin",  "bcd16", "u32",   "i32",
+                             "f32",   "hex32", "bin32", "bcd32", "u64",  "i64",  "f64",   "hex64", "bin64",
+                             "bcd64", "hex8",  "bin8",  "str1",  "str2", "str7", "str16", "str250"};
 const char *const Orders[] = {"ABCD", "CDAB", "BADC", "DCBA"};
 const char *const LongOrders[] = {"ABCDEFGH", "GHEFCDAB", "BADCFEHG", "HGFEDCBA"};
 
