@@ -105,8 +105,8 @@ bool Settling::noteFrame(const QByteArray &frame, qint64 now)
     return false;
 }
 
-// An exception is no proof that everything before it has come: several late ones look alike. An echo that comes
-// late shows at least that the station sends them.
+// An exception is no proof that everything before it has come: several late ones look alike. An echo that
+// comes late shows at least that the station sends them.
 bool Settling::noteProbeReply(Station &station, const QByteArray &frame, qint64 now)
 {
     if (isRefusal(frame) && station.habit == Unknown)
