@@ -66,10 +66,13 @@ void LineChannel::giveUpReply()
     for (int i = 0; i < parts.size(); ++i) {
         const QByteArray bytes = m_stream.take(parts.at(i).size);
         m_isEchoing = m_isEchoing || parts.at(i).kind == SkippedPart::RequestCopy;
-        if (isCut || m_finder.mayPassForReply(parts.at(i).kind))
+        if (isCut || m_finder.mayPassForReply(parts.at(i).kind)) {
             skip(parts.at(i), bytes);
-        else
+        } else {
             kept += bytes;
+            if (parts.at(i).kind != SkippedPart::Noise)
+                m_settling.noteFrame(bytes, m_line.now());
+        }
     }
     m_stream.add(kept, m_line.now());
     m_settling.setEchoing(m_isEchoing);

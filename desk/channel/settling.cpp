@@ -97,26 +97,27 @@ void Settling::noteLoss(int station, qint64 now)
 bool Settling::noteFrame(const QByteArray &frame, qint64 now)
 {
     const QMap<int, Station>::iterator known = m_stations.find(byteAt(frame, 0));
-    if (known == m_stations.end() || known->isSettled)
+    if (known == m_stations.end())
         return false;
     if (isProbeReply(frame))
-        return noteProbeReply(*known, frame, now);
+        return !m_isEchoing && noteProbeReply(*known, frame, now);
     known->quietSince = now;
     return false;
 }
 
-// An exception is no proof that everything before it has come: several late ones look alike.
+// An exception is no proof that everything before it has come: several late ones look alike. An echo that
+// comes late shows at least that the station sends them.
 bool Settling::noteProbeReply(Station &station, const QByteArray &frame, qint64 now)
 {
-    if (m_isEchoing)
-        return false;
     if (isRefusal(frame) && station.habit == Unknown)
         station.habit = Refuses;
-    if (frame.size() != modbus::ShortFrameSize || !station.probes.contains(wordAt(frame, 4)))
+    if (frame.size() != modbus::ShortFrameSize)
         return false;
     station.habit = Answers;
     station.ignored = 0;
     station.isIgnoring = false;
+    if (station.isSettled || !station.probes.contains(wordAt(frame, 4)))
+        return false;
     ++m_counts.byEcho;
     settle(station, now);
     return true;

@@ -88,7 +88,7 @@ bool PlannedReadings::readRound(ReadingListener &listener)
     m_heldBack.clear();
     if (m_pacing != nullptr)
         m_pacing->beginRound(m_session.channel().now());
-    m_refresh.readRound(*this, QDateTime::currentMSecsSinceEpoch());
+    m_refresh.readRound(*this, m_clock());
     readUnplanned();
     m_listener = nullptr;
     return m_isWanted;
@@ -97,7 +97,7 @@ bool PlannedReadings::readRound(ReadingListener &listener)
 void PlannedReadings::explore()
 {
     if (!m_isHopeless && !isOver())
-        m_refresh.explore(*this, QDateTime::currentMSecsSinceEpoch());
+        m_refresh.explore(*this, m_clock());
 }
 
 RangeReply PlannedReadings::read(const AreaRange &range)

@@ -5,6 +5,9 @@
 #include "desk/readings/value_readings.h"
 #include "desk/refresh/refresh.h"
 
+#include <QDateTime>
+
+#include <functional>
 #include <map>
 #include <set>
 
@@ -50,6 +53,9 @@ public:
     /// all.
     void setPacing(StationPacing *pacing) { m_pacing = pacing; }
 
+    /// Milliseconds since 1970, for what was refused and is asked again some time; the system's by default.
+    void setClock(const std::function<qint64()> &clock) { m_clock = clock; }
+
     /// How the readings are asked for.
     Refresh &refresh() { return m_refresh; }
     /// Readings that are not planned, but asked for as they are.
@@ -78,6 +84,7 @@ private:
     const std::vector<Reading> &m_readings;
     PlannedPoints m_points;
     Refresh m_refresh;
+    std::function<qint64()> m_clock = QDateTime::currentMSecsSinceEpoch;
     StationPacing *m_pacing = nullptr;
     std::map<int, Items> m_lastGiven; // by station
     std::set<int> m_heldBack;         // stations that were not asked in this round

@@ -128,6 +128,19 @@ TEST_F(Receive, NeverHandsOverWhatCouldPassForAReply)
     EXPECT_EQ(readBits, bytesOf(ChannelEvent::SkippedCopy));
 }
 
+TEST_F(Receive, LearnsOfOtherStationsFromWhatItHandsOver)
+{
+    const int other = 6;
+    ASSERT_TRUE(channel.open());
+    channel.settling().noteReply(other);
+    channel.settling().noteLoss(other, 0);
+    const QByteArray probe = channel.settling().probe(other, 0);
+    send(ReadTwo);
+    comes(probe, 10);
+    EXPECT_EQ(probe.left(5), read(5)) << "it is what came in place of the reply";
+    EXPECT_TRUE(channel.settling().isSettled(other, time.now()));
+}
+
 TEST_F(Receive, EndsTheWaitWithTheConnection)
 {
     side.script = [this](SimulatedLine &connection, const QByteArray &) {

@@ -222,6 +222,17 @@ TEST_F(SettlingTest, TrustsNoEchoOnALineThatEchoes)
     EXPECT_TRUE(isSettledAt(300));
 }
 
+TEST_F(SettlingTest, LearnsFromAnEchoThatComesTooLate)
+{
+    loseAt(0);
+    settling.probe(Station, 0);
+    EXPECT_TRUE(isSettledAt(300));
+    comesAt(310, probeWith(1));
+    EXPECT_EQ(Settling::Answers, settling.stations().value(Station).habit);
+    loseAt(400);
+    EXPECT_FALSE(isSettledAt(3600 * 1000)) << "no quiet is long enough for one that is so late";
+}
+
 TEST_F(SettlingTest, NeedsNoMoreMemoryForADeadStation)
 {
     loseAt(0);

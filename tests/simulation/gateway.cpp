@@ -69,18 +69,20 @@ void Gateway::receive(SimulatedLine & /*line*/, const QByteArray &bytes)
 {
     ++m_requests;
     m_lastValues.clear();
+    if (m_watcher)
+        m_watcher('>', bytes);
     const auto asked = m_stations.find(byteAt(bytes, 0));
+    const bool isLate = happens(weather.lateness);
+    const double share = static_cast<double>(m_random()) / 4294967296.0;
     if (!m_isOn || asked == m_stations.end() || !asked->second.isOn)
         return;
     const Station &station = asked->second;
-    qint64 delay = station.replyTime;
-    if (happens(weather.lateness)) {
-        ++m_faults;
-        delay += static_cast<qint64>(static_cast<double>(weather.longestDelay) *
-                                     std::uniform_real_distribution<>(0, 1)(m_random));
-    }
+    m_faults += isLate ? 1 : 0;
+    const qint64 delay = isLate ? static_cast<qint64>(static_cast<double>(weather.longestDelay) * share) : 0;
+    const qint64 latest = m_time.now() + station.replyTime + weather.longestDelay;
     // One reply after the other.
-    m_freeAt = std::max(m_freeAt, m_time.now()) + delay;
+    const qint64 due = std::max(m_freeAt, m_time.now()) + station.replyTime + delay;
+    m_freeAt = std::max(m_freeAt, std::min(due, latest));
     forward(replyTo(bytes, station), m_freeAt);
 }
 
@@ -91,6 +93,7 @@ QByteArray Gateway::replyTo(const QByteArray &request, const Station &station)
         return station.answersProbes ? request : exceptionReply(request, modbus::IllegalFunction);
     if (!modbus::isRead(function))
         return withCrc(request.left(6));
+    m_lastStart = wordAt(request, 2);
     m_lastValues = valuesFor(byteAt(request, 0), wordAt(request, 2), wordAt(request, 4));
     return readReply(byteAt(request, 0), function, m_lastValues);
 }
@@ -130,11 +133,18 @@ void Gateway::deliver(const QByteArray &reply)
         return;
     }
     if (isShared)
-        m_connected->deliver(otherExchange());
+        give(otherExchange());
     if (isNoisy)
-        m_connected->deliver(noise());
+        give(noise());
     if (!isLost)
-        m_connected->deliver(isDamaged ? damaged(reply) : reply);
+        give(isDamaged ? damaged(reply) : reply);
+}
+
+void Gateway::give(const QByteArray &bytes)
+{
+    if (m_watcher)
+        m_watcher('<', bytes);
+    m_connected->deliver(bytes);
 }
 
 QByteArray Gateway::damaged(QByteArray reply)

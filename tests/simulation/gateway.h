@@ -16,7 +16,7 @@ struct Weather {
     double lateness = 0;     ///< as late as longestDelay at most
     double reset = 0;        ///< the connection is reset in place of the reply
     double otherMaster = 0;  ///< another master's exchange with another station in front of the reply
-    qint64 longestDelay = 0; ///< in microseconds
+    qint64 longestDelay = 0; ///< of late replies, waiting for others included, in microseconds
 
     bool isFair() const;
 };
@@ -39,6 +39,11 @@ public:
     /// What the last request that reads must have brought; empty where it was not answered, or is still on
     /// its way.
     const QByteArray &lastValues() const { return m_lastValues; }
+    int lastStart() const { return m_lastStart; }
+    /// Until when replies are on their way.
+    qint64 busyUntil() const { return m_freeAt; }
+    /// Hears of every request ('>') and of every reply that goes to a connection ('<').
+    void setWatcher(const std::function<void(char, const QByteArray &)> &watcher) { m_watcher = watcher; }
     quint64 requests() const { return m_requests; }
     quint64 connections() const { return m_connections; }
     /// How often something went wrong with a reply.
@@ -59,6 +64,7 @@ private:
     QByteArray valuesFor(int station, int start, int quantity);
     void forward(const QByteArray &reply, qint64 at);
     void deliver(const QByteArray &reply);
+    void give(const QByteArray &bytes);
     QByteArray damaged(QByteArray reply);
     QByteArray noise();
     QByteArray otherExchange();
@@ -73,6 +79,8 @@ private:
     quint64 m_power = 0; // how often it was switched
     qint64 m_freeAt = 0;
     QByteArray m_lastValues;
+    int m_lastStart = 0;
+    std::function<void(char, const QByteArray &)> m_watcher;
     quint64 m_requests = 0;
     quint64 m_connections = 0;
     quint64 m_faults = 0;

@@ -2,10 +2,10 @@
 
 #include "desk/live/planned_readings.h"
 #include "desk/plan/tag_readings.h"
-#include "tests/lines/simulated_panel.h"
 #include "tests/peers/driver_link.h"
 #include "tests/peers/test_files.h"
 #include "tests/peers/text_printing.h"
+#include "tests/simulation/panel/simulated_panel.h"
 
 #include <gtest/gtest.h>
 
