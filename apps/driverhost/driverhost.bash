@@ -70,6 +70,9 @@ _driverhost() {
         _driverhost_offer "$(_driverhost_values "$previous")" "$current"
     elif [[ $current == @* ]]; then
         _driverhost_offer "$(_driverhost_targets "$program")" "$current"
+    elif [[ $previous == @ ]]; then
+        # Bash hands over the "@" as a word of its own, and replaces it all the same.
+        _driverhost_offer "$(_driverhost_targets "$program")" "@$current"
     elif [[ $current == -* ]]; then
         _driverhost_offer "$(_driverhost_options "$program" "$subcommand")" "$current"
     else

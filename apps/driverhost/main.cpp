@@ -43,10 +43,10 @@ QString helpText()
                     .arg(QLatin1String(subcommand.name), -8)
                     .arg(QLatin1String(subcommand.summary));
     return text +
-           QStringLiteral("\n\"driverhost SUBCOMMAND --help\" says more. Exit codes: 0 success, 1 other "
-                          "failure, 2 usage,\n3 cannot connect, 4 no or broken reply, 5 exception reply, "
-                          "6 project database,\n7 not verified, 8 explained and 9 not explained by doctor, "
-                          "10 differences found,\n130 interrupted, 141 output closed.");
+           QStringLiteral("\n\"driverhost SUBCOMMAND --help\" says more. Exit codes: 0 success, 1 other\n"
+                          "failure, 2 usage, 3 cannot connect, 4 no or broken reply, 5 exception reply,\n"
+                          "6 project database, 7 not verified, 8 explained and 9 not explained by doctor,\n"
+                          "10 differences found, 130 interrupted, 141 output closed.");
 }
 
 int printText(const QString &text)

@@ -12,8 +12,10 @@ namespace
 void observe(Examiner &examiner)
 {
     for (const Examination &one : examinations()) {
+        if (examiner.isCancelled())
+            return;
         examiner.showProgress(QLatin1String(one.doing));
-        if (one.observe != nullptr && !examiner.isCancelled())
+        if (one.observe != nullptr)
             one.observe(examiner);
         if (one.judge(examiner.seen(), examiner.options()).explainsAll)
             return;
@@ -39,8 +41,12 @@ Diagnosis diagnose(Examiner &examiner)
     for (const Examination &one : examinations()) {
         const Judgement judgement = one.judge(seen, examiner.options());
         add(remedy, judgement.remedy);
-        for (const Finding &finding : judgement.findings)
+        for (const Finding &finding : judgement.findings) {
+            // What would have explained them was perhaps not asked any more.
+            if (diagnosis.wasCancelled && infoOf(finding.kind).weight == Weight::Open)
+                continue;
             (finding.isFault() ? diagnosis.faults : diagnosis.remarks).push_back(finding);
+        }
         if (judgement.explainsAll)
             break;
     }
@@ -74,9 +80,12 @@ QString Diagnosis::verdict() const
         sentences += one.sentence;
     if (isHealthy())
         sentences += QStringLiteral("healthy: station %1 answers as it should").arg(target.station);
-    if (sentences.isEmpty())
-        sentences += QStringLiteral("interrupted before anything was found");
-    QString text = sentences.join(QStringLiteral("; besides, "));
+    if (wasCancelled)
+        sentences.prepend(sentences.isEmpty() ? QStringLiteral("interrupted before anything was found")
+                                              : QStringLiteral("interrupted"));
+    const QString others = QStringList(sentences.mid(1)).join(QStringLiteral("; and "));
+    QString text =
+        others.isEmpty() ? sentences.front() : sentences.front() + QStringLiteral("; besides, ") + others;
     text[0] = text.at(0).toUpper();
     return text + QLatin1Char('.');
 }

@@ -80,6 +80,12 @@ ByteOrder orderInData(const TypedItems &typed)
 
 } // namespace
 
+QString TypedItems::typeText() const
+{
+    const bool isUsual = !isTyped || type.isBit() || order == defaultOrder(type);
+    return isUsual ? kindName() : QStringLiteral("%1@%2").arg(kindName(), nameOf(order, type));
+}
+
 Address TypedItems::addressOf(int index) const
 {
     if (isBitKind(items.kind) || isByteKind(items.kind))

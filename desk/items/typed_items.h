@@ -18,6 +18,8 @@ struct TypedItems {
 
     /// What people and programs call it: the type's name, or the kind's.
     QString kindName() const { return isTyped ? nameOf(type) : nameOf(items.kind); }
+    /// The same with the order where that is not the type's default: "f32@ABCD".
+    QString typeText() const;
     /// The address of value \a index.
     Address addressOf(int index) const;
     /// What people see for value \a index: its address, as in Items::label().

@@ -6,6 +6,7 @@
 void CommandRecord::begin(int station, qint64 now)
 {
     *this = CommandRecord();
+    m_isRunning = true;
     m_station = station;
     m_beganAt = now;
     m_sentAt = now;
@@ -48,6 +49,7 @@ void CommandRecord::add(ChannelEvent event, const QByteArray &bytes, qint64 now)
 
 void CommandRecord::end(qint64 now, bool isGivenUp)
 {
+    m_isRunning = false;
     m_endedAt = now;
     if (!m_exchanges.empty())
         m_exchanges.back().isGivenUp = isGivenUp;

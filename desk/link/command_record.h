@@ -15,6 +15,8 @@ public:
     /// The command is over; \a isGivenUp: because nobody waited any longer.
     void end(qint64 now, bool isGivenUp);
 
+    /// Between its beginning and its end.
+    bool isRunning() const { return m_isRunning; }
     int station() const { return m_station; }
     const std::vector<Exchange> &exchanges() const { return m_exchanges; }
     /// How often the driver tried: sent the command's first request, or could not open the line for it.
@@ -50,6 +52,7 @@ private:
     void addReceived(const QByteArray &bytes, qint64 now);
     void addEnd();
 
+    bool m_isRunning = false;
     int m_station = 0;
     std::vector<Exchange> m_exchanges;
     QByteArray m_firstRequest;

@@ -113,6 +113,21 @@ bool mayBeOfAnEcho(FailureKind kind)
     return kind == FailureKind::Damaged || kind == FailureKind::Cut || kind == FailureKind::NoReply;
 }
 
+// What the last attempt that was sent came to. What was not sent after it is silence to the driver.
+const KnownText &sentBefore(const CommandRecord &record)
+{
+    if (record.exchanges().empty())
+        return Withheld;
+    switch (outcomeOf(record.exchanges().back())) {
+    case Outcome::Silence: return knownText(QStringLiteral("PLC no response"));
+    case Outcome::Cut: return knownText(QStringLiteral("packet loss"));
+    case Outcome::CrcError: return knownText(QStringLiteral("CRC error"));
+    case Outcome::OtherStation: return knownText(QStringLiteral("invalid slave id"));
+    case Outcome::OtherFunction: return knownText(QStringLiteral("invalid response"));
+    default: return Withheld;
+    }
+}
+
 // The texts say what the driver saw of the bytes; the line knows more.
 const KnownText &known(const QString &text, const CommandRecord &record)
 {
@@ -121,10 +136,10 @@ const KnownText &known(const QString &text, const CommandRecord &record)
     const KnownText &match = knownText(text);
     if (record.isEndedByOther() && mayBeOfAnEnd(match.kind))
         return EndedByOther;
-    if (record.isWithheld() && match.kind == FailureKind::NoReply)
-        return Withheld;
     if (record.isEchoed() && mayBeOfAnEcho(match.kind))
         return Echoed;
+    if (record.isWithheld() && match.kind == FailureKind::NoReply)
+        return sentBefore(record);
     return match;
 }
 

@@ -2,6 +2,7 @@
 
 #include "desk/items/range_items.h"
 #include "desk/time_text.h"
+#include "desk/wire/frame_text.h"
 
 #include <algorithm>
 
@@ -38,17 +39,15 @@ double timeOf(const CommandRecord &command)
     return isPlain ? static_cast<double>(command.duration()) : 0;
 }
 
+// The advice is that of the time when it was asked for.
 Failure failureOf(const Refusals::Refusal &refusal)
 {
-    const QDateTime again = QDateTime::fromMSecsSinceEpoch(refusal.askAgain);
-    const QString reason =
-        refusal.exception > 0
-            ? QStringLiteral("exception code:0x%1").arg(refusal.exception, 2, 16, QLatin1Char('0')).toUpper()
-            : QStringLiteral("PLC no response");
-    Failure failure;
-    failure.kind = refusal.exception > 0 ? FailureKind::Exception : FailureKind::NoReply;
-    failure.exception = refusal.exception;
-    failure.text = QStringLiteral("%1 before; not asked again until %2").arg(reason, dateAndTimeText(again));
+    const QString reason = refusal.exception > 0
+                               ? QStringLiteral("exception code:") + exceptionText(refusal.exception)
+                               : QStringLiteral("PLC no response");
+    Failure failure = failureOf(reason, CommandRecord());
+    failure.text = QStringLiteral("%1 before; not asked again until %2")
+                       .arg(reason, dateAndTimeText(QDateTime::fromMSecsSinceEpoch(refusal.askAgain)));
     return failure;
 }
 

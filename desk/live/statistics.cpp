@@ -52,10 +52,12 @@ void Statistics::addSuccess(qint64 latency, qint64 duration)
     m_durations.add(duration);
 }
 
-void Statistics::addFailure(const QString &text)
+void Statistics::addFailure(const QString &text, const QString &advice)
 {
     ++m_failures;
-    ++m_texts[text];
+    Failed &failed = m_failed[text];
+    ++failed.count;
+    failed.advice = advice;
 }
 
 QStringList Statistics::lines(qint64 milliseconds) const
@@ -64,8 +66,11 @@ QStringList Statistics::lines(qint64 milliseconds) const
                           .arg(counted(static_cast<qint64>(transactions()), "transaction"),
                                QString::number(static_cast<double>(milliseconds) / 1000, 'f', 1),
                                QString::number(m_failures))};
-    for (auto text = m_texts.begin(); text != m_texts.end(); ++text)
-        lines += QStringLiteral("  %1 x %2").arg(QString::number(text.value()), text.key());
+    for (auto failed = m_failed.begin(); failed != m_failed.end(); ++failed) {
+        lines += QStringLiteral("  %1 x %2").arg(QString::number(failed->count), failed.key());
+        if (!failed->advice.isEmpty())
+            lines += QStringLiteral("    check: ") + failed->advice;
+    }
     if (m_latencies.count() > 0) {
         lines += quantilesText("latency", m_latencies);
         lines += quantilesText("transaction", m_durations);

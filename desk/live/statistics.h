@@ -26,7 +26,8 @@ class Statistics
 public:
     /// \a latency is that of the reply, \a duration that of the transaction with all its attempts and pauses.
     void addSuccess(qint64 latency, qint64 duration);
-    void addFailure(const QString &text);
+    /// \a advice is what to look at next.
+    void addFailure(const QString &text, const QString &advice = {});
 
     quint64 transactions() const { return m_latencies.count() + m_failures; }
     quint64 failures() const { return m_failures; }
@@ -37,8 +38,13 @@ public:
     QStringList lines(qint64 milliseconds) const;
 
 private:
+    struct Failed {
+        quint64 count = 0;
+        QString advice; // of the last one
+    };
+
     Durations m_latencies;
     Durations m_durations;
-    QMap<QString, quint64> m_texts;
+    QMap<QString, Failed> m_failed; // by text
     quint64 m_failures = 0;
 };

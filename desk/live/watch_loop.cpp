@@ -52,7 +52,7 @@ void WatchLoop::addCommand(bool isRead)
     if (isRead)
         m_statistics.addSuccess(command.latency(), command.duration());
     else
-        m_statistics.addFailure(m_session.failure().text);
+        m_statistics.addFailure(m_session.failure().text, m_session.failure().advice);
 }
 
 bool WatchLoop::add(size_t index, const QByteArray &data)
@@ -91,8 +91,8 @@ bool WatchLoop::addNotAsked(const std::vector<size_t> &readings, const Failure &
 std::vector<ValueRow> WatchLoop::failedRows(size_t index, const Failure &failure) const
 {
     const Reading &reading = m_readings[index];
-    std::vector<ValueRow> rows =
-        failedRowsOf(reading, {nameOf(failure.kind), failure.text}, m_session.stationFor(reading.items));
+    std::vector<ValueRow> rows = failedRowsOf(reading, {nameOf(failure.kind), failure.text, failure.advice},
+                                              m_session.stationFor(reading.items));
     const QString time = dateAndTimeText(QDateTime::currentDateTime());
     for (ValueRow &row : rows)
         row.time = time;

@@ -48,7 +48,9 @@ QString WatchedValue::shownText() const
 
 QString WatchedValue::note(qint64 now) const
 {
-    if (isLive(now) || m_readAt < 0)
+    if (isLive(now))
+        return m_row.value.limit;
+    if (m_readAt < 0)
         return {};
     return QStringLiteral("was %1 %2 s ago")
         .arg(shownText(), QString::number(static_cast<double>(now - m_readAt) / 1000, 'f', 1));

@@ -21,7 +21,7 @@ public:
     bool hasChanged() const { return m_isRead && m_hasChanged; }
     /// The value while it is live, otherwise "?".
     QString text(qint64 now) const;
-    /// What it was, and how long ago, when it is not live any more.
+    /// Which limit it is beyond, "above 80"; what it was, and how long ago, when it is not live any more.
     QString note(qint64 now) const;
     /// The last readings, as many as \a length, as a line of bars between their smallest and their largest;
     /// gaps are blank. Where bars do not arrive, characters of ASCII stand for them, "_" to "#".

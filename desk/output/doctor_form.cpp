@@ -23,13 +23,29 @@ QString changeOf(const Finding &finding)
     return finding.change.isEmpty() ? usual : usual + QLatin1Char(' ') + finding.change;
 }
 
+// A number stays with its unit.
+QStringList wordsOf(const QString &text)
+{
+    QStringList words;
+    for (const QString &word : text.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+        const bool isUnit = word.startsWith(QLatin1String("ms")) || word == QLatin1String("s") ||
+                            word == QLatin1String("s.") || word == QLatin1String("s,") ||
+                            word == QLatin1String("%");
+        if (isUnit && !words.isEmpty())
+            words.last() += QLatin1Char(' ') + word;
+        else
+            words += word;
+    }
+    return words;
+}
+
 // In lines that begin with \a lead, the first of them with \a firstLead.
 QStringList wrapped(const QString &text, int width, const QString &firstLead, const QString &lead)
 {
     QStringList lines;
     QString line = firstLead;
     bool isEmpty = true;
-    for (const QString &word : text.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+    for (const QString &word : wordsOf(text)) {
         if (!isEmpty && line.size() + 1 + word.size() > width) {
             lines += line;
             line = lead;
@@ -49,7 +65,9 @@ QStringList textOf(const Finding &finding, int width)
     lines += wrapped(QLatin1String(infoOf(finding.kind).told), width, QStringLiteral("  told  "), indent);
     QString lead = QStringLiteral("  seen  ");
     for (const QString &line : finding.evidence) {
-        lines += lead + line;
+        const bool isLong = lead.size() + line.size() > width;
+        lines +=
+            isLong ? wrapped(line, width, lead, indent + QStringLiteral("  ")) : QStringList(lead + line);
         lead = indent;
     }
     return lines + wrapped(changeOf(finding), width, QStringLiteral("  do    "), indent);
@@ -57,8 +75,7 @@ QStringList textOf(const Finding &finding, int width)
 
 QString commandTitle(const Diagnosis &diagnosis)
 {
-    return diagnosis.worksNow ? QStringLiteral("This works:")
-                              : QStringLiteral("When that is done, this works:");
+    return diagnosis.worksNow ? QStringLiteral("This works:") : QStringLiteral("When that is put right:");
 }
 
 QStringList textOf(const Diagnosis &diagnosis, int width)

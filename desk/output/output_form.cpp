@@ -3,6 +3,7 @@
 #include "desk/output/table.h"
 
 #include <algorithm>
+#include <map>
 
 namespace
 {
@@ -102,8 +103,31 @@ QStringList linesOf(const Table &table)
     return lines.size() > 1 ? lines : QStringList();
 }
 
+// Whether an address is shown as several things.
+bool hasSeveralTypes(const std::vector<ValueRow> &rows)
+{
+    std::map<std::pair<int, QString>, QString> types;
+    return std::any_of(rows.begin(), rows.end(), [&](const ValueRow &row) {
+        return types.insert({{row.station, row.address}, row.type}).first->second != row.type;
+    });
+}
+
+QStringList typeTable(const std::vector<ValueRow> &rows)
+{
+    Table table({QStringLiteral("address"), QStringLiteral("offset"), QStringLiteral("type"),
+                 QStringLiteral("value")},
+                {1, 3});
+    for (const ValueRow &row : rows) {
+        if (!row.failure)
+            table.addRow({row.address, offsetText(row), row.type, row.value.text});
+    }
+    return linesOf(table);
+}
+
 QStringList addressTable(const std::vector<ValueRow> &rows)
 {
+    if (hasSeveralTypes(rows))
+        return typeTable(rows);
     Table table({QStringLiteral("address"), QStringLiteral("offset"), QStringLiteral("value")}, {1, 2});
     for (const ValueRow &row : rows) {
         if (!row.failure)

@@ -1,16 +1,12 @@
 #include "desk/output/summary.h"
 
 #include "desk/items/number_text.h"
+#include "desk/wire/frame_text.h"
 
 #include <QJsonDocument>
 
 namespace
 {
-
-QString exceptionText(int code)
-{
-    return QStringLiteral("0x") + QString::number(code, 16).toUpper().rightJustified(2, QLatin1Char('0'));
-}
 
 // Those of the things that happened.
 QStringList happened(const LineCounts &counts)

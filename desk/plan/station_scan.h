@@ -23,6 +23,8 @@ struct StationAnswer {
     /// For people, and one word for programs.
     QString text;
     QString failure;
+    /// What to look at next.
+    QString advice = {};
 };
 
 /// Finds the stations that are there by asking one after the other.

@@ -70,6 +70,8 @@ Result<Project> readProjectFile(const QString &path)
     const Result<> opened = openForReading(file);
     if (!opened)
         return opened.error();
+    if (!isSqlite(file))
+        return Error{path + QStringLiteral(": it is no SQLite database")};
     Project project;
     SqliteFile database(path, ReadOnly);
     database.select(QStringLiteral("SELECT LINKID, HMIPORT FROM LINK"), {}, [&](const QSqlQuery &row) {

@@ -151,7 +151,6 @@ QString Explanation::databaseIn(const QString &place)
 // The driver takes an empty file for an empty database, as SQLite does.
 bool Explanation::canOpen()
 {
-    const QByteArray magic("SQLite format 3", 16);
     QFile file(m_path);
     const QFileInfo info(m_path);
     if (info.exists() && !info.isFile() && !info.isDir()) {
@@ -163,12 +162,11 @@ bool Explanation::canOpen()
                            : QStringLiteral("there is no such file"));
         return false;
     }
-    const QByteArray header = file.read(magic.size());
-    if (!header.isEmpty() && header != magic) {
+    if (!isSqlite(file)) {
         step(QStringLiteral("it is no SQLite database"));
         return false;
     }
-    step(header.isEmpty()
+    step(file.size() == 0
              ? QStringLiteral("the file is there and empty, which SQLite takes for a database without "
                               "tables")
              : QStringLiteral("the file is there and is an SQLite database of %1 bytes").arg(file.size()));

@@ -40,6 +40,12 @@ QString plainText(const QSqlError &error)
 
 } // namespace
 
+bool isSqlite(QFile &file)
+{
+    const QByteArray beginning("SQLite format 3", 16);
+    return file.size() == 0 || file.peek(beginning.size()) == beginning;
+}
+
 SqliteFile::SqliteFile(const QString &path, const char *options) : m_name(QUuid::createUuid().toString())
 {
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);

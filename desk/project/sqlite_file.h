@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFile>
 #include <QSqlQuery>
 #include <QVariant>
 
@@ -8,6 +9,10 @@
 /// Connect options for a file that must not change, and for one that is not waited for when it is locked.
 const char *const ReadOnly = "QSQLITE_OPEN_READONLY";
 const char *const ReadOnlyAtOnce = "QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=0";
+
+/// Whether \a file, which is open, is an SQLite file by its beginning. An empty one is: a database without
+/// tables.
+bool isSqlite(QFile &file);
 
 /// A connection to an SQLite file for as long as this lives.
 class SqliteFile

@@ -22,6 +22,7 @@ ValueRow rowOf(const Reading::Shown &shown, int station)
     row.address = point.at.label(shown.index);
     row.offset = point.at.offsetOf(shown.index);
     row.kind = point.at.kindName();
+    row.type = point.at.typeText();
     row.unit = point.unit;
     return row;
 }

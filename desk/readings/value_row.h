@@ -4,8 +4,9 @@
 
 /// Why there is no value.
 struct RowFailure {
-    QString kind; ///< one word for programs
-    QString text; ///< the driver's
+    QString kind;        ///< one word for programs
+    QString text;        ///< the driver's
+    QString advice = {}; ///< what to look at next
 };
 
 /// One value as it was read, or why it could not be.
@@ -21,6 +22,7 @@ struct ValueRow {
     QString address; ///< as people write it
     int offset = -1; ///< zero-based, on the wire; -1 when not known
     QString kind;    ///< "word", or a type such as "f32"
+    QString type;    ///< the same for people, with an order that is not the default, "f32@ABCD"
     QString unit;
     PointValue value; ///< empty when there is a failure
     std::optional<RowFailure> failure;

@@ -19,6 +19,7 @@ QString functionName(int function)
     case modbus::WriteSingleRegister: return QStringLiteral("write single register");
     case modbus::WriteMultipleCoils: return QStringLiteral("write multiple coils");
     case modbus::WriteMultipleRegisters: return QStringLiteral("write multiple registers");
+    case modbus::Diagnostics: return QStringLiteral("diagnostics");
     default: return QStringLiteral("function %1").arg(function);
     }
 }
@@ -91,10 +92,21 @@ QString singleValue(int function, int value)
     }
 }
 
+// Requests and replies have the same form.
+QStringList describeDiagnostics(const QByteArray &frame)
+{
+    const int subFunction = wordAt(frame, 2);
+    if (subFunction != modbus::ReturnQueryData)
+        return {QStringLiteral("sub-function %1").arg(subFunction)};
+    return {QStringLiteral("return query data %1").arg(wordAt(frame, 4))};
+}
+
 QStringList describeRequest(const QByteArray &frame)
 {
     const int function = functionOf(frame);
     const int offset = wordAt(frame, 2);
+    if (function == modbus::Diagnostics)
+        return describeDiagnostics(frame);
     if (modbus::isWriteSingle(function))
         return {addresses(function, offset, 1), singleValue(function, wordAt(frame, 4))};
     if (!modbus::isRead(function) && !modbus::isWriteMultiple(function))
@@ -144,6 +156,8 @@ QStringList describeReply(const QByteArray &frame, const QByteArray &request)
         const int code = byteAt(frame, 2);
         return {QStringLiteral("exception %1 (%2)").arg(code).arg(exceptionName(code))};
     }
+    if (function == modbus::Diagnostics)
+        return describeDiagnostics(frame);
     const bool isAnswer = functionOf(request) == function;
     if (modbus::isRead(function))
         return describeReadReply(frame, isAnswer ? request : QByteArray());
@@ -201,6 +215,11 @@ QString exceptionName(int code)
     case modbus::GatewayTargetFailed: return QStringLiteral("gateway target device failed to respond");
     default: return QStringLiteral("unknown");
     }
+}
+
+QString exceptionText(int code)
+{
+    return QStringLiteral("0x") + QString::number(code, 16).toUpper().rightJustified(2, QLatin1Char('0'));
 }
 
 QString describeFrame(FrameRole role, const QByteArray &frame, const QByteArray &request)

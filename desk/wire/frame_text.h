@@ -13,3 +13,5 @@ QString describeFrame(FrameRole role, const QByteArray &frame, const QByteArray 
 
 /// "illegal data address" for 2; "unknown" for a code that the protocol does not have.
 QString exceptionName(int code);
+/// "0x02", as in the driver's texts.
+QString exceptionText(int code);

@@ -34,6 +34,8 @@ enum Function : int {
     WriteMultipleCoils = 15,
     WriteMultipleRegisters = 16
 };
+/// Sub-function of Diagnostics: the reply is equal to the request.
+const int ReturnQueryData = 0;
 const int MaxFunction = 127;
 /// Set in the function code of an exception reply.
 const int ExceptionFlag = 0x80;

@@ -111,8 +111,7 @@ int replySizeFor(const QByteArray &request)
 bool isEcho(const QByteArray &reply, const QByteArray &request)
 {
     return reply.size() >= modbus::ExceptionReplySize && request.size() >= modbus::MinFrameSize &&
-           !modbus::isWriteSingle(functionOf(request)) &&
-           (request.startsWith(reply) || reply.startsWith(request));
+           !hasShortFrames(functionOf(request)) && (request.startsWith(reply) || reply.startsWith(request));
 }
 
 QByteArray exceptionReply(const QByteArray &request, int code)

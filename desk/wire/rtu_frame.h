@@ -34,7 +34,7 @@ int replySize(const QByteArray &bytes);
 int replySizeFor(const QByteArray &request);
 
 /// Whether what came begins with the request itself, or with so much of it as was taken before it was
-/// refused: a line that echoes. The reply to a write of a single coil or register has to be equal, and shows
+/// refused: a line that echoes. Where the right reply is equal, to single writes and diagnostics, that shows
 /// nothing.
 bool isEcho(const QByteArray &reply, const QByteArray &request);
 

@@ -65,6 +65,7 @@ expect "project pl" "plant.db"
 expect "compare pl" "plant.db"
 "$program" target add boiler rtutcp://10.0.0.5 2>/dev/null
 expect "read @" "@boiler"
+expect "read @ bo" "@boiler"
 expect "restore plant.db @" "@boiler"
 expect "doctor @" "@boiler"
 expect "doctor --report pl" "plant.db"

@@ -109,6 +109,13 @@ TEST_F(CountsTest, ReadsWritesTagsAndScansHaveASummaryToo)
     EXPECT_EQ(tags.value("values"), 2);
 }
 
+TEST_F(CountsTest, AScanThatFindsNothingNamesNoAddress)
+{
+    const HostRun run = host("scan TARGET 9-HR --to 100 --timeout 60");
+    EXPECT_TRUE(matches(run.err, "\n0 ranges found; no address was asked to the end\n1 request, 1 attempt, "))
+        << run.err.toStdString();
+}
+
 TEST_F(CountsTest, AScanEndsWithThem)
 {
     const HostRun run = host("scan TARGET HR --to 100 --retries 1 --timeout 60 --settle off --delay 0");

@@ -98,6 +98,20 @@ TEST(ManualPage, DescribesEveryExitCode)
         EXPECT_TRUE(page.contains(QStringLiteral(".It %1\n").arg(code))) << code;
 }
 
+TEST(Help, FitsATerminalOfEightyColumns)
+{
+    for (const QString &name : subcommands()) {
+        const QStringList lines = runHost({name, QStringLiteral("--help")}).out.split(QLatin1Char('\n'));
+        const auto example = lines.indexOf(QStringLiteral("Example:"));
+        ASSERT_GT(example, 0) << name.toStdString();
+        // Commands to be copied stay in one piece.
+        for (const QString &line : lines.mid(0, example))
+            EXPECT_LT(line.size(), 80) << name.toStdString() << ": " << line.toStdString();
+    }
+    for (const QString &line : runHost({QStringLiteral("--help")}).out.split(QLatin1Char('\n')))
+        EXPECT_LT(line.size(), 80) << line.toStdString();
+}
+
 TEST(ManualPage, EverySubcommandHasAnExampleInItsHelp)
 {
     for (const QString &name : subcommands()) {

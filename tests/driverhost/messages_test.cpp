@@ -59,6 +59,9 @@ TEST_F(MessagesTest, NameAnExceptionAndWhatToDo)
     expectError(
         "read TARGET 5-HR10 --retries 0",
         "\n  check: illegal data address: the range touches an address that the slave does not have;");
+    expectError("watch TARGET 5-HR10 HR1 --retries 0 --count 2 --interval 0",
+                "\n  1 x exception code:0x02 (read 1 word(s) from 5-HR10)\n"
+                "    check: illegal data address: the range touches an address");
     slave.inject(Fault{Fault::Exception, 6}, 1);
     expectError("write TARGET HR1 1 --retries 0",
                 "\n  check: server device busy: ask less often: raise the delay\n");
@@ -86,6 +89,9 @@ TEST_F(MessagesTest, SayHowOftenItWasTriedAndHowLong)
     expectError("write TARGET HR1 1 --retries 0 --timeout 50", "\n  1 attempt, time-out 50 ms\n");
     slave.inject(Fault{Fault::WrongCrc, -1}, 2);
     expectError("read TARGET HR1 --retries 1 --settle off", "\n  2 attempts\n");
+    expectError("read TARGET 9-HR1 --retries 1 --timeout 50",
+                "\n  check: station id, baud rate behind the gateway, wiring, and --timeout\n"
+                "  2 attempts, 1 of them not sent (--settle), time-out 50 ms\n");
 }
 
 TEST_F(MessagesTest, SayWhenAnAnswerTookSeveralAttempts)

@@ -196,6 +196,8 @@ TEST_F(OptionsTest, DatabasesAreSpokenOfInPlainWords)
     EXPECT_EQ(host("project " + empty).err, "driverhost: " + empty + ": there is no table LINK\n");
     const QString text = file("text", "dear diary, today I was no database at all");
     EXPECT_EQ(host("project " + text).err, "driverhost: " + text + ": it is no SQLite database\n");
+    const QString letter = file("letter", "x");
+    EXPECT_EQ(host("project " + letter).err, "driverhost: " + letter + ": it is no SQLite database\n");
     EXPECT_TRUE(host("project --why ETHERNET " + empty)
                     .out.contains(
                         "\nthe file is there and empty, which SQLite takes for a database without tables\n"));

@@ -2,6 +2,8 @@
 #include "tests/driverhost/support/host_program.h"
 #include "tests/peers/scripted_peer.h"
 
+#include <QRegularExpression>
+
 #include <gtest/gtest.h>
 
 // Other sides that are no well-behaved slave: they close the connection, reset it, or send back what they
@@ -61,6 +63,16 @@ TEST(OtherSide, ThatResetsTheConnectionIsNamed)
     EXPECT_TRUE(has(run, " - reset by the other side\n")) << run.err.toStdString();
 }
 
+TEST(OtherSide, ThatClosesTheConnectionIsNamedByAScan)
+{
+    ScriptedPeer peer(takeRequest);
+    const HostRun run = runOn(peer, "scan stations --to 1 --passes 1");
+    EXPECT_EQ(run.code, 4);
+    EXPECT_TRUE(has(run, "\nstation 1 disturbed: PLC no response (read 1 word(s) from 1-HR1)\n"
+                         "  check: the slave or its gateway closed the connection: another master"))
+        << run.err.toStdString();
+}
+
 TEST(OtherSide, ThatClosesAfterHalfAReplyIsNamed)
 {
     ScriptedPeer peer([](ScriptedPeer &end) {
@@ -80,6 +92,7 @@ TEST(OtherSide, ThatEchoesIsNamed)
     };
     for (const Case &c : {Case{"read HR1 --retries 0 --timeout 60", "CRC error (read"},
                           Case{"read HR1 --count 10 --retries 0 --timeout 60", "packet loss (read"},
+                          Case{"read HR1 --retries 1 --timeout 60", "PLC no response (read"},
                           Case{"write HR1 1 --retries 0 --timeout 60", "CRC error (write"}}) {
         ScriptedPeer peer(echo);
         const HostRun run = runOn(peer, QLatin1String(c.arguments) + QLatin1String(" --trace"));
@@ -121,6 +134,8 @@ TEST(OtherSide, ThatEchoesConfirmsWhatItNeverTook)
     EXPECT_TRUE(has(run, "FN6HR1: wrote 1 item of kind word\n")) << run.err.toStdString();
     EXPECT_TRUE(has(run, "  check: what came is the request itself: the line echoes"))
         << "only reading back shows" << run.err.toStdString();
+    EXPECT_TRUE(run.err.endsWith("  the write was confirmed; whether the slave holds it is not verified\n"))
+        << run.err.toStdString();
     EXPECT_EQ(run.code, 4);
 }
 
@@ -137,4 +152,23 @@ TEST(Trace, TheRestOfARefusedFrameIsNoFrame)
     EXPECT_TRUE(has(run, "the rest of the frame above: station 2, read holding registers"))
         << run.err.toStdString();
     EXPECT_FALSE(has(run, "not asked for")) << run.err.toStdString();
+}
+
+TEST(Trace, TheAnswerToAProbeIsNoEcho)
+{
+    ScriptedPeer peer([](ScriptedPeer &end) {
+        end.receive(8);
+        end.send(QByteArray::fromHex("0103020007FFFF"));
+        end.send(end.receive(8));
+        end.receive(8);
+        end.send(withCrc(QByteArray::fromHex("0103020007")));
+    });
+    const HostRun run = runOn(peer, "read HR1 --retries 1 --timeout 60 --trace");
+    EXPECT_EQ(run.code, 0) << run.err.toStdString();
+    const QRegularExpression probe(
+        " > 01 08 [^\n]*  station 1, diagnostics, return query data \\d+, CRC good\n"
+        "[^\n]* < 01 08 [^\n]*  station 1, diagnostics, return query data \\d+, CRC "
+        "good\n");
+    EXPECT_TRUE(probe.match(run.err).hasMatch()) << run.err.toStdString();
+    EXPECT_FALSE(has(run, "echo")) << run.err.toStdString();
 }

@@ -10,11 +10,14 @@ namespace
 // For the one who sees the trace and wonders.
 void traceTarget(const LinkSettings &link)
 {
-    const QString origin =
+    const QString target = targetText(link.target());
+    QString origin =
         link.targetOrigin.isEmpty() ? QStringLiteral("by default and options") : link.targetOrigin;
+    if (origin == target)
+        origin = QStringLiteral("as given");
     if (link.trace)
-        link.trace(traceEvent(QDateTime::currentDateTime(),
-                              QStringLiteral("target %1: %2").arg(targetText(link.target()), origin)));
+        link.trace(
+            traceEvent(QDateTime::currentDateTime(), QStringLiteral("target %1: %2").arg(target, origin)));
 }
 
 int fail(const QString &text)

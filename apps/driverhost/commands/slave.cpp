@@ -40,9 +40,9 @@ const CommandLine::Texts Texts = {
     "  stale                 the reply before it comes once more, in front\n"
     "  echo                  the request comes back in front of the reply\n"
     "  other-master:ID       the reply of another station comes in front of it\n"
-    "  late:MS               the reply comes so much later, on whichever connection is open then\n"
+    "  late:MS               it comes so much later, on the connection of then\n"
     "  reset, close          the connection is reset, or closed, instead\n"
-    "  half-open             the connection stays up and nothing happens on it any more",
+    "  half-open             the connection stays up, and nothing more happens",
     "  driverhost slave --port 1502 --values plant.txt\n"
     "  driverhost slave --station 1-3 --latency 20 --fault silence=1% --fault truncate:4=1/10 --trace",
 };

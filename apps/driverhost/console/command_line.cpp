@@ -11,6 +11,7 @@ namespace
 
 const QChar Minus(0x2212);
 const int SignificantDigits = 10;
+const int HelpWidth = 79;
 
 // "-5" is a value to write and no option.
 QString withMinusOfNumber(const QString &word)
@@ -23,6 +24,29 @@ QString withMinusOfNumber(const QString &word)
 QString withPlainMinus(const QString &word)
 {
     return word.startsWith(Minus) ? QLatin1Char('-') + word.mid(1) : word;
+}
+
+// Lines as long as a terminal has at least, the options' own length. What is indented stays as it is.
+QString wrapped(const QString &text, const QString &indentation = {})
+{
+    QStringList lines;
+    bool isOpen = false;
+    for (const QString &line : text.split(QLatin1Char('\n'))) {
+        const bool isFixed = line.isEmpty() || line.startsWith(QLatin1Char(' '));
+        if (isFixed) {
+            lines += line;
+            isOpen = false;
+            continue;
+        }
+        for (const QString &word : line.split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
+            if (isOpen && lines.last().size() + 1 + word.size() <= HelpWidth)
+                lines.last() += QLatin1Char(' ') + word;
+            else
+                lines += (isOpen ? indentation : QString()) + word;
+            isOpen = true;
+        }
+    }
+    return lines.join(QLatin1Char('\n'));
 }
 
 } // namespace
@@ -177,7 +201,9 @@ QString CommandLine::helpText() const
     // The parser would start with the program's path and knows no subcommands.
     const QString parsers = m_parser.helpText();
     const QString options = parsers.mid(parsers.indexOf(QLatin1String("Options:")));
-    return QStringLiteral("Usage: driverhost %1 [options] %2\n\n%3\n\n%4\nExample:\n%5")
-        .arg(QLatin1String(m_texts.name), QLatin1String(m_texts.arguments), QLatin1String(m_texts.summary),
-             options, QLatin1String(m_texts.example));
+    const QString usage = QStringLiteral("Usage: driverhost %1 [options] %2")
+                              .arg(QLatin1String(m_texts.name), QLatin1String(m_texts.arguments));
+    return QStringLiteral("%1\n\n%2\n\n%3\nExample:\n%4")
+        .arg(wrapped(usage, QStringLiteral("       ")), wrapped(QLatin1String(m_texts.summary)), options,
+             QLatin1String(m_texts.example));
 }

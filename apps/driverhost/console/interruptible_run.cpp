@@ -34,7 +34,7 @@ QString waitText(const Session &session)
 {
     const CommandRecord &command = session.lastCommand();
     const qint64 now = session.channel().now();
-    if (now - command.beganAt() < FirstMoments)
+    if (!command.isRunning() || now - command.beganAt() < FirstMoments)
         return {};
     if (command.attempts() == 0)
         return QStringLiteral("connecting, ") +

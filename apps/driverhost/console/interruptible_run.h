@@ -33,5 +33,6 @@ private:
     QString m_label;
 };
 
-/// What the session waits for, and how long still: "attempt 2 of 4, 7 s left". Empty in the first moments.
+/// What the session waits for, and how long still: "attempt 2 of 4, 7 s left". Empty in the first
+/// moments, and when it waits for nothing.
 QString waitText(const Session &session);

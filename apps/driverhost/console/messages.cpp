@@ -24,10 +24,12 @@ namespace
 // "4 attempts, time-out 3000 ms"; empty where nothing was tried.
 QString attemptsText(const Session &session, FailureKind kind)
 {
-    const int attempts = session.lastCommand().attempts();
-    if (attempts == 0)
+    const CommandRecord &command = session.lastCommand();
+    if (command.attempts() == 0)
         return {};
-    QString text = counted(attempts, "attempt");
+    QString text = counted(command.attempts(), "attempt");
+    if (command.withheld() > 0)
+        text += QStringLiteral(", %1 of them not sent (--settle)").arg(command.withheld());
     if (kind == FailureKind::NoReply || kind == FailureKind::Cut)
         return text + QStringLiteral(", time-out %1 ms").arg(session.settings().timeout);
     if (kind == FailureKind::CannotConnect)

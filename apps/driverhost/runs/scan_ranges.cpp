@@ -31,6 +31,17 @@ int printRanges(Session &session, const RangeScan &scan, OutputFormat format, bo
     return lines.isEmpty() || print(lines) ? Success : OutputClosed;
 }
 
+void reportRanges(const RangeScan &scan, const RangeScanOptions &options)
+{
+    const QString found =
+        counted(static_cast<qint64>(scan.ranges().size()), "range") + QStringLiteral(" found");
+    if (scan.scannedTo() < options.first)
+        report(QStringLiteral("%1; no address was asked to the end").arg(found));
+    else
+        report(QStringLiteral("%1 up to %2%3")
+                   .arg(found, options.probe.address.areaName, QString::number(scan.scannedTo())));
+}
+
 } // namespace
 
 int scanRanges(Session &session, const RangeScanOptions &options)
@@ -50,10 +61,8 @@ int scanRanges(Session &session, const RangeScanOptions &options)
         reportFailure(session, scan.lastItems().label(0));
         code = exitCodeOf(session.failure());
     }
-    report(QStringLiteral("%1 found up to %2%3")
-               .arg(counted(static_cast<qint64>(scan.ranges().size()), "range"),
-                    options.probe.address.areaName, QString::number(scan.scannedTo())));
-    report(countsText(session.counts().total()));
+    reportRanges(scan, options);
     const int printed = printRanges(session, scan, options.format, run.isInterrupted());
+    report(countsText(session.counts().total()));
     return printed == Success ? run.endOf(code) : printed;
 }

@@ -46,7 +46,8 @@ private:
     StationAnswer answerOfFailure() const;
     void waitAfterSilence() const;
     void secondPass();
-    void reportCounts() const;
+    void reportEnd() const;
+    void reportDisturbed() const;
     int print() const;
     QStringList foundLines() const;
     std::vector<StationRow> rows() const;
@@ -76,8 +77,10 @@ int StationScanRun::scan()
     m_session.channel().setKeepsOpen(true);
     if (pass("stations", stations) && m_options.passes > 1)
         secondPass();
-    reportCounts();
-    return print();
+    reportEnd();
+    const int code = print();
+    report(countsText(m_session.counts().total()));
+    return code;
 }
 
 bool StationScanRun::pass(const char *title, const std::vector<int> &stations)
@@ -131,7 +134,7 @@ StationAnswer StationScanRun::answerOfFailure() const
     const std::vector<Exchange> &exchanges = m_session.exchanges();
     const bool isOther = failure.kind == FailureKind::OtherStation && !exchanges.empty();
     return {kindOf(failure), isOther ? byteAt(exchanges.back().reply, 0) : -1, failure.text,
-            nameOf(failure.kind)};
+            nameOf(failure.kind), failure.advice};
 }
 
 // Some slaves take the next request for the reply to the one before, when that was for another station.
@@ -141,7 +144,7 @@ void StationScanRun::waitAfterSilence() const
     m_run.pause(m_options.afterSilence - microseconds / 1000);
 }
 
-void StationScanRun::reportCounts() const
+void StationScanRun::reportEnd() const
 {
     if (m_scan.scannedTo() < m_options.last)
         reportError(QStringLiteral("%1; %2").arg(
@@ -154,9 +157,7 @@ void StationScanRun::reportCounts() const
         reportError(QStringLiteral("interrupted while asking once more; stations %1 to %2 were asked")
                         .arg(QString::number(m_options.first), QString::number(m_options.last)));
     report(QStringLiteral("%1 answered").arg(counted(static_cast<qint64>(m_scan.found().size()), "station")));
-    for (const StationScan::Result &result : m_scan.disturbed())
-        report(QStringLiteral("station %1 disturbed: %2")
-                   .arg(QString::number(result.station), result.answer.text));
+    reportDisturbed();
     if (const int echoes = m_scan.count(StationAnswer::Echo))
         report(QStringLiteral(
                    "the line echoes: what came back was the request itself, for %1; switch that off in "
@@ -166,7 +167,19 @@ void StationScanRun::reportCounts() const
         report(QStringLiteral("for %1 the gateway answered that %2 not there (exception 0x0A or 0x0B)")
                    .arg(counted(absent, "station"),
                         absent == 1 ? QStringLiteral("it is") : QStringLiteral("they are")));
-    report(countsText(m_session.counts().total()));
+}
+
+// What to look at stands once, under the last station that it is about.
+void StationScanRun::reportDisturbed() const
+{
+    const std::vector<StationScan::Result> disturbed = m_scan.disturbed();
+    for (size_t i = 0; i < disturbed.size(); ++i) {
+        const StationAnswer &answer = disturbed[i].answer;
+        report(QStringLiteral("station %1 disturbed: %2")
+                   .arg(QString::number(disturbed[i].station), answer.text));
+        if (i + 1 == disturbed.size() || disturbed[i + 1].answer.advice != answer.advice)
+            report(QStringLiteral("  check: ") + answer.advice);
+    }
 }
 
 int StationScanRun::print() const

@@ -43,6 +43,7 @@ private:
     bool writePortion(const TypedItems &portion, int first);
     bool isBroadcast() const { return m_session.stationFor(m_typed.items) == modbus::BroadcastStation; }
     bool isExpectedSilence() const;
+    void failWrite(const QString &label);
     void fail(const QString &label);
     void compare();
     WrittenRow rowOf(int value) const;
@@ -87,7 +88,7 @@ bool WriteRun::writePortion(const TypedItems &portion, int first)
     if (isConfirmed)
         reportOddSuccess(m_session, label(first));
     else if (!isExpectedSilence())
-        fail(label(first));
+        failWrite(label(first));
     return m_code == Success;
 }
 
@@ -96,14 +97,19 @@ bool WriteRun::isExpectedSilence() const
     return isBroadcast() && m_session.failure().kind == FailureKind::NoReply && m_report.hasTouched();
 }
 
-void WriteRun::fail(const QString &label)
+void WriteRun::failWrite(const QString &label)
 {
-    const Failure failure = m_session.failure();
-    reportFailure(m_session, label);
+    fail(label);
     if (m_report.hasTouched()) {
         for (const QString &line : m_report.lines())
             report(QStringLiteral("  ") + line);
     }
+}
+
+void WriteRun::fail(const QString &label)
+{
+    const Failure failure = m_session.failure();
+    reportFailure(m_session, label);
     m_failure = RowFailure{nameOf(failure.kind), failure.text};
     m_code = exitCodeOf(failure);
 }
@@ -117,6 +123,7 @@ void WriteRun::verify()
             return;
         if (!data) {
             fail(label(static_cast<int>(m_readBack.size())));
+            report(QStringLiteral("  the write was confirmed; whether the slave holds it is not verified"));
             return;
         }
         const Values values = valuesIn(*data, portion);

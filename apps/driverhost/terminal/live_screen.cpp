@@ -16,11 +16,41 @@ const char ToTheTop[] = "\x1b[H";
 const char EraseToEndOfLine[] = "\x1b[K";
 const char EraseBelow[] = "\x1b[J";
 
+// What is narrower shows less.
+const int LeastWidth = 20;
+
 bool write(const QByteArray &text)
 {
     return std::fwrite(text.constData(), 1, static_cast<size_t>(text.size()), stdout) ==
                static_cast<size_t>(text.size()) &&
            std::fflush(stdout) == 0;
+}
+
+// Where a line is broken: rather between its parts, which have two blanks between them, than between words.
+int breakIn(const QString &line, int width)
+{
+    for (const char *gap : {"  ", " "}) {
+        const int blank = int(line.lastIndexOf(QLatin1String(gap), width));
+        if (blank > width / 2)
+            return blank;
+    }
+    return width;
+}
+
+// So that the terminal need not cut what is longer than it is wide.
+QStringList wrapped(const QStringList &lines, int screenWidth)
+{
+    const int width = std::max(screenWidth, LeastWidth);
+    QStringList all;
+    for (QString rest : lines) {
+        while (rest.size() > width) {
+            const int end = breakIn(rest, width);
+            all += rest.left(end);
+            rest = QStringLiteral("  ") + rest.mid(end).trimmed();
+        }
+        all += rest;
+    }
+    return all;
 }
 
 } // namespace
@@ -56,16 +86,18 @@ bool LiveScreen::show(const Page &page)
 // The cursor stands on the last line.
 QStringList LiveScreen::window(const Page &page)
 {
+    const QStringList head = wrapped(page.head, m_width);
+    const QStringList foot = wrapped(page.foot, m_width);
     const int rows = sizeOf(page.rows);
-    const int max = std::max(m_height - 1 - sizeOf(page.head) - sizeOf(page.foot), 1);
+    const int max = std::max(m_height - 1 - sizeOf(head) - sizeOf(foot), 1);
     m_rowsShown = rows > max ? std::max(max - 1, 1) : rows;
     m_firstRow = std::clamp(m_firstRow, 0, rows - m_rowsShown);
-    QStringList lines = page.head + page.rows.mid(m_firstRow, m_rowsShown);
+    QStringList lines = head + page.rows.mid(m_firstRow, m_rowsShown);
     if (m_rowsShown < rows)
         lines += QStringLiteral("rows %1 to %2 of %3; arrows, Page Up and Page Down show the others")
                      .arg(QString::number(m_firstRow + 1), QString::number(m_firstRow + m_rowsShown),
                           QString::number(rows));
-    return (lines + page.foot).mid(0, m_height - 1);
+    return (lines + foot).mid(0, m_height - 1);
 }
 
 bool LiveScreen::isOutdated()

@@ -14,7 +14,19 @@ namespace
 {
 
 const qint64 Second = 1000; // in milliseconds
+const qint64 SoonEnough = 100;
 const int MaxErrors = 4;
+const int MaxAdvices = 2;
+
+// Not so many that the values have no room.
+QStringList beginning(const QStringList &texts, int max)
+{
+    const int others = sizeOf(texts) - max;
+    QStringList some = texts.mid(0, max);
+    if (others > 0)
+        some += QStringLiteral("(%1 more)").arg(others);
+    return some;
+}
 
 QString timeText()
 {
@@ -40,11 +52,13 @@ public:
     bool add(size_t reading, const std::vector<ValueRow> &rows) override
     {
         m_table.add(reading, rows, m_clock.elapsed());
+        m_hasNews = true;
         return true;
     }
     bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override
     {
         m_table.addFailure(reading, rows, error);
+        m_hasNews = true;
         return true;
     }
     bool endRound() override
@@ -52,10 +66,11 @@ public:
         ++m_rounds;
         return draw();
     }
-    // A slave that answers no more must not leave its last values standing.
+    // A slave that answers no more must not leave its last values standing, nor keep those of others back.
     void tick() override
     {
-        if (m_screen.isOutdated() || m_clock.elapsed() - m_drawnAt >= Second)
+        const qint64 age = m_clock.elapsed() - m_drawnAt;
+        if (m_screen.isOutdated() || age >= (m_hasNews ? SoonEnough : Second))
             draw();
     }
 
@@ -63,6 +78,7 @@ private:
     bool draw()
     {
         m_drawnAt = m_clock.elapsed();
+        m_hasNews = false;
         const QStringList lines = m_table.lines(m_drawnAt, screenWidth(), m_isUnicode);
         return m_screen.show({head() << lines.first(), lines.mid(1), foot()});
     }
@@ -73,10 +89,9 @@ private:
     }
     QStringList foot() const
     {
-        QStringList lines = m_table.errors();
-        const int others = sizeOf(lines) - MaxErrors;
-        if (others > 0)
-            lines = lines.mid(0, MaxErrors) << QStringLiteral("(%1 more)").arg(others);
+        QStringList lines = beginning(m_table.errors(), MaxErrors);
+        for (const QString &advice : beginning(m_table.advices(), MaxAdvices))
+            lines += QStringLiteral("  check: ") + advice;
         if (m_log != nullptr && !m_log->trouble().isEmpty())
             lines += m_log->trouble();
         const QString wait = waitText(m_session);
@@ -90,6 +105,7 @@ private:
     bool m_isUnicode;
     int m_rounds = 0;
     qint64 m_drawnAt = 0;
+    bool m_hasNews = false; // that nobody sees yet
     QElapsedTimer m_clock;
     LiveScreen m_screen;
 };

@@ -16,6 +16,13 @@ QString millisecondsText(qint64 microseconds)
                             : QString::number(static_cast<double>(microseconds) / Millisecond, 'f', 1);
 }
 
+QStringList eachOnce(QStringList texts)
+{
+    texts.removeAll(QString());
+    texts.removeDuplicates();
+    return texts;
+}
+
 int longestOf(const QStringList &lines)
 {
     int longest = 0;
@@ -29,8 +36,11 @@ int longestOf(const QStringList &lines)
 WatchTable::WatchTable(const std::vector<Reading> &readings, qint64 lifetime)
     : m_readings(readings), m_states(readings.size())
 {
-    for (size_t i = 0; i < readings.size(); ++i)
+    for (size_t i = 0; i < readings.size(); ++i) {
         m_states[i].values.resize(readings[i].shown.size(), WatchedValue(lifetime));
+        for (const Reading::Shown &shown : readings[i].shown)
+            m_hasNames = m_hasNames || !shown.point->name.isEmpty();
+    }
 }
 
 void WatchTable::add(size_t reading, const std::vector<ValueRow> &rows, qint64 now)
@@ -43,6 +53,7 @@ void WatchTable::add(size_t reading, const std::vector<ValueRow> &rows, qint64 n
         state.attempts = rows[i].attempts;
     }
     state.error.clear();
+    state.advice.clear();
 }
 
 void WatchTable::addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error)
@@ -53,6 +64,7 @@ void WatchTable::addFailure(size_t reading, const std::vector<ValueRow> &rows, c
     for (const ValueRow &row : rows) {
         state.duration = row.duration;
         state.attempts = row.attempts;
+        state.advice = row.failure ? row.failure->advice : QString();
     }
     ++state.errors;
     state.error = error;
@@ -60,8 +72,9 @@ void WatchTable::addFailure(size_t reading, const std::vector<ValueRow> &rows, c
 
 QStringList WatchTable::lines(qint64 now, int width, bool isUnicode) const
 {
-    Table table({QStringLiteral("address"), QStringLiteral("value"), QString(), QStringLiteral("reply ms"),
-                 QStringLiteral("total ms"), QStringLiteral("attempts"), QStringLiteral("errors"), QString()},
+    Table table({m_hasNames ? QStringLiteral("name") : QStringLiteral("address"), QStringLiteral("value"),
+                 QString(), QStringLiteral("reply ms"), QStringLiteral("total ms"),
+                 QStringLiteral("attempts"), QStringLiteral("errors"), QString()},
                 {1, 3, 4, 5, 6});
     QStringList courses{QStringLiteral("course")};
     for (size_t i = 0; i < m_states.size(); ++i) {
@@ -75,7 +88,8 @@ QStringList WatchTable::lines(qint64 now, int width, bool isUnicode) const
     // The newest readings stand at the right, and must not be cut off.
     const int left = longestOf(lines) + 2;
     for (int i = 0; i < lines.size(); ++i) {
-        const QString course = courses.at(i).right(std::max(width - left, 0));
+        const int room = std::max(width - left, 0);
+        const QString course = i == 0 ? courses.at(i).left(room) : courses.at(i).right(room);
         if (!course.isEmpty())
             lines[i] = lines.at(i).leftJustified(left) + course;
         lines[i].truncate(width);
@@ -100,11 +114,17 @@ QStringList WatchTable::cells(const QString &label, const State &state, const Wa
 QStringList WatchTable::errors() const
 {
     QStringList errors;
-    for (const State &state : m_states) {
-        if (!state.error.isEmpty() && !errors.contains(state.error))
-            errors += state.error;
-    }
-    return errors;
+    for (const State &state : m_states)
+        errors += state.error;
+    return eachOnce(errors);
+}
+
+QStringList WatchTable::advices() const
+{
+    QStringList advices;
+    for (const State &state : m_states)
+        advices += state.advice;
+    return eachOnce(advices);
 }
 
 QString WatchTable::legend(bool isUnicode)

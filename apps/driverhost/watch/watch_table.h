@@ -14,12 +14,14 @@ public:
 
     /// Rows of one reading, as they came at \a now, in milliseconds.
     void add(size_t reading, const std::vector<ValueRow> &rows, qint64 now);
+    /// \a error says what has failed.
     void addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error);
 
     /// The titles and the values, no line longer than \a width.
     QStringList lines(qint64 now, int width, bool isUnicode) const;
-    /// What has failed the last time, each text once.
+    /// What has failed the last time, and what to look at next, each text once.
     QStringList errors() const;
+    QStringList advices() const;
     /// What the column of bars shows.
     static QString legend(bool isUnicode);
 
@@ -31,10 +33,12 @@ private:
         int attempts = 0;
         int errors = 0;
         QString error;
+        QString advice;
     };
 
     QStringList cells(const QString &label, const State &state, const WatchedValue &value, qint64 now) const;
 
     const std::vector<Reading> &m_readings;
     std::vector<State> m_states;
+    bool m_hasNames = false;
 };

@@ -12,6 +12,10 @@ namespace
 
 enum class Place { Beginning, End, Anywhere };
 
+// Of short replies every byte is near an edge, and of few replies all may lie there by chance.
+const int ShortestTelling = 12;
+const int FewestTold = 3;
+
 const int EdgeSize = 3; // station, function and byte count; or the CRC and a byte before it
 
 std::vector<const Asked *> spoiltIn(const Observations &seen)
@@ -89,13 +93,13 @@ Place placeOf(const std::vector<const Asked *> &spoilt, const Observations &seen
     int told = 0;
     for (const Asked *one : spoilt) {
         const QByteArray right = rightReplyTo(one->request, seen);
-        if (right.isEmpty())
+        if (right.size() < ShortestTelling)
             continue;
         ++counts[placeOf(bytesOf(*one), right)];
         ++told;
     }
     for (const Place place : {Place::Beginning, Place::End}) {
-        if (told > 0 && counts[place] * 10 >= told * 8)
+        if (told >= FewestTold && counts[place] * 10 >= told * 8)
             return place;
     }
     return Place::Anywhere;

@@ -5,7 +5,8 @@ const std::vector<Examination> &examinations()
     static const std::vector<Examination> all = {
         connectionExamination(), contactExamination(), serviceExamination(), stationExamination(),
         streamExamination(),     sampleExamination(),  pauseExamination(),   damageExamination(),
-        areaExamination(),       valueExamination(),   lengthExamination(),  functionExamination(),
+        placeExamination(),      valueExamination(),   areaExamination(),    lengthExamination(),
+        functionExamination(),
     };
     return all;
 }

@@ -13,6 +13,7 @@ const qint64 Millisecond = 1000;
 const std::array<qint64, 10> Pauses = {20, 50, 100, 150, 250, 400, 600, 900, 1400, 2000};
 const qint64 Prompt = 10 * Millisecond;
 const int Proofs = 3;
+const int PromptProofs = 5;
 
 bool isSilent(const Asked &asked)
 {
@@ -63,7 +64,8 @@ public:
     // What happens without a pause, as often as it takes to tell.
     void prompt()
     {
-        for (int i = 0; i < Proofs && hasTime(); ++i) {
+        m_wasSilent = true;
+        for (int i = 0; i < PromptProofs && m_wasSilent && hasTime(); ++i) {
             warmUp();
             m_wasSilent = isSilent(m_examiner.ask(Purpose::Prompt, m_request, m_examiner.usualWait()));
         }

@@ -13,7 +13,8 @@ namespace
 const qint64 Second = 1000000;
 const qint64 Millisecond = 1000;
 const int MostSamples = 40;
-const qint64 LongestSampling = 16 * Second;
+const int MostTries = 6;
+const qint64 LongestSampling = 12 * Second;
 // More registers show better where a reply is damaged.
 const int SampleItems = 8;
 // No serial line makes such a pause within a frame, and no network in order.
@@ -27,12 +28,13 @@ QByteArray sampleRequest(Examiner &examiner)
     const QByteArray longer = readRequest(first->station(), areaOfFunction(first->function()),
                                           wordAt(first->request, 2), SampleItems);
     const QByteArray shorter = first->request;
-    for (int i = 0; i < 2; ++i) {
-        const Asked asked = examiner.ask(Purpose::Sample, longer, examiner.longWait());
+    for (int quiet = 0, tries = 0; quiet < 2 && tries < MostTries; ++tries) {
+        const Asked asked = examiner.ask(Purpose::Sample, longer, examiner.patientWait());
         if (asked.result == AskResult::Answered)
             return longer;
         if (asked.result == AskResult::Refused)
             break;
+        quiet += examiner.seen().isSpoilt(asked) ? 0 : 1;
     }
     return shorter;
 }
@@ -56,10 +58,10 @@ void observe(Examiner &examiner)
     const qint64 end = examiner.now() + LongestSampling;
     int silent = 0;
     for (int i = 0; i < MostSamples && silent < 2 && examiner.now() < end && !request.isEmpty(); ++i) {
-        if (!examiner.hasTimeFor(examiner.longWait()))
+        if (!examiner.hasTimeFor(examiner.usualWait()))
             return;
         examiner.showProgress(QStringLiteral("reading, %1 of %2").arg(i + 1).arg(MostSamples));
-        const Asked asked = examiner.ask(Purpose::Sample, request, examiner.longWait());
+        const Asked asked = examiner.ask(Purpose::Sample, request, examiner.patientWait());
         silent += asked.result == AskResult::Silent ? 1 : 0;
     }
 }

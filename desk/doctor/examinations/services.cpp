@@ -97,8 +97,8 @@ bool isText(const QByteArray &bytes)
     const auto readable = std::count_if(bytes.begin(), bytes.end(), isReadable);
     const int fewest = 4;
     const int mostOthers = 10; // a tenth
-    return isTelnet(bytes) || (bytes.size() >= fewest && (bytes.contains('\n') || bytes.contains('\r')) &&
-                               (bytes.size() - readable) * mostOthers <= bytes.size());
+    return (bytes.size() >= fewest && (bytes.contains('\n') || bytes.contains('\r')) &&
+            (bytes.size() - readable) * mostOthers <= bytes.size());
 }
 
 struct Probe {
@@ -116,12 +116,12 @@ struct Service {
     const char *what;
 };
 const Service Services[] = {
-    {FindingKind::Ssh, isSsh, "a remote shell (SSH)"},
-    {FindingKind::Http, isHttp, "web pages (HTTP)"},
-    {FindingKind::Tls, isTls, "encrypted connections (TLS)"},
-    {FindingKind::ModbusTcp, isTcpReply, "Modbus/TCP instead of RTU"},
-    {FindingKind::ModbusAscii, isAsciiReply, "Modbus ASCII instead of RTU"},
-    {FindingKind::TextBanner, isText, "readable text"},
+    {FindingKind::Ssh, isSsh, "speaks SSH, for remote shells"},
+    {FindingKind::Http, isHttp, "speaks HTTP, for web pages"},
+    {FindingKind::Tls, isTls, "speaks TLS: the port is encrypted"},
+    {FindingKind::ModbusTcp, isTcpReply, "speaks Modbus/TCP and not RTU"},
+    {FindingKind::ModbusAscii, isAsciiReply, "speaks Modbus ASCII and not RTU"},
+    {FindingKind::TextBanner, isText, "sends readable text, as another service does"},
 };
 
 struct Recognised {
@@ -134,7 +134,9 @@ Recognised recognised(const Observations &seen)
 {
     for (const Service &service : Services) {
         for (const Stray &stray : seen.strays) {
-            if (service.isMeant(stray.bytes))
+            const bool isGreeting =
+                service.kind == FindingKind::TextBanner && stray.isFirst && isTelnet(stray.bytes);
+            if (isGreeting || service.isMeant(stray.bytes))
                 return {&service, evidenceOf(std::vector<Stray>{stray})};
         }
         for (const Asked &asked : seen.asked) {
@@ -182,7 +184,7 @@ Judgement judge(const Observations &seen, const DoctorOptions &options)
     judgement.remedy.worksNow = false;
     if (found.service != nullptr)
         judgement.add(found.service->kind,
-                      QStringLiteral("%1 speaks %2").arg(endpoint, QLatin1String(found.service->what)),
+                      QStringLiteral("%1 %2").arg(endpoint, QLatin1String(found.service->what)),
                       found.evidence);
     else if (std::all_of(seen.asked.begin(), seen.asked.end(), isEnded))
         judgement.add(FindingKind::ConnectionEnds,

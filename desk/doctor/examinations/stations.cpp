@@ -14,7 +14,7 @@ const qint64 Second = 1000000;
 const int LastOfFirst = 10;
 const int MostSpoilt = 4;
 
-// The one in whose name a reply came goes first.
+// The one in whose name a reply came goes first, and last of all the one asked before, once more.
 std::vector<int> candidates(const Observations &seen)
 {
     std::vector<int> stations;
@@ -27,16 +27,20 @@ std::vector<int> candidates(const Observations &seen)
     stations.push_back(modbus::MaxStation);
     std::vector<int> once;
     for (const int station : stations) {
-        if (station != seen.station && std::find(once.begin(), once.end(), station) == once.end())
+        const bool isRepeated = std::find(once.begin(), once.end(), station) != once.end();
+        if (station != seen.station && !isRepeated)
             once.push_back(station);
     }
+    once.push_back(seen.station);
     return once;
 }
 
 const Asked *answerOf(const Observations &seen, int station)
 {
+    // A reply of another length may be one to another master.
     const auto answer = std::find_if(seen.asked.begin(), seen.asked.end(), [station](const Asked &one) {
-        return one.station() == station && one.isAnswer() && !one.isStationAbsent();
+        return one.station() == station && one.isAnswer() && one.result != AskResult::OtherLength &&
+               !one.isStationAbsent();
     });
     return answer == seen.asked.end() ? nullptr : &*answer;
 }

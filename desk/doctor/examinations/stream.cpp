@@ -9,6 +9,7 @@ namespace
 {
 
 const qint64 Second = 1000000;
+const qint64 ShortListening = 5 * Second;
 const qint64 LongestPeriod = 25 * Second;
 
 using Strays = std::vector<Stray>;
@@ -119,7 +120,10 @@ void observe(Examiner &examiner)
     if (examiner.seen().connections.empty())
         return;
     examiner.showProgress(QStringLiteral("listening"));
-    const qint64 time = examiner.options().listenTime;
+    // Where others had to be asked first there is less time.
+    const bool isLate = examiner.now() > examiner.options().longestTime / 2;
+    const qint64 listenTime = examiner.options().listenTime;
+    const qint64 time = isLate ? std::min(listenTime, ShortListening) : listenTime;
     const qint64 left = examiner.options().longestTime - examiner.now();
     listen(examiner, std::min(time, left));
     const bool hasFirst = std::any_of(examiner.seen().strays.begin(), examiner.seen().strays.end(),

@@ -3,6 +3,8 @@
 #include "desk/wire/frame_text.h"
 #include "desk/wire/rtu_frame.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -14,10 +16,31 @@ QString timeText(qint64 at)
     return QStringLiteral("%1 s").arg(static_cast<double>(at) / MicrosecondsPerSecond, 7, 'f', 3);
 }
 
+bool isReadable(const QByteArray &bytes)
+{
+    const int fewest = 3;
+    return bytes.size() >= fewest && std::all_of(bytes.begin(), bytes.end(), [](char letter) {
+               return (letter >= ' ' && letter <= '~') || letter == '\r' || letter == '\n';
+           });
+}
+
+QString lettersOf(const QByteArray &bytes)
+{
+    const int most = 32;
+    QString text = QString::fromLatin1(bytes.left(most));
+    text.replace(QLatin1Char('\r'), QLatin1String("\\r")).replace(QLatin1Char('\n'), QLatin1String("\\n"));
+    return bytes.size() <= most ? text : text + QStringLiteral("...");
+}
+
 QString bytesText(const QByteArray &bytes)
 {
-    const int most = 16;
+    const int mostOfText = 6;
+    const bool isText = isReadable(bytes);
+    const int most = isText ? mostOfText : 14;
     const QString text = QString::fromLatin1(bytes.left(most).toHex(' ').toUpper());
+    if (isText)
+        return QStringLiteral("%1%2 \"%3\"")
+            .arg(text, bytes.size() <= most ? QString() : QStringLiteral(" ..."), lettersOf(bytes));
     return bytes.size() <= most ? text : QStringLiteral("%1 ... (%2 bytes)").arg(text).arg(bytes.size());
 }
 

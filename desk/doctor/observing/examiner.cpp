@@ -27,6 +27,11 @@ qint64 Examiner::longWait() const
     return std::clamp<qint64>(qint64(2) * m_options.exchange.timeout * Millisecond, 6 * Second, 8 * Second);
 }
 
+qint64 Examiner::patientWait() const
+{
+    return std::clamp(m_options.longestTime - now(), usualWait(), longWait());
+}
+
 qint64 Examiner::usualWait() const
 {
     qint64 longest = 0;
@@ -120,7 +125,9 @@ Asked Examiner::ask(Purpose purpose, const QByteArray &request, qint64 wait, qin
             takeReply(asked);
         noteEnd();
     }
-    m_seen.asked.push_back(asked);
+    // Of what was not waited for to the end nothing is known.
+    if (!isCancelled() || asked.isAnswer())
+        m_seen.asked.push_back(asked);
     return asked;
 }
 

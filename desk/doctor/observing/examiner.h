@@ -41,6 +41,8 @@ public:
     bool isCancelled() const { return m_line.isCancelled(); }
     /// How long to wait for a reply of a station of which nothing is known.
     qint64 longWait() const;
+    /// The same where little time is left.
+    qint64 patientWait() const;
     /// The same when replies of it were seen.
     qint64 usualWait() const;
 

@@ -44,10 +44,6 @@ const std::vector<FindingInfo> &findingInfos()
         {Kind::ConnectionEnds, "connection-ends", Weight::Open,
          "The other side ends the connection after a request, and nothing tells why.",
          "Look which protocol and how many connections the port is set to, and at the gateway's log."},
-        {Kind::Echo, "echo", Weight::Explains, "The request comes back in front of the reply, or alone.",
-         "Switch the echo off at the converter of the two-wire line; the driver lives with it, but a reply "
-         "to "
-         "a write cannot be told from its echo."},
         {Kind::WrongStation, "wrong-station", Weight::Explains,
          "The station is silent, and another answers. Those from 1 to 10 and 247 are asked.",
          "Use the station that answers, or set the slave's."},
@@ -65,24 +61,6 @@ const std::vector<FindingInfo> &findingInfos()
          "Check wiring (A and B), speed, parity and stop bits of the serial line and the slave's station; "
          "\"driverhost scan TARGET stations\" asks all of them. A gateway whose only connection another "
          "master holds is silent too."},
-        {Kind::Registration, "registration", Weight::Explains,
-         "The first thing that comes on every connection, before anything is sent, is the same and no frame.",
-         "Switch the registration packet off in the gateway. The driver throws it away."},
-        {Kind::Heartbeat, "heartbeat", Weight::Explains,
-         "The same bytes come again and again at one interval and are no frame.",
-         "Switch the heartbeat packet off in the gateway. The driver throws it away, but one that comes "
-         "within a reply spoils it."},
-        {Kind::OtherMaster, "other-master", Weight::Explains,
-         "Whole frames come that answer nothing which was asked here, also while nothing is asked.",
-         "Find the other master and give one of the two its own line, or let the gateway keep them apart. "
-         "Two masters that ask the same station cannot tell their replies apart."},
-        {Kind::StrayBytes, "stray-bytes", Weight::Explains,
-         "Bytes come that are no frame, in front of replies, after them or now and then, and without the "
-         "order of a registration or heartbeat packet.",
-         "Check the bias and termination of the serial line, and switch packets of the gateway's own off."},
-        {Kind::IdleClose, "idle-close", Weight::Explains,
-         "The other side ends a connection on which nothing has been asked for some seconds.",
-         "Raise the gateway's idle time above the interval between readings, or read more often."},
         {Kind::LateAnswers, "late-answers", Weight::Explains,
          "Replies come later than the time-out allows, or 0.1 % of them will by the measured distribution.",
          "Use a time-out of what 99.9 % of the replies need and half as much again."},
@@ -93,9 +71,6 @@ const std::vector<FindingInfo> &findingInfos()
          "Some requests are not answered, whether they come after a pause or not.",
          "Check the radio or mobile network, the wiring and termination of the serial line, and whether "
          "another master talks at the same time; retries help meanwhile."},
-        {Kind::Gaps, "gaps", Weight::Explains, "Replies come in parts with more than 50 ms between them.",
-         "Set the gateway's packing time (also called inter-character or frame time-out) to some characters' "
-         "length, and its packet size to 256 bytes at least; the time-out counts for each part."},
         {Kind::BeginningDamaged, "beginning-damaged", Weight::Explains,
          "Replies have a wrong CRC, and what is wrong are their first bytes.",
          "The line is switched too late: check the delay between sending and receiving of the converter and "
@@ -131,7 +106,7 @@ const std::vector<FindingInfo> &findingInfos()
          "The list counts otherwise than the driver, which counts from 1: shift all its addresses."},
         {Kind::WordOrder, "word-order", Weight::Explains,
          "The expected values are there when their bytes are put together in another order.",
-         "Name the order, as @ABCD after the address or in the column order."},
+         "Name the order, as in HR100:u32@ABCD or in the column order."},
         {Kind::OtherArea, "other-area", Weight::Explains,
          "The expected values stand at the same addresses of another area.", "Use the letters of that area."},
         {Kind::Scaled, "scaled", Weight::Explains, "The expected values are there but for one factor of ten.",
@@ -143,6 +118,31 @@ const std::vector<FindingInfo> &findingInfos()
          "The values that were read are not the expected ones, and neither another address beside it nor "
          "another order, area or factor explains that.",
          "Check the addresses, types and values in the slave's manual and on its display."},
+        {Kind::OtherMaster, "other-master", Weight::Explains,
+         "Whole frames come that answer nothing which was asked here, also while nothing is asked.",
+         "Find the other master and give one of the two its own line, or let the gateway keep them apart. "
+         "Two masters that ask the same station cannot tell their replies apart."},
+        {Kind::Echo, "echo", Weight::Explains, "The request comes back in front of the reply, or alone.",
+         "Switch the echo off at the converter of the two-wire line; the driver lives with it, but a reply "
+         "to "
+         "a write cannot be told from its echo."},
+        {Kind::StrayBytes, "stray-bytes", Weight::Explains,
+         "Bytes come that are no frame, in front of replies, after them or now and then, and without the "
+         "order of a registration or heartbeat packet.",
+         "Check the bias and termination of the serial line, and switch packets of the gateway's own off."},
+        {Kind::Gaps, "gaps", Weight::Explains, "Replies come in parts with more than 50 ms between them.",
+         "Set the gateway's packing time (also called inter-character or frame time-out) to some characters' "
+         "length, and its packet size to 256 bytes at least; the time-out counts for each part."},
+        {Kind::Registration, "registration", Weight::Explains,
+         "The first thing that comes on every connection, before anything is sent, is the same and no frame.",
+         "Switch the registration packet off in the gateway. The driver throws it away."},
+        {Kind::Heartbeat, "heartbeat", Weight::Explains,
+         "The same bytes come again and again at one interval and are no frame.",
+         "Switch the heartbeat packet off in the gateway. The driver throws it away, but one that comes "
+         "within a reply spoils it."},
+        {Kind::IdleClose, "idle-close", Weight::Explains,
+         "The other side ends a connection on which nothing has been asked for some seconds.",
+         "Raise the gateway's idle time above the interval between readings, or read more often."},
         {Kind::Timing, "timing", Weight::Remark, "How long replies took.", "-"},
         {Kind::Areas, "areas", Weight::Remark, "Which areas were readable where they were tried.", "-"},
         {Kind::LargestRequest, "largest-request", Weight::Remark,

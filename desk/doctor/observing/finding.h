@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// What an examination can come to, in the order from the cable up.
+/// What an examination can come to, in the order in which it is said: first what keeps values away.
 enum class FindingKind {
     HostUnknown,
     NobodyListens,
@@ -20,20 +20,13 @@ enum class FindingKind {
     Ssh,
     TextBanner,
     ConnectionEnds,
-    Echo,
     WrongStation,
     StationAbsent,
     AnswersAsOther,
     Silent,
-    Registration,
-    Heartbeat,
-    OtherMaster,
-    StrayBytes,
-    IdleClose,
     LateAnswers,
     NeedsPause,
     LostReplies,
-    Gaps,
     BeginningDamaged,
     EndDamaged,
     AnywhereDamaged,
@@ -48,6 +41,13 @@ enum class FindingKind {
     Scaled,
     AmbiguousValues,
     OtherValues,
+    OtherMaster,
+    Echo,
+    StrayBytes,
+    Gaps,
+    Registration,
+    Heartbeat,
+    IdleClose,
     Timing,
     Areas,
     LargestRequest,

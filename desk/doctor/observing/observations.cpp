@@ -72,6 +72,24 @@ const Asked *Observations::firstRead() const
     return found == asked.end() ? nullptr : &*found;
 }
 
+const Asked *Observations::readOf(Area area) const
+{
+    const auto found = std::find_if(asked.begin(), asked.end(), [&](const Asked &one) {
+        return one.function() == readFunction(area) && one.station() == working &&
+               one.result == AskResult::Answered;
+    });
+    return found == asked.end() ? nullptr : &*found;
+}
+
+const Asked *Observations::refusalOf(Area area) const
+{
+    const auto found = std::find_if(asked.rbegin(), asked.rend(), [&](const Asked &one) {
+        return one.function() == readFunction(area) && one.station() == working &&
+               one.result == AskResult::Refused && one.purpose != Purpose::Length;
+    });
+    return found == asked.rend() ? nullptr : &*found;
+}
+
 bool Observations::hasFrames() const
 {
     return std::any_of(asked.begin(), asked.end(), [](const Asked &one) {
@@ -79,11 +97,28 @@ bool Observations::hasFrames() const
     });
 }
 
+// The same bytes come unasked, or in place of replies to different requests.
+bool Observations::isPacket(const QByteArray &bytes) const
+{
+    const QByteArray *request = nullptr;
+    for (const Stray &stray : strays) {
+        if (stray.bytes != bytes || stray.kind != SkippedPart::Noise)
+            continue;
+        if (stray.asked < 0)
+            return true;
+        const QByteArray &itsRequest = asked[static_cast<size_t>(stray.asked)].request;
+        if (request != nullptr && *request != itsRequest)
+            return true;
+        request = &itsRequest;
+    }
+    return false;
+}
+
 bool Observations::isSpoilt(const Asked &one) const
 {
     QByteArray received = one.received();
     for (const Stray &stray : strays) {
-        if (stray.asked < 0)
+        if (isPacket(stray.bytes))
             received.replace(stray.bytes, QByteArray());
     }
     // Less is a packet of the gateway's own rather than what is left of a reply.

@@ -114,8 +114,14 @@ struct Observations {
     std::vector<const Asked *> timed() const;
     /// The first request that found something readable; nothing when there was none.
     const Asked *firstRead() const;
+    /// A read of the area that the working station answered, and the last one that it refused; nothing when
+    /// there was none.
+    const Asked *readOf(Area area) const;
+    const Asked *refusalOf(Area area) const;
     /// Whether any frame came that answers a request of RTU.
     bool hasFrames() const;
+    /// Whether the bytes are none of a reply, however damaged.
+    bool isPacket(const QByteArray &bytes) const;
     /// Whether a reply came whose bytes are not what was sent. What also comes when nothing is asked is none.
     bool isSpoilt(const Asked &one) const;
     /// Whether the noise is what is left of a spoilt reply.

@@ -47,6 +47,15 @@ void printRow(const PlantCase &one, const Diagnosis &diagnosis, bool isRight)
                 static_cast<double>(diagnosis.duration) / 1e6, isRight ? "right" : "WRONG");
 }
 
+// What has misled it.
+void printEvidence(const PlantCase &one, const Diagnosis &diagnosis)
+{
+    for (const Finding &finding : diagnosis.faults) {
+        if (!one.faults.contains(finding.name()))
+            std::printf("    %s\n", finding.evidence.join(QStringLiteral("\n    ")).toUtf8().constData());
+    }
+}
+
 // How many are named right.
 int countRight(const std::vector<PlantCase> &cases, bool isPrinted)
 {
@@ -59,6 +68,8 @@ int countRight(const std::vector<PlantCase> &cases, bool isPrinted)
         right += isRight ? 1 : 0;
         if (isPrinted || !isRight)
             printRow(one, outcome.diagnosis, isRight);
+        if (!isRight)
+            printEvidence(one, outcome.diagnosis);
         EXPECT_LE(outcome.diagnosis.duration, Longest) << one.name.toStdString();
         EXPECT_EQ(outcome.writes, 0) << one.name.toStdString();
     }

@@ -43,9 +43,26 @@ TEST(FailureAdvice, SaysWhatTheTextAloneDoesNot)
               FailureKind::CannotConnect);
     const CommandRecord echoed = RecordedCommand().sends().with(ChannelEvent::SkippedCopy, readOne).ended();
     EXPECT_EQ(kindOf("PLC no response", echoed), FailureKind::Echo);
-    const Failure withheld =
-        failureOf(QStringLiteral("PLC no response"),
-                  RecordedCommand().sends().with(ChannelEvent::Withheld, readOne).ended());
-    EXPECT_EQ(withheld.kind, FailureKind::NoReply);
-    EXPECT_TRUE(withheld.advice.startsWith(QLatin1String("not sent: "))) << withheld.advice.toStdString();
+}
+
+// To the driver an attempt that is not sent is one that nobody answers.
+TEST(FailureAdvice, IsAboutTheLastAttemptThatWasSent)
+{
+    const auto failureAfter = [](RecordedCommand command) {
+        return failureOf(QStringLiteral("PLC no response (read 1 word(s) from 1-HR1)"),
+                         command.with(ChannelEvent::Withheld, readOne).ended());
+    };
+    const auto sent = [] { return RecordedCommand().sends(); };
+    const Failure silent = failureAfter(sent());
+    EXPECT_EQ(silent.kind, FailureKind::NoReply);
+    EXPECT_TRUE(silent.advice.startsWith(QLatin1String("station id, "))) << silent.advice.toStdString();
+    EXPECT_EQ(failureAfter(sent().gets(goodReply.left(6))).kind, FailureKind::Cut);
+    EXPECT_EQ(failureAfter(sent().gets(damaged(goodReply))).kind, FailureKind::Damaged);
+    EXPECT_EQ(failureAfter(sent().gets(frame("0203020007"))).kind, FailureKind::OtherStation);
+    EXPECT_EQ(failureAfter(sent().gets(frame("0104020007"))).kind, FailureKind::NotUnderstood);
+    EXPECT_EQ(failureAfter(sent().gets(readOne.left(7))).kind, FailureKind::Echo);
+    EXPECT_EQ(failureAfter(sent().with(ChannelEvent::ClosedByOther)).kind, FailureKind::ConnectionEnded);
+    const Failure unsent = failureAfter(RecordedCommand());
+    EXPECT_EQ(unsent.kind, FailureKind::NoReply);
+    EXPECT_TRUE(unsent.advice.startsWith(QLatin1String("not sent: "))) << unsent.advice.toStdString();
 }

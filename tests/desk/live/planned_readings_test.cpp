@@ -225,8 +225,10 @@ TEST_F(PlannedReadingsTest, SendWhatIsRefusedOnlyOnce)
     EXPECT_EQ(link.line.requests(), 4);
     ASSERT_TRUE(later.reported[0].failure);
     EXPECT_EQ(later.reported[0].failure->exception, 2);
-    EXPECT_TRUE(later.reported[0].failure->text.contains(QLatin1String("not asked again until")))
+    EXPECT_TRUE(later.reported[0].failure->text.startsWith(
+        QLatin1String("exception code:0x02 before; not asked again until")))
         << later.reported[0].failure->text.toStdString();
+    EXPECT_TRUE(later.reported[0].failure->advice.startsWith(QLatin1String("illegal data address: ")));
     EXPECT_EQ(later.failedCommands, 0);
 }
 

@@ -28,21 +28,44 @@ VALUES = {
 }
 
 
-def registers_of(add, value, byte_order, word_order):
+# What pymodbus has no name for are numbers whose digits are written otherwise.
+DIGITS = {
+    "hex": ("add_16bit_uint", "0x{:04X}", [0, 0xBEEF]),
+    "hex32": ("add_32bit_uint", "0x{:08X}", [0xDEADBEEF]),
+    "hex64": ("add_64bit_uint", "0x{:016X}", [0x0123456789ABCDEF]),
+    "bin": ("add_16bit_uint", "0b{:016b}", [0x8001]),
+    "bin32": ("add_32bit_uint", "0b{:032b}", [0x80010203]),
+    "bin64": ("add_64bit_uint", "0b{:064b}", [0x8001020304050607]),
+    "bcd16": ("add_16bit_uint", "{:x}", [0, 0x1234]),
+    "bcd32": ("add_32bit_uint", "{:x}", [0x12345678]),
+    "bcd64": ("add_64bit_uint", "{:x}", [0x1234567890123456]),
+}
+
+
+def registers_of(add, values, byte_order, word_order):
     builder = BinaryPayloadBuilder(byteorder=byte_order, wordorder=word_order)
-    getattr(builder, add)(value)
+    for value in values:
+        getattr(builder, add)(value)
     return builder.to_registers()
 
 
+def show(name, order, text, registers):
+    print(name, order, text, *(f"{register & 0xFFFF:04X}" for register in registers))
+
+
 def main():
-    for name, (add, values) in VALUES.items():
-        for order, (byte_order, word_order) in ORDERS.items():
+    for order, orders in ORDERS.items():
+        for name, (add, values) in VALUES.items():
             for value in values:
-                registers = registers_of(add, value, byte_order, word_order)
-                print(name, order, repr(value), *(f"{register & 0xFFFF:04X}" for register in registers))
+                show(name, order, repr(value), registers_of(add, [value], *orders))
+        for name, (add, form, values) in DIGITS.items():
+            for value in values:
+                show(name, order, form.format(value), registers_of(add, [value], *orders))
+    # Bytes and texts run on from register to register, and pymodbus knows them high byte first alone.
+    show("u8", "AB", "17,254", registers_of("add_8bit_uint", [17, 254], *ORDERS["ABCD"]))
+    show("i8", "AB", "-17,127", registers_of("add_8bit_int", [-17, 127], *ORDERS["ABCD"]))
     for text in ("AB", "Pump", "Valve 12"):
-        registers = registers_of("add_string", text, Endian.Big, Endian.Big)
-        print(f"str{len(text)}", "ABCD", text.replace(" ", "_"), *(f"{register:04X}" for register in registers))
+        show(f"str{len(text)}", "AB", text.replace(" ", "_"), registers_of("add_string", [text], *ORDERS["ABCD"]))
 
 
 if __name__ == "__main__":

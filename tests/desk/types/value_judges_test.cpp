@@ -32,6 +32,18 @@ std::vector<quint16> registersIn(const QStringList &words)
     return registers;
 }
 
+// Values with commas between them; "_" stands for a blank.
+std::vector<QByteArray> valuesOf(QString texts, const ValueType &type)
+{
+    std::vector<QByteArray> values;
+    for (const QString &text : texts.replace(QLatin1Char('_'), QLatin1Char(' ')).split(QLatin1Char(','))) {
+        const Result<QByteArray> value = parseValue(text, type, {TextEncoding::Latin1, true});
+        EXPECT_TRUE(value) << value.errorText().toStdString();
+        values.push_back(value.valueOr({}));
+    }
+    return values;
+}
+
 } // namespace
 
 TEST(ValueJudges, PymodbusLaysValuesIntoTheSameRegisters)
@@ -41,14 +53,13 @@ TEST(ValueJudges, PymodbusLaysValuesIntoTheSameRegisters)
         const QStringList words = line.split(QLatin1Char(' '));
         const ValueType type = parseType(words.at(0)).valueOr(ValueType());
         const Result<ByteOrder> order = parseOrder(words.at(1), type);
-        const QString text = QString(words.at(2)).replace(QLatin1Char('_'), QLatin1Char(' '));
-        const Result<QByteArray> value = parseValue(text, type, {TextEncoding::Latin1, true});
-        ASSERT_TRUE(order && value) << line.toStdString();
+        ASSERT_TRUE(order) << line.toStdString();
+        const std::vector<QByteArray> values = valuesOf(words.at(2), type);
         const std::vector<quint16> registers = registersIn(words.mid(3));
-        EXPECT_EQ(registersOf({*value}, type, *order), registers) << line.toStdString();
-        EXPECT_EQ(valuesIn(registers, type, *order, 1), std::vector<QByteArray>{*value})
+        EXPECT_EQ(registersOf(values, type, *order), registers) << line.toStdString();
+        EXPECT_EQ(valuesIn(registers, type, *order, static_cast<int>(values.size())), values)
             << line.toStdString();
         judged += words.at(0) + words.at(1);
     }
-    EXPECT_EQ(judged.size(), 8 * 4 + 3);
+    EXPECT_EQ(judged.size(), 17 * 4 + 2 + 3);
 }

@@ -38,34 +38,29 @@ TEST_F(Libmodbus, Refusals)
     EXPECT_EQ(std::vector<int>{exerciseInputRegister(9, 1)}, link->readWords("IR10"));
 }
 
-// Known bytes of types and orders, through the program. No master reads while they are laid there.
-TEST_F(Libmodbus, ReadsAndWritesTypedValues)
+// libmodbus takes what comes within half a second of a request to another station for the reply of that.
+TEST(LibmodbusScan, FindsASlaveThatTakesTheNextRequestForAReply)
 {
-    const std::vector<int> known{0x47F1, 0x2000, 0x2000, 0x47F1, 0xF147, 0x0020, 0x0020, 0xF147, 0x3FF8,
-                                 0,      0,      0,      0x1234, 0x5678, 0x5075, 0x6D70, 0xFFFE};
-    for (size_t i = 0; i < known.size(); ++i)
-        slave.setHoldingRegister(1 + static_cast<int>(i), known[i]);
-    const QString target = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(line.port());
-    const HostRun read =
-        runHost({"read", target, "HR1:f32@ABCD", "HR3:f32@CDAB", "HR5:f32@BADC", "HR7:f32@DCBA",
-                 "HR9:f64@ABCDEFGH", "HR13:bcd32@ABCD", "HR15:str4", "HR17:i16", "--format", "csv"});
-    EXPECT_EQ(read.code, 0) << read.err.toStdString();
-    QStringList values;
-    for (const QString &row : read.out.split('\n', Qt::SkipEmptyParts).mid(1))
-        values += row.section(',', 4, 4);
-    EXPECT_EQ(values, (QStringList{"123456", "123456", "123456", "123456", "1.5", "12345678", "Pump", "-2"}));
-}
-
-TEST_F(Libmodbus, TakesTypedValues)
-{
-    const QString target = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(line.port());
-    const HostRun written =
-        runHost({"write", target, "HR1:f32@BADC=123456", "HR3:u64@GHEFCDAB=0x0123456789ABCDEF",
-                 "HR7:str3=Abc", "HR9:bcd16=1234", "--verify"});
-    EXPECT_EQ(written.code, 0) << written.err.toStdString();
-    const std::vector<int> expected{0xF147, 0x0020, 0xCDEF, 0x89AB, 0x4567, 0x0123, 0x4162, 0x6300, 0x1234};
-    for (size_t i = 0; i < expected.size(); ++i)
-        EXPECT_EQ(slave.holdingRegister(1 + static_cast<int>(i)), expected[i]) << i;
+    struct Case {
+        const char *options;
+        const char *found;
+        const char *told;
+    };
+    for (const Case &c :
+         {Case{"--passes 1 --after-silence 0 --timeout 50 --delay 0", "", "\n0 stations answered\n"},
+          Case{"--after-silence 0 --timeout 50 --delay 0", "5  answers\n",
+               "\nnothing answered: asking 2 stations once more, with 2000 ms for each reply"},
+          Case{"--passes 1", "5  answers\n", "\n1 station answered\n"}}) {
+        const SerialBridge line;
+        const LibmodbusSlave slave(line.device(), 5);
+        ASSERT_TRUE(slave.isConnected) << modbus_strerror(errno);
+        const HostRun run =
+            runHost(QStringList{"scan", QStringLiteral("rtutcp://127.0.0.1:%1").arg(line.port()), "stations",
+                                "--from", "4", "--to", "5"} +
+                    QString(c.options).split(' '));
+        EXPECT_EQ(run.out, c.found) << c.options << '\n' << run.err.toStdString();
+        EXPECT_TRUE(('\n' + run.err).contains(c.told)) << c.options << '\n' << run.err.toStdString();
+    }
 }
 
 // A serial line behind a bridge: nothing is wrong with it, and the command that is suggested reads.

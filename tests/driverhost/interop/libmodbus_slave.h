@@ -3,17 +3,15 @@
 #include "desk/wire/protocol.h"
 #include "tests/peers/exercise.h"
 
-#include <QString>
-
 #include <atomic>
 #include <modbus/modbus.h>
 #include <thread>
 
-/// A slave of libmodbus as station 1 at a serial line, in a thread of its own.
+/// A slave of libmodbus, which speaks RTU on serial lines only. Its inputs hold what the exercise wants.
 class LibmodbusSlave
 {
 public:
-    explicit LibmodbusSlave(const QString &device)
+    explicit LibmodbusSlave(const QString &device, int station = 1)
     {
         context = modbus_new_rtu(device.toLocal8Bit().constData(), 115200, 'N', 8, 1);
         mapping = modbus_mapping_new(modbus::AddressSpace, modbus::AddressSpace, modbus::AddressSpace,
@@ -22,7 +20,7 @@ public:
             mapping->tab_input_bits[i] = exerciseInput(i) ? 1 : 0;
             mapping->tab_input_registers[i] = static_cast<uint16_t>(exerciseInputRegister(i, 1));
         }
-        modbus_set_slave(context, 1);
+        modbus_set_slave(context, station);
         modbus_set_indication_timeout(context, 0, 50000);
         isConnected = modbus_connect(context) == 0;
         thread = std::thread([this] { serve(); });

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 // Values by name, on real sockets.
@@ -136,6 +137,11 @@ TEST_F(NamedPointsTest, AreWatchedByName)
     ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
         return screen.text().contains(QString::fromUtf8("temperature")) &&
                screen.text().contains(QString::fromUtf8("23.5 °C"));
+    })) << program.screen().text().toStdString();
+    EXPECT_TRUE(program.screen().text().contains("name ")) << program.screen().text().toStdString();
+    setHoldingRegister(0, 815);
+    EXPECT_TRUE(program.waitForScreen([](const Screen &screen) {
+        return screen.text().contains(QRegularExpression("temperature.*81\\.5.*above 80"));
     })) << program.screen().text().toStdString();
     setHoldingRegister(3, 0);
     EXPECT_TRUE(

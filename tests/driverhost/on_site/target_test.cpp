@@ -115,7 +115,7 @@ TEST_F(TargetTest, TraceSaysWhichWasTaken)
         run(QStringLiteral("read HR1 --trace"))
             .err.contains(QStringLiteral("of %1, by DRIVERHOST_TARGET in the environment\n").arg(file())));
     EXPECT_TRUE(run(QStringLiteral("read TARGET HR1 --trace"))
-                    .err.contains(QStringLiteral("target %1: %1\n").arg(target())));
+                    .err.contains(QStringLiteral("target %1: as given\n").arg(target())));
 }
 
 TEST_F(TargetTest, SaysWhatIsWrong)

@@ -46,6 +46,19 @@ TEST_F(TypedValuesTest, AreReadInTheirOrder)
                      "52", "18", "0", "0", "1", "0", "4", "1", "18417"}));
 }
 
+TEST_F(TypedValuesTest, ShowTheirTypesWhereAnAddressIsSeveralThings)
+{
+    setRegisters(1, {0x41AC, 0});
+    EXPECT_EQ(host("read TARGET HR1:f32@ABCD HR1:f32 HR1 HR1:u8@AB").out,
+              "address   offset  type           value\n"
+              "HR1            0  f32@ABCD        21.5\n"
+              "HR1            0  f32       2.3559e-41\n"
+              "HR1            0  word           16812\n"
+              "HR1 high       0  u8@AB             65\n");
+    EXPECT_EQ(host("read TARGET HR1:f32@ABCD HR2").out, "address  offset  value\nHR1           0   21.5\n"
+                                                        "HR2           1      0\n");
+}
+
 TEST_F(TypedValuesTest, NameEachValueAndItsType)
 {
     EXPECT_EQ(host("read TARGET HR9:f32x2 2-HR1 --kind word --retries 0 --timeout 50 --format csv")

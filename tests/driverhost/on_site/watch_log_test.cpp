@@ -2,6 +2,7 @@
 #include "tests/driverhost/support/pty_program.h"
 #include "tests/driverhost/support/slave_test.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -194,6 +195,21 @@ TEST_F(WatchLogTest, RotatesBySize)
     EXPECT_TRUE(
         watch("HR1 --count 1 --output LOG --rotate often").err.contains("--rotate \"often\": expected day"));
     EXPECT_EQ(watch("HR1 --count 1 --rotate day").code, 2);
+}
+
+TEST_F(WatchLogTest, RotatesByDay)
+{
+    ASSERT_EQ(watch("HR1 --count 1 --output LOG --rotate day").code, 0);
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    ASSERT_TRUE(
+        file.setFileTime(QDateTime::currentDateTime().addDays(-1), QFileDevice::FileModificationTime));
+    file.close();
+    ASSERT_EQ(watch("HR1 --count 2 --interval 0 --output LOG --rotate day").code, 0);
+    EXPECT_EQ(lines(path()).size(), 1 + 2) << "of today";
+    const QStringList files = QDir(folder.path()).entryList({"log-*.csv"}, QDir::Files);
+    ASSERT_EQ(files.size(), 1);
+    EXPECT_EQ(lines(folder.filePath(files.front())).size(), 1 + 1) << "of yesterday";
 }
 
 // No file of the process grows beyond so many bytes, as if the disk were full.

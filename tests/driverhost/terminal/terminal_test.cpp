@@ -122,6 +122,50 @@ TEST_F(TerminalTest, AWatchShowsItsTableBeforeTheFirstAnswer)
     EXPECT_EQ(program.waitForEnd(), 0);
 }
 
+TEST_F(TerminalTest, AWatchWaitsForNothingBetweenItsRounds)
+{
+    PtyProgram program(words("watch TARGET HR1 --interval 600"));
+    const QRegularExpression later("round 1  (\\d\\d:\\d\\d:\\d\\d)");
+    QString first;
+    ASSERT_TRUE(program.waitForScreen([&](const Screen &screen) {
+        const QString time = later.match(screen.text()).captured(1);
+        first = first.isEmpty() ? time : first;
+        return !time.isEmpty() && time != first;
+    })) << program.screen().text().toStdString();
+    EXPECT_FALSE(matches(program.output(), "attempt \\d of|connecting"))
+        << program.screen().text().toStdString();
+    EXPECT_TRUE(shows(program.screen(), "course: the last 24 rounds"));
+    program.type("\x03");
+    EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+TEST_F(TerminalTest, ASilentStationKeepsNoValueOfOthersBack)
+{
+    PtyProgram program(words("watch TARGET HR1 9-HR1 --timeout 600000"));
+    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
+        return shows(screen, "round 0") && matches(screen.text(), "\nHR1 +0 +[0-9.]+ ");
+    })) << program.screen().text().toStdString();
+    program.type("\x03");
+    EXPECT_EQ(program.waitForEnd(), 0);
+}
+
+TEST_F(TerminalTest, ANarrowWindowCutsNothingOff)
+{
+    slave.inject(Fault{Fault::Exception, 2}, 4);
+    PtyProgram program(words("watch TARGET HR1 --interval 600 --retries 3"), 60, 24);
+    ASSERT_TRUE(program.waitForScreen([](const Screen &screen) {
+        return shows(screen, "HR1: exception code:0x02 (read 1 word(s) from 1-HR1)\n"
+                             "  check: illegal data address: the range touches an address\n"
+                             "  that the slave does not have; numbers in address texts\n"
+                             "  count from 1\n");
+    })) << program.screen().text().toStdString();
+    EXPECT_TRUE(shows(program.screen(), "errors  co")) << program.screen().text().toStdString();
+    EXPECT_TRUE(matches(program.screen().text(), "round 1\\s+\\d\\d:\\d\\d:\\d\\d"))
+        << program.screen().text().toStdString();
+    program.type("\x03");
+    EXPECT_EQ(program.waitForEnd(), 5) << "nothing could be read";
+}
+
 TEST_F(TerminalTest, LongWaitsShowWhatIsWaitedForAndHowLongStill)
 {
     for (const char *arguments :
