@@ -101,7 +101,7 @@ QString resultOf(const Diagnosis &diagnosis)
         return QStringLiteral("interrupted");
     if (diagnosis.isHealthy())
         return QStringLiteral("healthy");
-    return diagnosis.isExplained() ? QStringLiteral("explained") : QStringLiteral("not explained");
+    return diagnosis.isExplained() ? QStringLiteral("explained") : QStringLiteral("not-explained");
 }
 
 QJsonArray arrayOf(const Findings &findings)
@@ -121,10 +121,15 @@ QJsonArray arrayOf(const Findings &findings)
 
 Fields fieldsOf(const Diagnosis &diagnosis)
 {
-    return {{"target", targetText(diagnosis.target)}, {"result", resultOf(diagnosis)},
-            {"verdict", diagnosis.verdict()},         {"findings", arrayOf(diagnosis.faults)},
-            {"remarks", arrayOf(diagnosis.remarks)},  {"command", diagnosis.commandText()},
-            {"works_now", diagnosis.worksNow},        {"duration_ms", millisecondsValue(diagnosis.duration)}};
+    return {{"version", 1},
+            {"target", targetText(diagnosis.target)},
+            {"result", resultOf(diagnosis)},
+            {"verdict", diagnosis.verdict()},
+            {"findings", arrayOf(diagnosis.faults)},
+            {"remarks", arrayOf(diagnosis.remarks)},
+            {"command", diagnosis.commandText()},
+            {"works_now", diagnosis.worksNow},
+            {"duration_ms", millisecondsValue(diagnosis.duration)}};
 }
 
 Fields rowOf(const Finding &finding)

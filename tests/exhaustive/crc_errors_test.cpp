@@ -35,7 +35,8 @@ int crcOfFrame(const QByteArray &content)
     const QByteArray request = ModbusRTUSlaveBuildWriteSingleRequest(
         static_cast<unsigned char>(content.at(0)), static_cast<unsigned char>(content.at(1)),
         static_cast<unsigned short>(wordAt(content, 2)), content.mid(4));
-    return byteAt(request, request.size() - 2) | byteAt(request, request.size() - 1) << 8;
+    const QByteArray crc = request.right(2);
+    return byteAt(crc, 0) | byteAt(crc, 1) << 8;
 }
 
 // Of the longest frame. A shorter one has the last of them, since a frame begins where its CRC begins to

@@ -186,6 +186,9 @@ void Plant::sendReply(const QByteArray &request, const QByteArray &reply)
         delay += draw(0, int(m_options.jitter));
     m_busyUntil = std::max(m_busyUntil, m_time.now()) + delay;
     qint64 at = m_busyUntil - m_time.now();
+    if (shape.ending == ReplyShape::CloseConnection || shape.ending == ReplyShape::ResetConnection)
+        after(at,
+              [isReset = shape.ending == ReplyShape::ResetConnection](Plant &plant) { plant.end(isReset); });
     for (const QByteArray &segment : shape.segments) {
         after(at, [segment](Plant &plant) {
             plant.send(plant.damaged(segment));

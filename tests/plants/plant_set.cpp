@@ -149,6 +149,11 @@ const Kind Kinds[] = {
      }},
     {"scaled", [](PlantDrawing &plant) { plant.wantTenths(2); }},
     {"other-values", [](PlantDrawing &plant) { plant.wantNonsense(); }},
+    {"other-master", [](PlantDrawing &plant) { plant.share("other-master:9", plant.draw(30, 70)); }},
+    {"connection-drops", [](PlantDrawing &plant) { plant.share("close", plant.draw(15, 30)); }},
+    {"connection-drops", [](PlantDrawing &plant) { plant.share("reset", plant.draw(15, 30)); }},
+    {"device-refuses", [](PlantDrawing &plant) { plant.share("exception:4", plant.draw(15, 30)); }},
+    {"end-damaged", [](PlantDrawing &plant) { plant.everyReply("truncate:4"); }},
     {"wrong-station,heartbeat",
      [](PlantDrawing &plant) {
          moveStation(plant);

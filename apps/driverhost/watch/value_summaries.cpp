@@ -38,6 +38,7 @@ bool ValueSummaries::add(size_t reading, const std::vector<ValueRow> &rows)
 bool ValueSummaries::addFailure(size_t /*reading*/, const std::vector<ValueRow> & /*rows*/,
                                 const QString & /*error*/)
 {
+    m_isWhole = false;
     return true;
 }
 

@@ -15,6 +15,9 @@ public:
     bool addFailure(size_t reading, const std::vector<ValueRow> &rows, const QString &error) override;
     bool endRound() override { return true; }
 
+    /// Whether each value was read whenever it was wanted.
+    bool isWhole() const { return m_isWhole; }
+
     /// For people: the titles and a line for each value that was read as a number; nothing when there is
     /// none.
     QStringList lines() const;
@@ -30,4 +33,5 @@ private:
 
     std::vector<size_t> m_first; // of each reading, counted over all values
     std::vector<Entry> m_entries;
+    bool m_isWhole = true;
 };

@@ -76,6 +76,8 @@ int finish(const Session &session, const WatchLoop &loop, const ValueSummaries &
     for (const QString &line : values.lines() + loop.statistics().lines(loop.milliseconds()) +
                                    countsLines(session.counts()) + strayLines(session.channel()))
         report(line);
+    if (loop.statistics().failures() > 0 && values.isWhole())
+        report(QStringLiteral("no value was missed: what was refused was asked for again in parts"));
     if (run.form.format == OutputFormat::Json && !print({summaryOf(session, loop, values)}))
         return OutputClosed;
     if (isCutShort(run.settings))

@@ -105,6 +105,11 @@ Place placeOf(const std::vector<const Asked *> &spoilt, const Observations &seen
     return Place::Anywhere;
 }
 
+bool isTooShort(const Asked *asked)
+{
+    return asked->reply.size() < replySizeFor(asked->request);
+}
+
 QStringList evidenceBeside(const std::vector<const Asked *> &spoilt, const Observations &seen)
 {
     QStringList lines = evidenceOf(spoilt, 3);
@@ -142,8 +147,18 @@ Judgement judge(const Observations &seen, const DoctorOptions &options)
         return judgement;
     if (seen.working < 0) {
         judgement.remedy.worksNow = false;
-        judgement.add(FindingKind::Garbled, QStringLiteral("something comes, and nothing of it is a frame"),
-                      evidenceOf(spoilt));
+        const bool isReply = std::all_of(spoilt.begin(), spoilt.end(),
+                                         [](const Asked *one) { return one->result == AskResult::Damaged; });
+        const bool isCut = std::all_of(spoilt.begin(), spoilt.end(), isTooShort);
+        if (isReply && spoilt.size() >= FewestTold)
+            judgement.add(isCut ? FindingKind::EndDamaged : FindingKind::AnywhereDamaged,
+                          QStringLiteral("every reply is %1")
+                              .arg(isCut ? QStringLiteral("cut") : QStringLiteral("damaged")),
+                          evidenceOf(spoilt));
+        else
+            judgement.add(FindingKind::Garbled,
+                          QStringLiteral("something comes, and nothing of it is a frame"),
+                          evidenceOf(spoilt));
         return judgement;
     }
     const size_t replies = seen.timed().size() + spoilt.size();

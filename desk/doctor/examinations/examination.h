@@ -22,6 +22,7 @@ Examination stationExamination();
 Examination streamExamination();
 Examination sampleExamination();
 Examination pauseExamination();
+Examination failureExamination();
 Examination damageExamination();
 Examination placeExamination();
 Examination valueExamination();

@@ -3,10 +3,10 @@
 const std::vector<Examination> &examinations()
 {
     static const std::vector<Examination> all = {
-        connectionExamination(), contactExamination(), serviceExamination(), stationExamination(),
-        streamExamination(),     sampleExamination(),  pauseExamination(),   damageExamination(),
-        placeExamination(),      valueExamination(),   areaExamination(),    lengthExamination(),
-        functionExamination(),
+        connectionExamination(), contactExamination(),  serviceExamination(), stationExamination(),
+        streamExamination(),     sampleExamination(),   pauseExamination(),   failureExamination(),
+        damageExamination(),     placeExamination(),    valueExamination(),   areaExamination(),
+        lengthExamination(),     functionExamination(),
     };
     return all;
 }

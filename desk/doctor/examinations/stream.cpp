@@ -173,6 +173,10 @@ void judgeTraffic(const Observations &seen, Judgement &judgement)
     Strays frames;
     Strays copies;
     for (const Stray &one : seen.strays) {
+        const bool isInPlace =
+            one.asked >= 0 && seen.asked[static_cast<size_t>(one.asked)].result == AskResult::OtherStation;
+        if (isInPlace && !seen.hasTraffic())
+            continue;
         const bool isCopy = std::any_of(seen.asked.begin(), seen.asked.end(), [&](const Asked &asked) {
             return asked.reply == one.bytes && one.at >= asked.sentAt &&
                    one.at - asked.repliedAt < Second / 5;
@@ -180,7 +184,7 @@ void judgeTraffic(const Observations &seen, Judgement &judgement)
         if (one.kind != SkippedPart::Noise)
             (isCopy ? copies : frames).push_back(one);
     }
-    if (seen.hasTraffic() && frames.size() > 1)
+    if (frames.size() > 1)
         judgement.add(FindingKind::OtherMaster,
                       QStringLiteral("another master is on the line: %1 frames that nothing here asked for")
                           .arg(frames.size()),

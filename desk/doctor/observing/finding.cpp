@@ -71,6 +71,11 @@ const std::vector<FindingInfo> &findingInfos()
          "Some requests are not answered, whether they come after a pause or not.",
          "Check the radio or mobile network, the wiring and termination of the serial line, and whether "
          "another master talks at the same time; retries help meanwhile."},
+        {Kind::ConnectionDrops, "connection-drops", Weight::Explains,
+         "The other side ends connections while a reply is waited for, and answers other requests.",
+         "Look whether another master takes the gateway's only connection, and at the mobile network and the "
+         "gateway's "
+         "power; retries help meanwhile."},
         {Kind::BeginningDamaged, "beginning-damaged", Weight::Explains,
          "Replies have a wrong CRC, and what is wrong are their first bytes.",
          "The line is switched too late: check the delay between sending and receiving of the converter and "
@@ -98,7 +103,9 @@ const std::vector<FindingInfo> &findingInfos()
          "Check the address in the slave's manual, and whether it counts from 0 or 1; \"driverhost scan "
          "TARGET HR\" finds what is there."},
         {Kind::DeviceRefuses, "device-refuses", Weight::Explains,
-         "The station answers, and refuses what it was asked with an exception of a device that cannot now.",
+         "The station answers, and refuses what it was asked, always or now and then, with an exception of a "
+         "device "
+         "that cannot at the moment.",
          "The line is in order: look at the slave's own state, its display, its log and its release for "
          "remote reading."},
         {Kind::OffByOne, "off-by-one", Weight::Explains,
@@ -106,7 +113,7 @@ const std::vector<FindingInfo> &findingInfos()
          "The list counts otherwise than the driver, which counts from 1: shift all its addresses."},
         {Kind::WordOrder, "word-order", Weight::Explains,
          "The expected values are there when their bytes are put together in another order.",
-         "Name the order, as in HR100:u32@ABCD or in the column order."},
+         "Name the order, such as ABCD, after the type or in the column order."},
         {Kind::OtherArea, "other-area", Weight::Explains,
          "The expected values stand at the same addresses of another area.", "Use the letters of that area."},
         {Kind::Scaled, "scaled", Weight::Explains, "The expected values are there but for one factor of ten.",
@@ -119,7 +126,8 @@ const std::vector<FindingInfo> &findingInfos()
          "another order, area or factor explains that.",
          "Check the addresses, types and values in the slave's manual and on its display."},
         {Kind::OtherMaster, "other-master", Weight::Explains,
-         "Whole frames come that answer nothing which was asked here, also while nothing is asked.",
+         "Whole frames come that answer nothing which was asked here, while nothing is asked or in front of "
+         "replies.",
          "Find the other master and give one of the two its own line, or let the gateway keep them apart. "
          "Two masters that ask the same station cannot tell their replies apart."},
         {Kind::Echo, "echo", Weight::Explains, "The request comes back in front of the reply, or alone.",

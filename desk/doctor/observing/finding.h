@@ -27,6 +27,7 @@ enum class FindingKind {
     LateAnswers,
     NeedsPause,
     LostReplies,
+    ConnectionDrops,
     BeginningDamaged,
     EndDamaged,
     AnywhereDamaged,

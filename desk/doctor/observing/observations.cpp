@@ -118,7 +118,7 @@ bool Observations::isSpoilt(const Asked &one) const
 {
     QByteArray received = one.received();
     for (const Stray &stray : strays) {
-        if (isPacket(stray.bytes))
+        if (stray.kind == SkippedPart::OtherFrame || isPacket(stray.bytes))
             received.replace(stray.bytes, QByteArray());
     }
     // Less is a packet of the gateway's own rather than what is left of a reply.

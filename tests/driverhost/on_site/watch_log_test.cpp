@@ -153,6 +153,19 @@ TEST_F(WatchLogTest, WideLeavesACellEmptyForWhatFailed)
     EXPECT_TRUE(objectIn(json.out.section('\n', 0, 0)).value("values").toObject().value("HR5").isNull());
 }
 
+TEST_F(WatchLogTest, SaysWhenNoValueWasMissed)
+{
+    SlaveOptions options;
+    options.memory.addHole({0, Area::HoldingRegisters, 4, 4});
+    SlaveThread holed(options);
+    ASSERT_TRUE(holed.start());
+    const QString where = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(holed.port());
+    const char *const said = "no value was missed: what was refused was asked for again in parts\n";
+    EXPECT_TRUE(runHost({"watch", where, "HR1", "HR9", "--count", "1"}).err.endsWith(said));
+    EXPECT_FALSE(runHost({"watch", where, "HR1", "HR5", "--count", "1"}).err.contains(said));
+    EXPECT_FALSE(runHost({"watch", where, "HR1", "--count", "1"}).err.contains(said));
+}
+
 TEST_F(WatchLogTest, OnChangeKeepsNothingElse)
 {
     RunningWatch watch(watchWords("HR1 HR2 --interval 0.01 --on-change"));
