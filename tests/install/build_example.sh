@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Installs the tools and their kit, builds a driver on what is installed, and takes it through the kit; then builds a host
-# on the installed channel and runs it.
-#   build_example.sh find_package|pkg_config BUILD EXAMPLE MOC
-#   build_example.sh page BUILD PAGE MOC     the driver that the page makes
+# Installs the tools and their kit, builds on what is installed, and runs that.
+#   build_example.sh find_package BUILD FOLDER MOC        the project in the folder, with its tests
+#   build_example.sh pkg_config BUILD EXAMPLE MOC         the line driver, taken through the kit, and a host on the channel
+#   build_example.sh page BUILD PAGE MOC                  the driver that the page makes
 # The environment has CMAKE, CXX and CXXFLAGS, and the least standard of C++ for drivers, STANDARD.
 set -euo pipefail
 
@@ -20,14 +20,11 @@ install_tools() {
 }
 
 find_package() {
-    local qmake source binary
+    local qmake binary=$scratch/${example##*/}
     qmake=$(sed -n 's/^QT_QMAKE_EXECUTABLE:[^=]*=//p' "$build/CMakeCache.txt")
-    for source in "$example" "$here/channel_host"; do
-        binary=$scratch/${source##*/}
-        "$CMAKE" -S "$source" -B "$binary" "-DCMAKE_PREFIX_PATH=$prefix" ${qmake:+"-DQT_QMAKE_EXECUTABLE=$qmake"}
-        "$CMAKE" --build "$binary"
-        (cd "$binary" && "${CMAKE%/*}/ctest" --output-on-failure)
-    done
+    "$CMAKE" -S "$example" -B "$binary" "-DCMAKE_PREFIX_PATH=$prefix" ${qmake:+"-DQT_QMAKE_EXECUTABLE=$qmake"}
+    "$CMAKE" --build "$binary"
+    (cd "$binary" && "${CMAKE%/*}/ctest" --output-on-failure)
 }
 
 pkg_config() {
