@@ -3,9 +3,9 @@
 
 Usage: conformance.py SOURCE_TREE PROGRAM [--write]
 
-PROGRAM is driver-conformance, kit/driver-conformance in a build tree. Reported are a row that is not as check and saboteurs say, a check or a row without the other,
-a saboteur of a check that there is none of, and a check that no saboteur proves. With --write the table is brought up to
-date first.
+PROGRAM is driver-conformance, in kit/ of a build tree. Reported are a row that is not as check and saboteurs say, a check or
+a row without the other, a saboteur of a check that there is none of, and a check that no saboteur proves. With --write the
+table is brought up to date first.
 """
 
 import pathlib
