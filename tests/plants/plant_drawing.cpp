@@ -138,6 +138,26 @@ void PlantDrawing::wantTenths(int count)
     }
 }
 
+void PlantDrawing::wantFloatsWithin(int count, const QString &order)
+{
+    wantFloats(count, order);
+    for (Wanted &wanted : m_case.doctor.wanted) {
+        const double value = wanted.expected.toDouble();
+        wanted.expected.clear();
+        wanted.point.low = value - draw(1, 20);
+        wanted.point.high = value + draw(1, 20);
+    }
+    m_case.words.clear();
+}
+
+void PlantDrawing::wantBetweenZeros()
+{
+    const int number = draw(10, 100);
+    for (const int zero : {number - 1, number + 1})
+        m_case.plant.slave.memory.setValue(0, Area::HoldingRegisters, quint16(zero - 1), 0);
+    want(QStringLiteral("HR%1").arg(number), QStringLiteral("0"));
+}
+
 void PlantDrawing::wantNonsense()
 {
     want(QStringLiteral("HR%1").arg(draw(10, 100)), QStringLiteral("77"));

@@ -28,7 +28,10 @@ public:
     void wantWithin(int count);
     void wantFloats(int count, const QString &order);
     void wantTenths(int count);
+    void wantFloatsWithin(int count, const QString &order);
     void wantNonsense();
+    /// A zero, which stands on both sides of where it is looked for.
+    void wantBetweenZeros();
     /// An order of words that is not the driver's.
     QString otherOrder();
     /// All of them are looked for so many addresses lower than they stand.

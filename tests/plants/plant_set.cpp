@@ -148,6 +148,8 @@ const Kind Kinds[] = {
          plant.moveToInputs();
      }},
     {"scaled", [](PlantDrawing &plant) { plant.wantTenths(2); }},
+    {"ambiguous-values", [](PlantDrawing &plant) { plant.wantBetweenZeros(); }},
+    {"word-order", [](PlantDrawing &plant) { plant.wantFloatsWithin(3, plant.otherOrder()); }},
     {"other-values", [](PlantDrawing &plant) { plant.wantNonsense(); }},
     {"other-master", [](PlantDrawing &plant) { plant.share("other-master:9", plant.draw(30, 70)); }},
     {"connection-drops", [](PlantDrawing &plant) { plant.share("close", plant.draw(15, 30)); }},
@@ -227,6 +229,10 @@ const Kind Healthy[] = {
     {"inputs only",
      [](PlantDrawing &plant) {
          plant->slave.functions = {modbus::ReadInputRegisters, modbus::ReadDiscreteInputs};
+     }},
+    {"coils only",
+     [](PlantDrawing &plant) {
+         plant->slave.functions = {modbus::ReadCoils, modbus::WriteMultipleCoils};
      }},
     {"expected words", [](PlantDrawing &plant) { plant.wantWords(3); }},
     {"expected floats", [](PlantDrawing &plant) { plant.wantFloats(3, QString()); }},

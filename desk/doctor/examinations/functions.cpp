@@ -112,7 +112,7 @@ QString notTriedText(const Observations &seen)
         unlikely += QStringLiteral("16");
     const QString text = QStringLiteral("functions 15 and 16 write and were not tried (--probe-writes)");
     return unlikely.isEmpty() ? text
-                              : text + QStringLiteral("; %1 is unlikely, since its area cannot be read")
+                              : text + QStringLiteral("; %1 would surprise, since its area cannot be read")
                                            .arg(listText(unlikely));
 }
 

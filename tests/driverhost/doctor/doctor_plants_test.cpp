@@ -62,7 +62,7 @@ int expectedCode(const PlantCase &plant)
 {
     if (plant.faults.isEmpty())
         return 0;
-    for (const char *open : {"silent", "connection-ends", "other-values"}) {
+    for (const char *open : {"silent", "connection-ends", "other-values", "ambiguous-values"}) {
         if (plant.faults.contains(QLatin1String(open)))
             return 9;
     }
