@@ -99,6 +99,7 @@ bool Settling::noteFrame(const QByteArray &frame, qint64 now)
     const QMap<int, Station>::iterator known = m_stations.find(byteAt(frame, 0));
     if (known == m_stations.end())
         return false;
+    known->heardAt = now;
     if (isProbeReply(frame))
         return !m_isEchoing && noteProbeReply(*known, frame, now);
     known->quietSince = now;

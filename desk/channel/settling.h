@@ -36,6 +36,7 @@ public:
         bool isSettled = true;
         qint64 lostAt = 0;
         qint64 quietSince = 0;
+        qint64 heardAt = -1;     ///< when a frame of it came that answered no request; -1 for never
         qint64 probedAt = 0;     ///< the first time since the last request
         QList<quint16> probes;   ///< sent since the last request, not answered yet
         int ignored = 0;         ///< how often in a row it answered after probes that it had not

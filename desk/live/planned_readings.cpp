@@ -225,9 +225,11 @@ void PlannedReadings::notePace(const Items &items, bool isAnswered)
     if (isAnswered)
         m_lastGiven[station] = items;
     const Failure failure = isAnswered ? Failure() : m_session.failure();
-    if (!isAnswered && isSilence(failure))
-        m_pacing->noteFailure(station, m_session.lastCommand().beganAt());
-    else if (isAnswered || !isForAll(failure.kind))
+    const qint64 began = m_session.lastCommand().beganAt();
+    const bool isHeard = m_session.channel().settling().stations().value(station).heardAt >= began;
+    if (!isAnswered && !isHeard && isSilence(failure))
+        m_pacing->noteFailure(station, began);
+    else if (isAnswered || isHeard || !isForAll(failure.kind))
         m_pacing->noteAnswer(station);
 }
 

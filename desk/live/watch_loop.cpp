@@ -4,6 +4,13 @@
 
 #include <algorithm>
 
+namespace
+{
+
+const qint64 IdlePause = 100; // milliseconds
+
+} // namespace
+
 WatchLoop::WatchLoop(Session &session, const std::vector<Reading> &readings, Learnt &learnt,
                      const WatchSettings &settings, const WatchPauses &pauses)
     : m_session(session),
@@ -32,6 +39,7 @@ bool WatchLoop::run(WatchListener &listener)
 bool WatchLoop::readRounds(WatchListener &listener)
 {
     while (true) {
+        m_hasAsked = false;
         if (!m_planned.readRound(*this))
             return false;
         ++m_rounds;
@@ -49,6 +57,7 @@ bool WatchLoop::readRounds(WatchListener &listener)
 void WatchLoop::addCommand(bool isRead)
 {
     const CommandRecord &command = m_session.lastCommand();
+    m_hasAsked = true;
     if (isRead)
         m_statistics.addSuccess(command.latency(), command.duration());
     else
@@ -134,6 +143,9 @@ qint64 WatchLoop::timeToNextRound() const
 {
     const qint64 now = m_clock.elapsed();
     const qint64 interval = m_settings.interval;
-    const qint64 next = interval == 0 ? now : (now / interval + 1) * interval;
+    qint64 next = interval == 0 ? now : (now / interval + 1) * interval;
+    // Rounds in which all stations are waited for would follow each other without end.
+    if (!m_hasAsked)
+        next = std::max(next, now + IdlePause);
     return m_settings.duration > 0 ? std::min(next, m_settings.duration) - now : next - now;
 }

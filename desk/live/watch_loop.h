@@ -82,5 +82,6 @@ private:
     QElapsedTimer m_clock;
     std::vector<std::vector<ValueRow>> m_lastRows; // of each reading; empty until it was read
     int m_rounds = 0;
+    bool m_hasAsked = false; // anything, in this round
     std::optional<Failure> m_failure;
 };

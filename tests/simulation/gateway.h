@@ -11,12 +11,13 @@
 /// What goes wrong between a gateway and its stations, and how often: chances from 0 to 1 for each reply.
 struct Weather {
     double loss = 0;
-    double damage = 0;       ///< a bit is flipped
-    double noise = 0;        ///< bytes in front of the reply
-    double lateness = 0;     ///< as late as longestDelay at most
-    double reset = 0;        ///< the connection is reset in place of the reply
-    double otherMaster = 0;  ///< another master's exchange with another station in front of the reply
-    qint64 longestDelay = 0; ///< of late replies, waiting for others included, in microseconds
+    double damage = 0;        ///< a bit is flipped
+    double noise = 0;         ///< bytes in front of the reply
+    double lateness = 0;      ///< as late as longestDelay at most
+    double reset = 0;         ///< the connection is reset in place of the reply
+    double otherMaster = 0;   ///< another master's exchange with another station in front of the reply
+    qint64 shortestDelay = 0; ///< of late replies, in microseconds
+    qint64 longestDelay = 0;  ///< of late replies, waiting for others included, in microseconds
 
     bool isFair() const;
 };

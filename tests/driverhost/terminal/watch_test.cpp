@@ -254,3 +254,14 @@ TEST_F(WatchTest, SaysWhenADeadStationIsAskedAgain)
     program.type("\x03");
     EXPECT_EQ(program.waitForEnd(), 0);
 }
+
+TEST_F(WatchTest, TakesItsTimeWhileNobodyAnswers)
+{
+    const HostRun run =
+        runHost(QStringLiteral("watch %1 HR1 --timeout 40 --retries 0 --interval 0 --duration 1 "
+                               "--format json")
+                    .arg(target(7))
+                    .split(QLatin1Char(' ')));
+    EXPECT_TRUE(run.out.contains(QStringLiteral("asked again in 1 s"))) << run.out.toStdString();
+    EXPECT_LT(run.out.count(QLatin1Char('\n')), 20);
+}
