@@ -1,4 +1,4 @@
-# cpack -G DEB: the desk package, with the plug-in, driverhost, its man page and its completion for bash.
+# cpack -G DEB: the desk package, with the plug-in, driverhost, its man page and its completion for bash, and driverdesk.
 # cpack -G TGZ: the panel archive, with the plug-in alone.
 
 set(CPACK_PACKAGE_NAME modbus-drivers)
@@ -19,8 +19,12 @@ set(CPACK_DEBIAN_PACKAGE_SECTION comm)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # QtSql loads its SQLite driver at run time, where no shared-library dependency shows it.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS libqt${DRIVER_QT}sql${DRIVER_QT}-sqlite)
+if(DRIVER_HAS_WINDOW)
+  # Without it the icon of the window is not drawn.
+  string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", libqt5svg5")
+endif()
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
   "The communication driver that an operator panel loads to talk to Modbus slaves that speak RTU framing over a TCP
- byte stream, and driverhost, a program that drives it from the command line.")
+ byte stream, driverhost, a program that drives it from the command line, and driverdesk, a window on the same ground.")
 
 include(CPack)

@@ -66,6 +66,7 @@ everything() {
     done
     echo "Refreshing by plans" && program plans >"$results/plans.txt"
     echo "Timing transactions over TCP" && program tcp "$projects" >"$results/tcp.txt"
+    echo "Drawing the window" && { program window | tee "$results/window.txt" || failed=1; }
     python3 bench/table.py "$results"
     return "$failed"
 }

@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# Builds the driver and shows it at work: "driverhost demo" reads and writes every area of a slave over TCP. Installs
-# what is missing first. Arguments go to "driverhost demo".
+# Builds the driver and shows it at work. Installs what is missing first.
+#   scripts/demo.sh              "driverhost demo" reads and writes every area of a slave over TCP
+#   scripts/demo.sh --window     the same in a window: "driverdesk --demo"
+# Further arguments go to the program.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/packages.sh
@@ -8,4 +10,8 @@ source scripts/packages.sh
 install_packages "${build_packages[@]}"
 cmake --preset demo
 cmake --build --preset demo
+if [[ ${1:-} == --window ]]; then
+    shift
+    exec build/demo/apps/driverdesk/driverdesk --demo "$@"
+fi
 build/demo/apps/driverhost/driverhost demo "$@"

@@ -2,11 +2,12 @@
 # shellcheck shell=bash
 
 # shellcheck disable=SC2034  # the arrays are for the scripts
-build_packages=(cmake g++ ninja-build qtbase5-dev libqt5serialbus5-dev libqt5sql5-sqlite)
+build_packages=(cmake g++ ninja-build qtbase5-dev libqt5serialbus5-dev libqt5sql5-sqlite libqwt-qt5-dev)
 # What the preset qt6 needs beside them.
 qt6_packages=(libqt6sql6-sqlite qt6-base-dev qt6-serialbus-dev)
 test_packages=(binutils doxygen libgtest-dev libmodbus-dev librapidcheck-dev mbpoll patch pkg-config python3
-    python3-pymodbus python3-serial python3-serial-asyncio tshark)
+    python3-pymodbus python3-serial python3-serial-asyncio tshark imagemagick openbox xclip xdotool xvfb)
+picture_packages=(imagemagick openbox xdotool xvfb)
 arm_packages=(cmake g++-arm-linux-gnueabihf mmdebstrap ninja-build qemu-user qtbase5-dev-tools)
 # What the armhf root holds: the same libraries for the panel's processor.
 arm_root_packages=(libc6-dev libgtest-dev libqt5serialbus5-dev libqt5sql5-sqlite qtbase5-dev)

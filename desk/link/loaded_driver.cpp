@@ -26,6 +26,16 @@ std::unique_ptr<DriverInterface> LoadedDriver::createAnother() const
     return std::unique_ptr<DriverInterface>(create == nullptr ? nullptr : create());
 }
 
+bool LoadedDriver::renew()
+{
+    std::unique_ptr<DriverInterface> another = isLoaded() ? createAnother() : nullptr;
+    if (!another)
+        return false;
+    m_another = std::move(another);
+    m_driver = m_another.get();
+    return true;
+}
+
 QStringList LoadedDriver::exported(const QStringList &names) const
 {
     QStringList found;

@@ -22,6 +22,8 @@ public:
 
     /// Another driver object of the same file, with its own error and database state.
     std::unique_ptr<DriverInterface> createAnother() const;
+    /// Goes on with another object, which has loaded no project yet; false when the file makes none.
+    bool renew();
 
     QJsonObject metaData() const { return m_loader.metaData(); }
     /// Which of the names the file exports as functions.
@@ -33,4 +35,5 @@ private:
     QString m_path;
     QPluginLoader m_loader;
     DriverInterface *m_driver = nullptr;
+    std::unique_ptr<DriverInterface> m_another; // when it is not the plug-in's own
 };

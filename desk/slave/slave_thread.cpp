@@ -57,6 +57,30 @@ void SlaveThread::setValue(int station, Area area, quint16 offset, quint16 value
     run([&] { m_slave->setValue(station, area, offset, value); });
 }
 
+void SlaveThread::setValues(const QList<SlaveMemory::Value> &values)
+{
+    run([&] {
+        for (const SlaveMemory::Value &value : values)
+            m_slave->setValue(value.station, value.area, value.offset, value.value);
+    });
+}
+
+QList<SlaveMemory::Value> SlaveThread::valuesAt(QList<SlaveMemory::Value> places)
+{
+    run([&] {
+        for (SlaveMemory::Value &place : places)
+            place.value = m_slave->value(place.station, place.area, place.offset);
+    });
+    return places;
+}
+
+void SlaveThread::setFaults(const FaultPlan &plan)
+{
+    m_options.faults = plan;
+    if (isRunning())
+        run([&] { m_slave->faults() = plan; });
+}
+
 void SlaveThread::inject(const Fault &fault, int replies)
 {
     run([&] { m_slave->inject(fault, replies); });

@@ -31,6 +31,13 @@ public:
     /// Memory of a station of a running slave, holes included.
     quint16 value(int station, Area area, quint16 offset);
     void setValue(int station, Area area, quint16 offset, quint16 value);
+    /// Several at once, of stations that it has.
+    void setValues(const QList<SlaveMemory::Value> &values);
+    /// The same places with what they hold now.
+    QList<SlaveMemory::Value> valuesAt(QList<SlaveMemory::Value> places);
+
+    /// What goes wrong from now on, also after it was stopped and started again.
+    void setFaults(const FaultPlan &plan);
     /// What goes wrong with the next replies.
     void inject(const Fault &fault, int replies = 1);
     SlaveCounts counts();

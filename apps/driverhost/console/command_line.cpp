@@ -123,19 +123,23 @@ QStringList CommandLine::withImplied(const QStringList &arguments) const
     return words;
 }
 
-std::optional<int> CommandLine::parse(const QStringList &arguments)
+void CommandLine::take(const QStringList &arguments)
 {
     QStringList words{QLatin1String(m_texts.name)};
     for (const QString &argument : withImplied(arguments))
         words += withMinusOfNumber(argument);
-    const bool isGood = m_parser.parse(words);
+    if (!m_parser.parse(words))
+        addError(m_parser.errorText());
+}
+
+std::optional<int> CommandLine::parse(const QStringList &arguments)
+{
+    take(arguments);
     if (m_parser.isSet(QStringLiteral("help"))) {
-        return print({helpText()}) ? Success : OutputClosed;
+        const QString command = QStringLiteral("driverhost ") + QLatin1String(m_texts.name);
+        return print({helpText(command)}) ? Success : OutputClosed;
     }
-    if (isGood)
-        return std::nullopt;
-    addError(m_parser.errorText());
-    return reportUsageError();
+    return isValid() ? std::nullopt : std::optional<int>(reportUsageError());
 }
 
 int CommandLine::number(const char *option, int min, int max)
@@ -196,13 +200,13 @@ int CommandLine::reportUsageError() const
     return UsageError;
 }
 
-QString CommandLine::helpText() const
+QString CommandLine::helpText(const QString &command) const
 {
     // The parser would start with the program's path and knows no subcommands.
     const QString parsers = m_parser.helpText();
     const QString options = parsers.mid(parsers.indexOf(QLatin1String("Options:")));
-    const QString usage = QStringLiteral("Usage: driverhost %1 [options] %2")
-                              .arg(QLatin1String(m_texts.name), QLatin1String(m_texts.arguments));
+    const QString usage =
+        QStringLiteral("Usage: %1 [options] %2").arg(command, QLatin1String(m_texts.arguments));
     return QStringLiteral("%1\n\n%2\n\n%3\nExample:\n%4")
         .arg(wrapped(usage, QStringLiteral("       ")), wrapped(QLatin1String(m_texts.summary)), options,
              QLatin1String(m_texts.example));

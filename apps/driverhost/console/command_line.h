@@ -27,6 +27,10 @@ public:
     /// Takes the arguments after the subcommand's name. The exit code when the run ends with that: help was
     /// asked for, or an option is unknown.
     std::optional<int> parse(const QStringList &arguments);
+    /// The same for who reports what is wrong: an unknown option is noted, and help is an option.
+    void take(const QStringList &arguments);
+    /// The help of the program that is called so: "driverhost read".
+    QString helpText(const QString &command) const;
 
     /// Values of options that are not among the arguments, by their names; \a origin says in errors who set
     /// them. They count before the options' own defaults.
@@ -54,11 +58,12 @@ public:
     /// Notes the first thing that is wrong; later ones are dropped.
     void addError(const QString &text);
     bool isValid() const { return m_error.isEmpty(); }
+    /// The first thing that is wrong; empty when nothing is.
+    const QString &errorText() const { return m_error; }
     /// Reports what is wrong; the exit code.
     int reportUsageError() const;
 
 private:
-    QString helpText() const;
     QString nameInErrors(const char *option) const;
     QStringList withImplied(const QStringList &arguments) const;
 

@@ -6,17 +6,6 @@
 namespace
 {
 
-QString problemWith(const Items &items)
-{
-    if (items.isRaw())
-        return {};
-    if (isInputArea(items.address.area))
-        return QStringLiteral("%1 is an input and cannot be written").arg(items.address.areaName);
-    if (items.address.isBitArea() && isByteKind(items.kind))
-        return QStringLiteral("%1 is written bit by bit; expected the kind bit").arg(items.address.areaName);
-    return {};
-}
-
 class RequestReader
 {
 public:
@@ -58,7 +47,7 @@ private:
         const Result<Point> point = pointOf(where, sizeOf(texts));
         if (!point)
             return fail(point.errorText());
-        const QString problem = problemWith(point->at.items);
+        const QString problem = problemWithWrite(point->at.items);
         const Result<> writable = checkWritable(point->at);
         if (!problem.isEmpty() || !writable)
             return fail(problem.isEmpty() ? writable.errorText()
@@ -113,6 +102,17 @@ private:
 std::vector<WriteRequest> writeRequests(const QStringList &words, bool mayRound, CommandLine &line)
 {
     return RequestReader(mayRound, line).read(words);
+}
+
+QString problemWithWrite(const Items &items)
+{
+    if (items.isRaw())
+        return {};
+    if (isInputArea(items.address.area))
+        return QStringLiteral("%1 is an input and cannot be written").arg(items.address.areaName);
+    if (items.address.isBitArea() && isByteKind(items.kind))
+        return QStringLiteral("%1 is written bit by bit; expected the kind bit").arg(items.address.areaName);
+    return {};
 }
 
 // The driver ends at the first request that nobody answers: a broadcast is one request.

@@ -13,5 +13,7 @@ struct WriteRequest {
 /// line.
 std::vector<WriteRequest> writeRequests(const QStringList &words, bool mayRound, CommandLine &line);
 
+/// Why nothing can be written to the items; empty when it can.
+QString problemWithWrite(const Items &items);
 /// Why the items cannot be broadcast; empty when they can.
 QString problemWithBroadcast(const Items &items);

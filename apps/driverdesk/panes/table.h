@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QTableView>
+
+/// A table whose cells can be selected with the keyboard and copied as a table to be pasted.
+class Table : public QTableView
+{
+    Q_OBJECT
+
+public:
+    explicit Table(QWidget *parent = nullptr);
+
+    /// Gives a column the width of a text, and of its title.
+    void fitColumn(int column, const QString &widestText);
+
+public slots:
+    void copySelection() const;
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+signals:
+    /// Enter was pressed, or the cell was double-clicked.
+    void chosen(const QModelIndex &index);
+};

@@ -1,0 +1,28 @@
+# The window needs Qt Widgets of Qt 5 and Qwt for it. DRIVER_HAS_WINDOW says whether both are there; DriverQt::Widgets and
+# DriverQt::Qwt are what they are called then.
+
+option(DRIVER_WINDOW "Build driverdesk where Qt Widgets and Qwt are there" ON)
+set(DRIVER_HAS_WINDOW OFF)
+if(NOT DRIVER_WINDOW OR NOT DRIVER_HAS_HOST)
+  return()
+endif()
+if(NOT DRIVER_QT EQUAL 5)
+  message(STATUS "driverdesk is left out: its curves are drawn by Qwt for Qt 5, and this is Qt ${DRIVER_QT}")
+  return()
+endif()
+
+find_package(Qt5 5.15 QUIET OPTIONAL_COMPONENTS Widgets)
+find_path(DRIVER_QWT_HEADERS qwt_plot.h PATH_SUFFIXES qwt qwt-qt5 qt5/qwt)
+find_library(DRIVER_QWT_LIBRARY NAMES qwt-qt5)
+if(NOT Qt5Widgets_FOUND)
+  message(STATUS "driverdesk is left out: it needs Qt Widgets")
+elseif(NOT DRIVER_QWT_HEADERS OR NOT DRIVER_QWT_LIBRARY)
+  message(STATUS "driverdesk is left out: it needs Qwt for Qt 5 (libqwt-qt5-dev)")
+else()
+  set(DRIVER_HAS_WINDOW ON)
+  add_library(DriverQt::Widgets INTERFACE IMPORTED)
+  target_link_libraries(DriverQt::Widgets INTERFACE Qt5::Widgets)
+  add_library(DriverQt::Qwt INTERFACE IMPORTED)
+  target_link_libraries(DriverQt::Qwt INTERFACE "${DRIVER_QWT_LIBRARY}" Qt5::Widgets)
+  target_include_directories(DriverQt::Qwt SYSTEM INTERFACE "${DRIVER_QWT_HEADERS}")
+endif()
