@@ -77,8 +77,8 @@ TEST(ManualPage, DescribesEveryOptionOfEverySubcommandAndNoOther)
     ASSERT_EQ(names.size(), 15);
     for (const QString &name : names) {
         Options expected = sections.value(name);
-        if (QStringList{"read", "write", "watch", "tags", "scan", "doctor", "snapshot", "compare", "restore"}.contains(
-                name))
+        if (QStringList{"read", "write", "watch", "tags", "scan", "doctor", "snapshot", "compare", "restore"}
+                .contains(name))
             expected += sections.value(QStringLiteral("OPTIONS OF THE LINK"));
         if (name == QLatin1String("target"))
             expected +=
@@ -93,8 +93,9 @@ TEST(ManualPage, DescribesEveryOptionOfEverySubcommandAndNoOther)
 TEST(ManualPage, DescribesEveryExitCode)
 {
     const QString page = manualPage();
-    for (const int code : {Success, OtherFailure, UsageError, CannotConnect, NoReply, ExceptionReply,
-                           DatabaseError, NotVerified, Explained, NotExplained, FoundDifferent, Interrupted, OutputClosed})
+    for (const int code :
+         {Success, OtherFailure, UsageError, CannotConnect, NoReply, ExceptionReply, DatabaseError,
+          NotVerified, Explained, NotExplained, FoundDifferent, Interrupted, OutputClosed})
         EXPECT_TRUE(page.contains(QStringLiteral(".It %1\n").arg(code))) << code;
 }
 
