@@ -212,7 +212,7 @@ std::optional<QByteArray> PlannedReadings::ask(const Items &items)
         return m_session.read(items);
     if (m_pacing->isFailing(m_session.stationFor(items)))
         m_session.channel().setRetries(0);
-    const std::optional<QByteArray> data = m_session.read(items);
+    std::optional<QByteArray> data = m_session.read(items);
     m_session.channel().setRetries(m_session.settings().retries);
     if (!isOver())
         notePace(items, data.has_value());

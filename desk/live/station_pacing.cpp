@@ -5,7 +5,7 @@ namespace
 
 const qint64 Second = 1000000;
 // Twice as long each time. A station that is back is asked within the last of them.
-const qint64 FirstDistance = Second;
+const qint64 FirstDistance = 2 * Second;
 const qint64 LongestDistance = 4 * Second;
 
 } // namespace

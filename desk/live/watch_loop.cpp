@@ -114,6 +114,7 @@ std::vector<ValueRow> WatchLoop::failedRows(size_t index, const Failure &failure
 QString WatchLoop::errorOf(const std::vector<size_t> &readings, const Failure &failure) const
 {
     std::vector<const Reading *> failed;
+    failed.reserve(readings.size());
     for (const size_t reading : readings)
         failed.push_back(&m_readings[reading]);
     return labelOf(failed) + QStringLiteral(": ") + failure.text;

@@ -58,7 +58,7 @@ public:
     const std::optional<Failure> &lastFailure() const { return m_failure; }
 
 private:
-    bool add(size_t reading, const QByteArray &data) override;
+    bool add(size_t index, const QByteArray &data) override;
     bool addFailure(const std::vector<size_t> &readings, const Failure &failure) override;
     bool addNotAsked(const std::vector<size_t> &readings, const Failure &failure) override;
     void addCommand(bool isRead) override;

@@ -26,7 +26,7 @@ SlaveMemory knownMemory()
     SlaveMemory memory;
     for (const int first : {1, 1001}) {
         for (int number = first; number < first + 10; ++number) {
-            const quint16 offset = static_cast<quint16>(number - 1);
+            const auto offset = static_cast<quint16>(number - 1);
             const QString text = QString::number(number);
             memory.setValue(0, Area::HoldingRegisters, offset, static_cast<quint16>(valueAt("HR" + text)));
             memory.setValue(0, Area::InputRegisters, offset, static_cast<quint16>(valueAt("IR" + text)));

@@ -20,7 +20,7 @@ namespace
 const int Timeout = 100; // milliseconds
 const qint64 Ms = 1000;
 const qint64 NoLimit = -1;
-const qint64 BelowQuietTime = 3 * Timeout * Ms - 1;
+const qint64 BelowQuietTime = 3 * Ms * Timeout - 1;
 
 // Six requests and six probes, unless EXPLORATION_DEPTH says otherwise.
 int maxEffort()

@@ -78,7 +78,7 @@ void Gateway::receive(SimulatedLine & /*line*/, const QByteArray &bytes)
         return;
     const Station &station = asked->second;
     m_faults += isLate ? 1 : 0;
-    const double range = static_cast<double>(weather.longestDelay - weather.shortestDelay);
+    const auto range = static_cast<double>(weather.longestDelay - weather.shortestDelay);
     const qint64 delay = isLate ? weather.shortestDelay + static_cast<qint64>(range * share) : 0;
     const qint64 latest = m_time.now() + station.replyTime + weather.longestDelay;
     // One reply after the other.

@@ -97,7 +97,7 @@ QByteArray bytesOf(CommandLine &line, const char *name)
     if (!text.startsWith(hex))
         return text.toUtf8();
     const QByteArray digits = text.mid(hex.size()).toLatin1();
-    const QByteArray bytes = QByteArray::fromHex(digits);
+    QByteArray bytes = QByteArray::fromHex(digits);
     if (bytes.isEmpty() || bytes.toHex() != digits.toLower())
         line.addError(QStringLiteral("--%1 \"%2\": expected hex: and two digits a byte, such as hex:0102FF")
                           .arg(QLatin1String(name), text));

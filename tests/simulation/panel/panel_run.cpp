@@ -79,7 +79,8 @@ PanelRun::PanelRun(const QString &plugin, quint32 seed, SettleMode mode)
       m_values(m_readings.size())
 {
     for (int station = 1; station <= Stations; ++station)
-        m_panel.gateway.addStation(station, ReplyTime, knowProbes(seed) || draw(seed, 10 + station, 2) == 0);
+        m_panel.gateway.addStation(
+            station, ReplyTime, knowProbes(seed) || draw(seed, 10 + static_cast<quint32>(station), 2) == 0);
     m_panel.gateway.setWatcher([this](char direction, const QByteArray &bytes) { watch(direction, bytes); });
     m_planned.setPacing(&m_pacing);
     m_planned.setClock([this] { return m_panel.time.now() / Ms; });
@@ -170,7 +171,7 @@ void PanelRun::checkRound(qint64 began)
         m_report.longestRecovery = std::max(m_report.longestRecovery, now - m_calendar.fairSince());
     }
     if (areAllKnown(m_panel.session.channel().settling()))
-        m_calendar.setLongestDelay(20 * m_settings.channel.timeout * Ms);
+        m_calendar.setLongestDelay(20 * Ms * m_settings.channel.timeout);
     m_report.mostPending = std::max(m_report.mostPending, m_panel.time.pending());
     if (m_panel.time.pending() > 1000)
         noteProblem("more and more is on its way");

@@ -19,8 +19,8 @@ namespace
 {
 
 const qint64 Second = 1000000;
-const qint64 Day = 24 * 3600 * Second;
-const qint64 MostGrowth = 16 << 20;
+const qint64 Day = Second * 3600 * 24;
+const qint64 MostGrowth = qint64(16) << 20;
 
 qint64 residentBytes()
 {
@@ -59,7 +59,7 @@ int main(int argc, char **argv)
     PanelRun run(pluginFile(), seed);
     if (arguments.size() > 3)
         run.traceFrom(static_cast<qint64>(arguments.value(3).toDouble() * 1e6));
-    const qint64 end = static_cast<qint64>(days * static_cast<double>(Day));
+    const auto end = static_cast<qint64>(days * static_cast<double>(Day));
     // What is needed once is there after an hour.
     run.runUntil(std::min(end, 3600 * Second));
     const qint64 memory = residentBytes();
