@@ -38,6 +38,10 @@ LatencyPlot::LatencyPlot(QWidget *parent) : QwtPlot(parent), m_histogram(std::ma
         title.setFont(font());
         setAxisTitle(axis, title);
     }
+    // So that the names of twelve classes fit beside each other.
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.8);
+    setAxisFont(QwtPlot::xBottom, small);
     m_histogram->setStyle(QwtPlotHistogram::Columns);
     m_histogram->attach(this);
     applyPalette();

@@ -27,11 +27,13 @@ const double ZoomStep = 0.8;
 const double PanStep = 0.2;
 const double Margin = 0.05; // above and below the values
 
-// Beside its colour a curve has dashes of its own, so that it is told apart without colours.
-Qt::PenStyle dashesOf(int number)
+// Beside its colour a curve has dashes of its own, so that it is told apart without colours. Where there is
+// more than a point for each column of pixels dashes do not show, and would take most of the time.
+QPen penOf(int number, bool isDense)
 {
     const Qt::PenStyle styles[] = {Qt::SolidLine, Qt::DashLine, Qt::DotLine, Qt::DashDotLine};
-    return styles[number / 2 % 4];
+    return isDense ? QPen(TrendBook::colorOf(number), 1)
+                   : QPen(TrendBook::colorOf(number), 2, styles[number / 2 % 4]);
 }
 
 QwtDateScaleDraw *makeTimeScale()
@@ -93,7 +95,6 @@ void TrendPlot::makeCurves()
     m_curves.clear();
     for (const TrendCurve &shown : m_book.curves()) {
         auto curve = std::make_unique<GapCurve>(shown.label);
-        curve->setPen(TrendBook::colorOf(shown.number), 2, dashesOf(shown.number));
         curve->setPaintAttribute(QwtPlotCurve::ClipPolygons);
         curve->setYAxis(shown.isRight ? QwtPlot::yRight : QwtPlot::yLeft);
         curve->setVisible(shown.isShown);
@@ -108,9 +109,12 @@ void TrendPlot::redraw()
     if (!m_isPaused)
         m_window.follow(static_cast<double>(QDateTime::currentMSecsSinceEpoch()));
     const int columns = std::max(1, canvas()->width());
-    for (size_t i = 0; i < m_curves.size(); ++i)
-        m_curves[i]->setSamples(
-            thinnedPoints(m_book.curves()[i].ring, m_window.begin(), m_window.end(), columns));
+    for (size_t i = 0; i < m_curves.size(); ++i) {
+        const TrendCurve &shown = m_book.curves()[i];
+        const QVector<QPointF> points = thinnedPoints(shown.ring, m_window.begin(), m_window.end(), columns);
+        m_curves[i]->setPen(penOf(shown.number, points.size() > columns));
+        m_curves[i]->setSamples(points);
+    }
     setAxisScale(QwtPlot::xBottom, m_window.begin(), m_window.end());
     showValues(QwtPlot::yLeft);
     showValues(QwtPlot::yRight);

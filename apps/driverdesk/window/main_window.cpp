@@ -180,7 +180,7 @@ void MainWindow::showPanes()
     for (QDockWidget *dock : m_docks)
         dock->show();
     // Where there is no room for two beside each other, they lie over each other.
-    if (width() < fontMetrics().averageCharWidth() * 130)
+    if (width() < fontMetrics().averageCharWidth() * 150)
         tabifyDockWidget(m_docks[1], m_docks[0]);
     m_docks[1]->raise();
     // Sizes count once all of it is laid out.
