@@ -76,7 +76,7 @@ QString Parser::beginRecording(bool isWrite, const QString &rest)
     Recording recording = {Sample(), Exchanges(), false, QString()};
     recording.sample.isWrite = isWrite;
     recording.sample.station = m_station;
-    const QString error = parseCommand(rest, recording.sample.command);
+    QString error = parseCommand(rest, recording.sample.command);
     if (!error.isEmpty())
         return error;
     if (m_transcript.recordings.empty())
@@ -122,7 +122,7 @@ QString Parser::finishRecording(const QString &word, const QString &rest)
 QString Parser::addRefused(const QString &rest)
 {
     CommunicatorCommand command;
-    const QString error = parseCommand(rest, command);
+    QString error = parseCommand(rest, command);
     if (error.isEmpty())
         m_transcript.refused.push_back(command);
     return error;

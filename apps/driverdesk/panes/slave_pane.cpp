@@ -161,7 +161,7 @@ void SlavePane::removeSelected()
     std::vector<int> rows;
     for (const QModelIndex &index : m_values->selectionModel()->selectedRows())
         rows.push_back(index.row());
-    m_slave.values().removeRows(rows);
+    m_slave.values().remove(rows);
 }
 
 void SlavePane::refresh()

@@ -57,7 +57,7 @@ Result<> SlaveValuesModel::addRange(const QString &text, int station)
     return {};
 }
 
-void SlaveValuesModel::removeRows(const std::vector<int> &rows)
+void SlaveValuesModel::remove(const std::vector<int> &rows)
 {
     std::vector<int> falling = rows;
     std::sort(falling.rbegin(), falling.rend());

@@ -22,7 +22,7 @@ public:
     /// Adds the first items of a range, "HR10..20"; the error says what was expected. What is there already
     /// stays as it is.
     Result<> addRange(const QString &text, int station);
-    void removeRows(const std::vector<int> &rows);
+    void remove(const std::vector<int> &rows);
     /// What the slave holds by now, by row.
     void takeNumbers(const std::vector<quint16> &numbers);
 

@@ -73,7 +73,7 @@ TEST(SlaveValues, AreAddedEditedAndRemoved)
     EXPECT_EQ(model.values()[0].movement.period, 2500);
     EXPECT_EQ(model.values()[0].movement.max, 500);
     EXPECT_FALSE(edit(model, 0, SlaveColumn::Address, "HR1"));
-    model.removeRows({0, 3});
+    model.remove({0, 3});
     EXPECT_EQ(model.rowCount(), 2);
     EXPECT_EQ(cell(model, 0, SlaveColumn::Address), QStringLiteral("HR11"));
 }
