@@ -10,6 +10,7 @@
 #include <QIcon>
 #include <QScreen>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace
@@ -25,11 +26,8 @@ int say(std::FILE *where, const QString &text, int code)
 
 bool asksFor(const QStringList &arguments, std::initializer_list<const char *> names)
 {
-    for (const char *name : names) {
-        if (arguments.contains(QLatin1String(name)))
-            return true;
-    }
-    return false;
+    return std::any_of(names.begin(), names.end(),
+                       [&arguments](const char *name) { return arguments.contains(QLatin1String(name)); });
 }
 
 // The first process: it needs no display.

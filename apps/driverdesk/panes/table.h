@@ -13,7 +13,6 @@ public:
     /// Gives a column the width of a text, and of its title.
     void fitColumn(int column, const QString &widestText);
 
-public slots:
     void copySelection() const;
 
 protected:

@@ -69,7 +69,6 @@ public:
     bool isLocked() const { return m_isLocked; }
     bool isReadingPaused() const { return m_isPaused; }
 
-public slots:
     void askAndOpen();
     void askForPoints();
     void askForProject();

@@ -54,6 +54,7 @@ void ReadingRun::failOthers(size_t first)
 QString ReadingRun::labelOf(const std::vector<size_t> &readings) const
 {
     std::vector<const Reading *> these;
+    these.reserve(readings.size());
     for (const size_t reading : readings)
         these.push_back(&m_readings[reading]);
     return ::labelOf(these);
