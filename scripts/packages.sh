@@ -5,7 +5,7 @@
 build_packages=(cmake g++ ninja-build qtbase5-dev libqt5serialbus5-dev libqt5sql5-sqlite libqwt-qt5-dev)
 # What the preset qt6 needs beside them.
 qt6_packages=(libqt6sql6-sqlite qt6-base-dev qt6-serialbus-dev)
-test_packages=(binutils doxygen libgtest-dev libmodbus-dev librapidcheck-dev mbpoll patch pkg-config python3
+test_packages=(binutils doxygen libgtest-dev libmodbus-dev librapidcheck-dev mbpoll mold patch pkg-config python3
     python3-pymodbus python3-serial python3-serial-asyncio tshark imagemagick openbox xclip xdotool xvfb)
 picture_packages=(imagemagick openbox xdotool xvfb)
 arm_packages=(cmake g++-arm-linux-gnueabihf mmdebstrap ninja-build qemu-user qtbase5-dev-tools)

@@ -120,7 +120,7 @@ Outcome runWithFailingOpen(DriverLink &link, const Sample &sample, const QString
     channel.errorText = reason;
     for (int nth = 1; nth <= 8; ++nth)
         channel.fail(ScriptedChannel::Open, nth, 0);
-    const Outcome outcome = link.run(sample);
+    Outcome outcome = link.run(sample);
     channel.forgetFailures();
     return outcome;
 }

@@ -156,7 +156,7 @@ void checkMemory(Trial &trial)
     DriverInterface *const driver = trial.driver();
     if (driver == nullptr)
         return;
-    const qint64 most = 64 * 1024; // kilobytes
+    const qint64 most = 65536; // kilobytes
     DriverLink link(*driver, trial.subject());
     for (const GoodRun &run : goodRuns(trial, link))
         for (const Sample &sample : allAbsurd(run.sample)) {

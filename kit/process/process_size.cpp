@@ -9,7 +9,8 @@
 
 #include <malloc.h>
 
-// Sanitizers have an allocator of their own.
+// Sanitizers have an allocator of their own, which says so by this name.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" __attribute__((weak)) size_t __sanitizer_get_current_allocated_bytes();
 
 namespace kit

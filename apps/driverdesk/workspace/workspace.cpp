@@ -30,7 +30,7 @@ QByteArray bytesAt(const QJsonObject &object, const char *name)
 QStringList textsAt(const QJsonObject &object, const char *name)
 {
     QStringList texts;
-    for (const QJsonValue &value : object.value(key(name)).toArray())
+    for (const auto value : object.value(key(name)).toArray())
         texts += value.toString();
     return texts;
 }
@@ -85,7 +85,7 @@ Result<Workspace::Slave> slaveOf(const QJsonObject &object)
     slave.port = static_cast<quint16>(object.value(key("port")).toInt());
     slave.faults = textsAt(object, "faults");
     slave.oneOf = object.value(key("oneOf")).toInt(1);
-    for (const QJsonValue &element : object.value(key("values")).toArray()) {
+    for (const auto element : object.value(key("values")).toArray()) {
         const Result<SlaveValue> value = slaveValueOf(element.toObject());
         if (!value)
             return value.error();
@@ -140,7 +140,7 @@ Result<Workspace> parseWorkspace(const QByteArray &bytes)
         return inLine(1, QStringLiteral("expected a workspace with \"driverdesk\": %1").arg(Version));
     Workspace workspace;
     workspace.opening = textsAt(object, "open");
-    for (const QJsonValue &element : object.value(key("trends")).toArray()) {
+    for (const auto element : object.value(key("trends")).toArray()) {
         const QJsonObject curve = element.toObject();
         workspace.curves.push_back({curve.value(key("point")).toString(), curve.value(key("right")).toBool(),
                                     curve.value(key("shown")).toBool(true)});
