@@ -142,16 +142,19 @@ def missing(root, files):
             yield f"{name}: {source_text.place(source, line - 1)}"
 
 
+def problem_of_desk(root, export):
+    _, branches, _ = print_table(root, read_export(root, export, DESK), set())
+    if percent(branches) < DESK_BRANCHES_WANTED:
+        yield f"{percent(branches):.2f} % of the branches of {DESK}, {DESK_BRANCHES_WANTED:.0f} % wanted"
+
+
 def main():
-    root, runtime_export, desk_export = sys.argv[1:]
+    root, runtime_export, *desk_exports = sys.argv[1:]
+    problems = [problem for export in desk_exports for problem in problem_of_desk(root, export)]
     runtime = read_export(root, runtime_export, RUNTIME)
     listed = source_text.read_list(os.path.join(root, LEFT_FILE))
     left = set(missing(root, runtime))
-    _, branches, _ = print_table(root, read_export(root, desk_export, DESK), set())
     print_table(root, runtime, listed)
-    problems = []
-    if percent(branches) < DESK_BRANCHES_WANTED:
-        problems.append(f"{percent(branches):.2f} % of the branches of {DESK}, {DESK_BRANCHES_WANTED:.0f} % wanted")
     if len(listed) > MOST_LEFT:
         problems.append(f"{len(listed)} places in {LEFT_FILE}, {MOST_LEFT} at most")
     problems += [f"neither covered nor in {LEFT_FILE}: {entry}" for entry in sorted(left - listed)]
