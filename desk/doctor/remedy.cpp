@@ -31,13 +31,13 @@ QString addressText(const Wanted &wanted, const Remedy &remedy)
     if (at.type.isBit())
         return text;
     const bool isWide = at.type.registers() > 1 && !at.type.isText();
-    const bool isTyped = at.isTyped || remedy.order;
+    const bool isTyped = at.isTyped || !remedy.order.isEmpty();
     const bool isWord = at.type == ValueType{Meaning::Unsigned, modbus::RegisterBits};
     if ((isTyped && !isWord) || isWide)
         text += QLatin1Char(':') + nameOf(at.type);
     const QString ownOrder = at.order == defaultOrder(at.type) ? QString() : nameOf(at.order, at.type);
-    const bool isTouched = remedy.order && remedy.order->size() == nameOf(at.order, at.type).size();
-    const QString order = isTouched ? *remedy.order : ownOrder;
+    const bool isTouched = remedy.order.size() == nameOf(at.order, at.type).size();
+    const QString order = isTouched ? remedy.order : ownOrder;
     return order.isEmpty() || at.address.isBitArea() ? text : text + QLatin1Char('@') + order;
 }
 
@@ -81,7 +81,8 @@ void add(Remedy &remedy, const Remedy &other)
         remedy.retries = std::max(remedy.retries.value_or(0), *other.retries);
     if (other.shift != 0)
         remedy.shift = other.shift;
-    take(remedy.order, other.order);
+    if (!other.order.isEmpty())
+        remedy.order = other.order;
     take(remedy.area, other.area);
     remedy.worksNow = remedy.worksNow && other.worksNow;
 }

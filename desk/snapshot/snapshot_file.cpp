@@ -222,7 +222,7 @@ Result<> checkReplaceable(const QString &path)
     if (!QFileInfo::exists(path))
         return {};
     QFile file(path);
-    const Result<> opened = openForReading(file);
+    Result<> opened = openForReading(file);
     if (!opened)
         return opened;
     const bool isSnapshot = file.readLine(sizeof Title + 2).trimmed() == Title;

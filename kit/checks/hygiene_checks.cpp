@@ -53,7 +53,7 @@ void checkMemory(Trial &trial)
     if (runs.empty())
         return;
     const int commands = trial.settings().commands;
-    const qint64 most = 32 * 1024;
+    const qint64 most = 32768;
     runOften(link, runs, commands / 10 + 64);
     const qint64 before = allocatedBytes();
     runOften(link, runs, commands);

@@ -269,7 +269,7 @@ QByteArray ScriptedChannel::takenBytes(int maxLength)
     if (m_incoming.empty() || maxLength <= 0)
         return QByteArray();
     QByteArray &piece = m_incoming.front();
-    const QByteArray taken = piece.left(maxLength);
+    QByteArray taken = piece.left(maxLength);
     piece.remove(0, taken.size());
     if (piece.isEmpty())
         m_incoming.pop_front();

@@ -68,7 +68,7 @@ Options parsedOptions(const QStringList &words, QString &error)
     Options options;
     Reader reader = {words, 0, QString()};
     while (reader.next < words.size() && reader.error.isEmpty()) {
-        const QString word = words.at(reader.next++);
+        const QString &word = words.at(reader.next++);
         if (word.startsWith(QLatin1Char('-')))
             readOption(word, reader, options);
         else if (options.plugin.isEmpty())

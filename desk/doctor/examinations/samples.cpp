@@ -25,9 +25,9 @@ QByteArray sampleRequest(Examiner &examiner)
     const Asked *first = examiner.seen().firstRead();
     if (first == nullptr)
         return {};
-    const QByteArray longer = readRequest(first->station(), areaOfFunction(first->function()),
-                                          wordAt(first->request, 2), SampleItems);
-    const QByteArray shorter = first->request;
+    QByteArray longer = readRequest(first->station(), areaOfFunction(first->function()),
+                                    wordAt(first->request, 2), SampleItems);
+    QByteArray shorter = first->request;
     for (int quiet = 0, tries = 0; quiet < 2 && tries < MostTries; ++tries) {
         const Asked asked = examiner.ask(Purpose::Sample, longer, examiner.patientWait());
         if (asked.result == AskResult::Answered)

@@ -229,8 +229,8 @@ void addExplanation(const Guess &guess, const Trial &trial, const DoctorOptions 
     if (guess.order) {
         judgement.remedy.order = trial.nameOfOrder(*guess.order);
         judgement.add(FindingKind::WordOrder,
-                      QStringLiteral("the values have the order %1").arg(*judgement.remedy.order), evidence,
-                      QStringLiteral("Here: @%1.").arg(*judgement.remedy.order));
+                      QStringLiteral("the values have the order %1").arg(judgement.remedy.order), evidence,
+                      QStringLiteral("Here: @%1.").arg(judgement.remedy.order));
     }
     if (guess.factor != 1)
         judgement.add(FindingKind::Scaled,

@@ -94,7 +94,7 @@ struct Remedy {
     std::optional<int> delay;   ///< milliseconds
     std::optional<int> retries;
     int shift = 0; ///< of all addresses
-    std::optional<QString> order;
+    QString order; ///< "BADC"; empty where it stays
     std::optional<Area> area;
     bool worksNow = true; ///< without a change on the other side
 };
