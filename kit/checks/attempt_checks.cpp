@@ -140,10 +140,10 @@ void checkTime(Trial &trial)
     DriverInterface *const driver = trial.driver();
     if (driver == nullptr)
         return;
-    const qint64 slack = 2000 * Millisecond; // what a slow machine takes for all the rest
+    const qint64 slack = qint64(2000) * Millisecond; // what a slow machine takes for all the rest
     const unsigned int delay = 100;
     DriverLink link(*driver, trial.subject());
-    const qint64 attempt = qint64(delay) + link.channel().connectTime + 2 * link.channel().timeout;
+    const qint64 attempt = qint64(delay) + link.channel().connectTime + qint64(2) * link.channel().timeout;
     for (const GoodRun &run : goodRuns(trial, link))
         for (const Trouble &trouble : brokenTransmissions(run)) {
             if (trouble.exchange > 0)

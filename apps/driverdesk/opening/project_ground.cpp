@@ -37,7 +37,7 @@ Result<> takeProject(Ground &ground, CommandLine &line)
     if (!node)
         return Error{QStringLiteral("%1 has no link with a default node for %2")
                          .arg(link.project, link.channel.device)};
-    const Result<> endpoint = takeEndpoint(link, *node, line);
+    Result<> endpoint = takeEndpoint(link, *node, line);
     if (!endpoint)
         return endpoint;
     const ItemOptions options = itemOptionsOf(line);
