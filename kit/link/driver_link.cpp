@@ -73,7 +73,7 @@ Outcome DriverLink::runWith(const Trouble &trouble, const Sample &sample, int re
     reset();
     m_channel.retries = retries;
     setTrouble(trouble, attempts);
-    const Outcome outcome = run(sample);
+    Outcome outcome = run(sample);
     m_hasTrouble = false;
     return outcome;
 }

@@ -63,9 +63,11 @@ private:
 void execute(const QString &program, const QStringList &words)
 {
     std::vector<QByteArray> texts(1, QFile::encodeName(program));
+    texts.reserve(static_cast<size_t>(words.size()) + 1);
     for (int i = 0; i < words.size(); ++i)
         texts.push_back(words.at(i).toLocal8Bit());
     std::vector<char *> arguments;
+    arguments.reserve(texts.size() + 1);
     for (QByteArray &text : texts)
         arguments.push_back(text.data());
     arguments.push_back(nullptr);

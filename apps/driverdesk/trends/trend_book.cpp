@@ -202,11 +202,11 @@ bool TrendBook::setData(const QModelIndex &index, const QVariant &value, int rol
     if (column == TrendColumn::Point && role == Qt::CheckStateRole)
         curve.isShown = value.toInt() == Qt::Checked;
     else if (column == TrendColumn::Axis && role == Qt::EditRole)
-        curve.isRight = value.toString() == QStringLiteral("right");
+        curve.isRight = value.toString() == QLatin1String("right");
     else
         return false;
-    emit dataChanged(index, index);
-    emit curvesChanged();
+    Q_EMIT dataChanged(index, index);
+    Q_EMIT curvesChanged();
     return true;
 }
 

@@ -16,6 +16,11 @@
 namespace
 {
 
+QKeySequence withControl(int key)
+{
+    return QKeySequence(static_cast<int>(Qt::CTRL) + key);
+}
+
 // Makes the actions of one window.
 class Menus
 {
@@ -69,8 +74,8 @@ void Menus::addFileMenu()
         [=] { window->askForPoints(); });
     add(menu, MainWindow::tr("Open a pro&ject…"), Qt::CTRL + Qt::SHIFT + Qt::Key_J,
         [=] { window->askForProject(); });
-    add(menu, MainWindow::tr("&Demo"), Qt::CTRL + Qt::Key_D, [=] { window->openDemo(1); });
-    add(menu, MainWindow::tr("&Close the link"), Qt::CTRL + Qt::Key_W, [=] { window->closeLink(); });
+    add(menu, MainWindow::tr("&Demo"), withControl(Qt::Key_D), [=] { window->openDemo(1); });
+    add(menu, MainWindow::tr("&Close the link"), withControl(Qt::Key_W), [=] { window->closeLink(); });
     menu->addSeparator();
     add(menu, MainWindow::tr("Open a wor&kspace…"), Qt::CTRL + Qt::SHIFT + Qt::Key_O,
         [=] { window->askForWorkspace(); });
@@ -103,20 +108,20 @@ void Menus::addLinkMenu()
 {
     MainWindow *window = &m_window;
     QMenu *menu = window->menuBar()->addMenu(MainWindow::tr("&Link"));
-    m_pause = add(menu, MainWindow::tr("&Pause reading"), Qt::CTRL + Qt::Key_P,
+    m_pause = add(menu, MainWindow::tr("&Pause reading"), withControl(Qt::Key_P),
                   [=](bool isOn) { window->setReadingPaused(isOn); });
     m_pause->setCheckable(true);
     QObject::connect(window, &MainWindow::pauseChanged, m_pause, &QAction::setChecked);
     add(menu, MainWindow::tr("&Ask again for what was refused"), QKeySequence::Refresh,
         [=] { window->askAgain(); });
-    m_lock = add(menu, MainWindow::tr("&Lock writing"), Qt::CTRL + Qt::Key_L,
+    m_lock = add(menu, MainWindow::tr("&Lock writing"), withControl(Qt::Key_L),
                  [=](bool isOn) { window->setLocked(isOn); });
     m_lock->setCheckable(true);
     m_lock->setChecked(true);
     QObject::connect(window, &MainWindow::lockChanged, m_lock, &QAction::setChecked);
-    m_write = add(menu, MainWindow::tr("&Write…"), Qt::CTRL + Qt::Key_Return,
+    m_write = add(menu, MainWindow::tr("&Write…"), withControl(Qt::Key_Return),
                   [=] { Menus(*window).writeCurrent(); });
-    m_trend = add(menu, MainWindow::tr("Show in &trends"), Qt::CTRL + Qt::Key_T,
+    m_trend = add(menu, MainWindow::tr("Show in &trends"), withControl(Qt::Key_T),
                   [=] { window->addTrends(window->pointsPane()->selectedRows()); });
 }
 
@@ -133,11 +138,11 @@ void Menus::addViewMenu()
 {
     MainWindow *window = &m_window;
     QMenu *menu = window->menuBar()->addMenu(MainWindow::tr("&View"));
-    add(menu, MainWindow::tr("&Points"), Qt::CTRL + Qt::Key_1,
+    add(menu, MainWindow::tr("&Points"), withControl(Qt::Key_1),
         [=] { window->pointsPane()->table()->setFocus(); });
     int key = Qt::Key_2;
     for (QDockWidget *dock : window->docks()) {
-        add(menu, dock->windowTitle(), Qt::CTRL + key++, [=] {
+        add(menu, dock->windowTitle(), withControl(key++), [=] {
             dock->show();
             dock->raise();
             dock->widget()->setFocus();

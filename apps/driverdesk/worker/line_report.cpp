@@ -5,7 +5,7 @@
 namespace
 {
 
-const qint64 Recent = 10 * 1000 * 1000; // microseconds
+const qint64 Recent = 10000000; // microseconds
 const size_t MaxIntervals = 4096;
 
 } // namespace

@@ -18,7 +18,7 @@ namespace
 // Milliseconds between two publications.
 const qint64 PublishInterval = 100;
 // Microseconds after which a reading is given up for something urgent.
-const qint64 LongWait = 300 * 1000;
+const qint64 LongWait = 300000;
 
 QString databasePath()
 {
@@ -103,7 +103,7 @@ Result<> LinkRun::beginRecording()
 {
     const LinkSettings &link = m_ground.link;
     m_recorder = std::make_unique<Recorder>(link.recordFile, link.channel.device, link.channel.retries);
-    const Result<> opened = m_recorder->open();
+    Result<> opened = m_recorder->open();
     if (opened && m_recorder->isRecording())
         m_ground.link.record = [this](const kit::Recording &recording) { m_recorder->add(recording); };
     return opened;

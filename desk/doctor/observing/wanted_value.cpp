@@ -11,7 +11,7 @@ namespace
 // Registers with their low bytes first, as valueAt() takes them; bits as they come.
 QByteArray dataOf(const QByteArray &reply)
 {
-    const QByteArray bytes = reply.mid(3, byteAt(reply, 2));
+    QByteArray bytes = reply.mid(3, byteAt(reply, 2));
     if (modbus::isReadOfBits(functionOf(reply)))
         return bytes;
     std::vector<quint16> registers;
