@@ -326,7 +326,7 @@ void MainWindow::take(const Delivery &delivery)
 void MainWindow::showStatus(const LinkStatus &status)
 {
     const QStringList names = {tr("closed"), tr("opening"), tr("connected"), tr("failing"), tr("not usable")};
-    const QString state = names.at(status.state);
+    const QString &state = names.at(status.state);
     m_stateLabel->setText(status.text.isEmpty() ? state : tr("%1: %2").arg(state, status.text));
     if (status.state == LinkStatus::Unusable)
         showMessage(status.text);
