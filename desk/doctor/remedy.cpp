@@ -94,8 +94,8 @@ QStringList commandFor(const DoctorOptions &options, const Remedy &remedy, const
     target.station = remedy.station.value_or(target.station);
     QStringList words{QStringLiteral("driverhost"), QStringLiteral("read"), targetText(target)};
     words += addresses(options, remedy, seen);
-    const auto addNumber = [&](const char *option, int number, int usual) {
-        if (number != usual)
+    const auto addNumber = [&](const char *option, int number, int byDefault) {
+        if (number != byDefault)
             words += {QLatin1String(option), QString::number(number)};
     };
     addNumber("--timeout", remedy.timeout.value_or(options.exchange.timeout), defaults.timeout);

@@ -1,7 +1,7 @@
 // Files of snapshots: one that is understood says the same once it is written, since it is what gets put
 // back.
 
-#include "desk/snapshot/snapshot.h"
+#include "desk/snapshot/snapshot_file.h"
 #include "fuzz/support/check.h"
 #include "fuzz/support/input.h"
 

@@ -21,17 +21,13 @@ using Judge = std::function<bool(DriverLink &link, const GoodRun &run, const Out
 // right.
 void expectFailures(Trial &trial, const Damages &damages, const Judge &judge)
 {
-    DriverInterface *const driver = trial.driver();
-    if (driver == nullptr)
-        return;
-    DriverLink link(*driver, trial.subject());
-    for (const GoodRun &run : goodRuns(trial, link))
-        for (size_t i = 0; i < run.exchanges.size(); ++i)
-            for (const Trouble &trouble : damages(run.exchanges[i], static_cast<int>(i))) {
-                const Outcome outcome = link.runWith(trouble, run.sample);
-                if (hasSucceeded(run.sample, outcome) && !judge(link, run, outcome))
-                    trial.report(findingOf(run.sample, outcome, text("a failure after ") + trouble.name));
-            }
+    forEachExchange(trial, [&](DriverLink &link, const GoodRun &run, const Exchange &exchange, int at) {
+        for (const Trouble &trouble : damages(exchange, at)) {
+            const Outcome outcome = link.runWith(trouble, run.sample);
+            if (hasSucceeded(run.sample, outcome) && !judge(link, run, outcome))
+                trial.report(findingOf(run.sample, outcome, text("a failure after ") + trouble.name));
+        }
+    });
 }
 
 bool isNeverRight(DriverLink & /*link*/, const GoodRun & /*run*/, const Outcome & /*outcome*/)

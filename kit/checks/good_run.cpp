@@ -23,6 +23,19 @@ bool hasRightData(DriverLink &link, const GoodRun &run, const Outcome &outcome)
     return link.runOnOpenChannel(run.sample).data == outcome.data;
 }
 
+void forEachExchange(
+    Trial &trial,
+    const std::function<void(DriverLink &link, const GoodRun &run, const Exchange &exchange, int at)> &look)
+{
+    DriverInterface *const driver = trial.driver();
+    if (driver == nullptr)
+        return;
+    DriverLink link(*driver, trial.subject());
+    for (const GoodRun &run : goodRuns(trial, link))
+        for (size_t i = 0; i < run.exchanges.size(); ++i)
+            look(link, run, run.exchanges[i], static_cast<int>(i));
+}
+
 Troubles brokenTransmissions(const GoodRun &run)
 {
     Troubles troubles;

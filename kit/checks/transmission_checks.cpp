@@ -14,20 +14,6 @@ QString text(const char *latin1)
     return QLatin1String(latin1);
 }
 
-// Calls \a look with every exchange of every sample that succeeds.
-void forEachExchange(
-    Trial &trial,
-    const std::function<void(DriverLink &link, const GoodRun &run, const Exchange &exchange, int at)> &look)
-{
-    DriverInterface *const driver = trial.driver();
-    if (driver == nullptr)
-        return;
-    DriverLink link(*driver, trial.subject());
-    for (const GoodRun &run : goodRuns(trial, link))
-        for (size_t i = 0; i < run.exchanges.size(); ++i)
-            look(link, run, run.exchanges[i], static_cast<int>(i));
-}
-
 bool readsAfterLastRequest(const Outcome &outcome)
 {
     bool reads = false;

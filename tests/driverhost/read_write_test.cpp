@@ -15,7 +15,7 @@ QStringList linesOf(const QString &text)
     return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
 }
 
-SlaveOptions withHoles()
+SlaveOptions withoutHR1000()
 {
     SlaveOptions options;
     options.memory.addHole({0, Area::HoldingRegisters, 999, 999});
@@ -27,7 +27,7 @@ SlaveOptions withHoles()
 class ReadWriteTest : public SlaveTest
 {
 protected:
-    ReadWriteTest() : SlaveTest(withHoles()) {}
+    ReadWriteTest() : SlaveTest(withoutHR1000()) {}
 };
 
 TEST_F(ReadWriteTest, ReadsSeveralAddressesAsAlignedText)

@@ -12,16 +12,6 @@
 namespace
 {
 
-SlaveOptions withHoles()
-{
-    SlaveOptions options;
-    options.stations = {1, 5};
-    options.memory.addHole({0, Area::HoldingRegisters, 10, 19});
-    options.memory.addHole({0, Area::HoldingRegisters, 49, 49});
-    options.memory.addHole({0, Area::Coils, 2, 2});
-    return options;
-}
-
 QString problemWith(const char *list)
 {
     return parseProjectList(QLatin1String(list)).errorText();

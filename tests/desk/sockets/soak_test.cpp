@@ -1,19 +1,17 @@
 #include "desk/slave/slave_thread.h"
 #include "drivers/qt/qt_lines.h"
 #include "tests/peers/driver_link.h"
+#include "tests/peers/process_use.h"
 #include "tests/peers/text_printing.h"
 #include "tests/peers/waiting.h"
 
 #include <gtest/gtest.h>
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
 
 #include <dlfcn.h>
 #include <map>
 #include <random>
-#include <unistd.h>
 
 // Many transactions on a real socket with one reply in a hundred spoilt. Every value is right, every failure
 // has its fault, and nothing piles up. SOAK_TRANSACTIONS says how many; a million take some minutes.
@@ -21,7 +19,7 @@
 namespace
 {
 
-const int UsualTransactions = 40000;
+const int DefaultTransactions = 40000;
 const int Timeout = 100;
 const int FaultPercent = 1;
 // Of memory, while everything has been seen to happen before.
@@ -36,20 +34,7 @@ bool isWatchedByTool()
 int transactionsWanted()
 {
     const int wanted = qEnvironmentVariableIntValue("SOAK_TRANSACTIONS");
-    return wanted > 0 ? wanted : UsualTransactions;
-}
-
-qint64 residentBytes()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
-}
-
-int openFiles()
-{
-    return sizeOf(QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files));
+    return wanted > 0 ? wanted : DefaultTransactions;
 }
 
 // What a fault leads to. "" is success.

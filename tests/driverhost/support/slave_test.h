@@ -5,6 +5,17 @@
 
 #include <gtest/gtest.h>
 
+/// Stations 1 and 5, without HR11..20, HR50 and DO3.
+inline SlaveOptions withHoles()
+{
+    SlaveOptions options;
+    options.stations = {1, 5};
+    options.memory.addHole({0, Area::HoldingRegisters, 10, 19});
+    options.memory.addHole({0, Area::HoldingRegisters, 49, 49});
+    options.memory.addHole({0, Area::Coils, 2, 2});
+    return options;
+}
+
 /// A test with a slave on the loopback.
 class SlaveTest : public testing::Test
 {

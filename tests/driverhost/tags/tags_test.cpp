@@ -8,16 +8,6 @@
 namespace
 {
 
-SlaveOptions withHoles()
-{
-    SlaveOptions options;
-    options.stations = {1, 5};
-    options.memory.addHole({0, Area::HoldingRegisters, 10, 19});
-    options.memory.addHole({0, Area::HoldingRegisters, 49, 49});
-    options.memory.addHole({0, Area::Coils, 2, 2});
-    return options;
-}
-
 // In every area, around the holes.
 const char AllTags[] = "tag 1 HR1\ntag 1 HR2\ntag 1 HR4.3\ntag 1 HRSW30\ntag 1 DO1\ntag 1 DO2\ntag 1 FN5DO4\n"
                        "tag 1 5-DI9\ntag 1 DI65536\n";

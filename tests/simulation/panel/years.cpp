@@ -3,17 +3,14 @@
 
 #include "drivers/tools.h"
 #include "tests/peers/driver_link.h"
+#include "tests/peers/process_use.h"
 #include "tests/peers/test_files.h"
 #include "tests/simulation/panel/panel_run.h"
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QFile>
 
 #include <algorithm>
 #include <iostream>
-
-#include <unistd.h>
 
 namespace
 {
@@ -21,20 +18,6 @@ namespace
 const qint64 Second = 1000000;
 const qint64 Day = Second * 3600 * 24;
 const qint64 MostGrowth = qint64(16) << 20;
-
-qint64 residentBytes()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
-}
-
-int openFiles()
-{
-    return static_cast<int>(
-        QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::System | QDir::Files).size());
-}
 
 void print(quint32 seed, double days, const PanelRun &run, qint64 growth)
 {
