@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the fuzz programs with clang and runs each for a while under AddressSanitizer and UndefinedBehaviorSanitizer.
-# Installs what is missing first.
+# Builds the fuzz programs with clang and runs each for a while under AddressSanitizer and UndefinedBehaviorSanitizer, one
+# on each processor at a time. Installs what is missing first.
 #   scripts/fuzz.sh [--seed N] [SECONDS [PROGRAM...]]     20 seconds, all programs of fuzz/ and fuzz/desk/
 #
 # Inputs that reach something new are kept in build/fuzz/run/PROGRAM/corpus, so later runs go on where earlier ones
@@ -18,23 +18,24 @@ main() {
         seed=${2:?--seed needs a number}
         shift 2
     fi
-    local seconds=${1:-20} programs=("${@:2}") failed=() program
+    local seconds=${1:-20} programs=("${@:2}")
     if ((${#programs[@]} == 0)); then
         mapfile -t programs < <(basename --suffix .cpp fuzz/*.cpp fuzz/desk/*.cpp)
     fi
     install_packages "${build_packages[@]}" "${clang_packages[@]}"
     build_programs "${programs[@]/#/fuzz_}"
-    for program in "${programs[@]}"; do
-        run_program "$program" "$seconds" || failed+=("$program")
-    done
-    if ((${#failed[@]} > 0)); then
-        echo "failed: ${failed[*]}; the inputs lie in $build/run" >&2
+    export -f run_program
+    export build seed
+    printf '%s\n' "${programs[@]}" |
+        xargs -P "$(nproc)" -I PROGRAM bash -euo pipefail -c "run_program PROGRAM '$seconds'" || {
+        echo "failed; the inputs lie in $build/run" >&2
         exit 1
-    fi
+    }
 }
 
 build_programs() {
     cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DDRIVER_FUZZ=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DCMAKE_CXX_FLAGS_RELWITHDEBINFO='-O1 -g1 -DNDEBUG' \
         -DBUILD_TESTING=OFF >/dev/null
     ninja -C "$build" "$@"
 }
@@ -54,7 +55,7 @@ run_program() {
     mkdir -p "$run/corpus"
     cp "$build/fuzz/fuzz_$name" "$run/"
     if ! "$run/fuzz_$name" "${options[@]}" "$run/corpus" "fuzz/corpus/$name" >"$run/log" 2>&1; then
-        tail -n 60 "$run/log"
+        printf 'failed: %s\n%s\n' "$name" "$(tail -n 60 "$run/log")" >&2
         return 1
     fi
     printf '%-24s %9s inputs, %s kept\n' "$name" \

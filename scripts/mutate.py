@@ -3,10 +3,11 @@
 
 Works in a copy of the tree below build/mutants. Changes that do not compile do not count. What no test notices is
 printed; it must stand with a reason in tests/mutation-survivors.txt, or a test is missing. Fails when less than 95 % of
-the changes are noticed or explained there."""
+a sample are noticed or explained there, or any of all that there are (--all)."""
 
 import argparse
 import filecmp
+import math
 import os
 import random
 import resource
@@ -15,6 +16,7 @@ import subprocess
 import sys
 import time
 
+import mutation_results
 import mutations
 import source_text
 
@@ -22,10 +24,13 @@ ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 WORK = os.environ.get("MUTATION_BUILD_DIR", os.path.join(ROOT, "build", "mutants"))
 COPY = os.path.join(WORK, "source")
 BUILD = os.path.join(WORK, "build")
+RESULTS = os.environ.get("MUTATION_RESULTS_DIR", os.path.join(WORK, "results"))
 SURVIVORS_FILE = os.path.join(ROOT, "tests", "mutation-survivors.txt")
 
 WANTED = 95.0
 LARGEST_MEMORY = 8 << 30
+# For a test that waits for what never comes.
+LONGEST_WAIT = 60
 
 
 def copy_tree():
@@ -60,9 +65,11 @@ def prepare():
     subprocess.run(["ninja", "-C", BUILD, "--quiet"], check=True)
 
 
-def limit_resources():
+def limit_resources(seconds):
+    """Endless loops are told by processor time, which other programs do not take away."""
     resource.setrlimit(resource.RLIMIT_AS, (LARGEST_MEMORY, LARGEST_MEMORY))
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
 
 
 class Test:
@@ -71,12 +78,12 @@ class Test:
         self.seconds = 0.0
         self.kills = {}
 
-    def passes(self, limit):
+    def passes(self, seconds):
         program = os.path.join(BUILD, self.name + ".dir", self.name)
         try:
             return subprocess.run([program], cwd=os.path.dirname(program), stdin=subprocess.DEVNULL,
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=limit, check=False,
-                                  preexec_fn=limit_resources, start_new_session=True).returncode == 0
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=LONGEST_WAIT + seconds, check=False,
+                                  preexec_fn=lambda: limit_resources(seconds), start_new_session=True).returncode == 0
         except subprocess.TimeoutExpired:
             return False
 
@@ -99,9 +106,19 @@ def find_tests():
     return tests
 
 
+def remember(tests, decided):
+    """Which tests noticed changes in earlier runs: the next ones are tried with those first."""
+    by_name = {test.name: test for test in tests}
+    for description, outcome in decided.items():
+        if outcome in by_name:
+            file = description.split(": ", 1)[0]
+            by_name[outcome].kills[file] = by_name[outcome].kills.get(file, 0) + 1
+    return tests
+
+
 def noticed_by(tests, file):
     for test in sorted(tests, key=lambda candidate: candidate.rank(file)):
-        if not test.passes(5 + 10 * test.seconds):
+        if not test.passes(5 + math.ceil(10 * test.seconds)):
             test.kills[file] = test.kills.get(file, 0) + 1
             return test.name
     return None
@@ -137,42 +154,120 @@ def chosen(count, seed, files):
         yield from sorted(batch, key=lambda mutant: (mutant.file, mutant.line))
 
 
-def run(count, seed, files):
+class Tally:
+    def __init__(self):
+        self.explained = source_text.read_list(SURVIVORS_FILE)
+        self.noticed, self.known, self.unexplained = 0, set(), []
+
+    def total(self):
+        return self.noticed + len(self.known) + len(self.unexplained)
+
+    def add(self, description, test):
+        """Counts a change, and says in a word what became of it."""
+        if test is not None:
+            self.noticed += 1
+            return test
+        if description in self.explained:
+            self.known.add(description)
+            return "explained"
+        self.unexplained.append(description)
+        return "NOT NOTICED"
+
+    def report(self, wanted):
+        share = 100.0 * (self.noticed + len(self.known)) / max(self.total(), 1)
+        print(f"\n{self.total()} changes: {self.noticed} noticed, {len(self.known)} explained, "
+              f"{len(self.unexplained)} neither ({share:.1f} %)")
+        for description in self.unexplained:
+            print(f"  {description}")
+        if self.total() == 0 or share < wanted:
+            sys.exit(1)
+
+
+def run_sample(count, seed, files):
     prepare()
     tests = find_tests()
-    explained = source_text.read_list(SURVIVORS_FILE)
-    noticed, known, unexplained = 0, 0, []
+    tally = Tally()
     for mutant in chosen(count, seed, files):
-        if noticed + known + len(unexplained) == count:
+        if tally.total() == count:
             break
         outcome = try_mutant(mutant, tests)
-        if outcome is None:
+        if outcome is not None:
+            print(f"{tally.add(*outcome):28} {outcome[0]}", flush=True)
+    tally.report(WANTED)
+
+
+def every_mutant(files):
+    return [mutant for place in mutations.all_mutants(ROOT) for mutant in place if not files or mutant.file in files]
+
+
+def run_shard(shard, shards, files):
+    """One part of all changes, of which those that are decided are not tried again."""
+    prepare()
+    results = mutation_results.Results(RESULTS, f"{shard}-of-{shards}", COPY, mutation_results.state_of_tree(COPY))
+    tests, decided = None, results.read()
+    for number, mutant in enumerate(every_mutant(files)):
+        description = mutations.describe(mutant, read_lines(mutant.file))
+        if number % shards != shard - 1 or description in decided:
             continue
-        description, test = outcome
-        noticed += test is not None
-        known += test is None and description in explained
-        if test is None and description not in explained:
-            unexplained.append(description)
-        print(f"{test or ('explained' if description in explained else 'NOT NOTICED'):28} {description}", flush=True)
-    report(noticed, known, unexplained)
+        # The first that is to be tried: a run with nothing left to do measures no tests.
+        tests = tests or remember(find_tests(), decided)
+        outcome = try_mutant(mutant, tests)
+        word = mutation_results.DOES_NOT_COMPILE if outcome is None else outcome[1] or mutation_results.SURVIVED
+        results.add(mutant.file, word, description)
+        print(f"{word:28} {description}", flush=True)
 
 
-def report(noticed, known, unexplained):
-    total = noticed + known + len(unexplained)
-    print(f"\n{total} changes: {noticed} noticed, {known} explained, {len(unexplained)} neither")
-    for description in unexplained:
-        print(f"  {description}")
-    if total == 0 or 100.0 * (noticed + known) / total < WANTED:
-        sys.exit(1)
+def start_shard(shard, shards, files):
+    folder = os.path.join(WORK, str(shard))
+    environment = dict(os.environ, MUTATION_BUILD_DIR=folder, MUTATION_RESULTS_DIR=RESULTS)
+    command = [sys.executable, os.path.abspath(__file__), "--all", "--shard", f"{shard}/{shards}", *files]
+    return subprocess.Popen(command, env=environment)
+
+
+def run_all(files):
+    """All shards at once, one for each processor; then what all of them have found."""
+    shards = os.cpu_count() or 1
+    running = [start_shard(shard, shards, files) for shard in range(1, shards + 1)]
+    if any([shard.wait() != 0 for shard in running]):
+        sys.exit("a part of the run failed; the same command goes on from there")
+    copy_tree()
+    results = mutation_results.Results(RESULTS, "all", COPY, mutation_results.state_of_tree(COPY))
+    outcomes = results.read()
+    tally = Tally()
+    for mutant in every_mutant(files):
+        description = mutations.describe(mutant, read_lines(mutant.file))
+        if outcomes[description] != mutation_results.DOES_NOT_COMPILE:
+            tally.add(description, None if outcomes[description] == mutation_results.SURVIVED else outcomes[description])
+    for description in sorted(tally.explained - tally.known) if not files else []:
+        print(f"listed, but noticed or gone: {description}")
+    tally.report(100.0)
+
+
+def shard_number(text):
+    """K/N as two numbers, of which K is from 1 to N."""
+    shard, divided, shards = text.partition("/")
+    if not (divided and shard.isdecimal() and shards.isdecimal() and 1 <= int(shard) <= int(shards)):
+        raise argparse.ArgumentTypeError(f"{text!r} is not K/N with K from 1 to N, such as 2/4")
+    return int(shard), int(shards)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--count", type=int, default=200, help="number of changes (default 200)")
     parser.add_argument("--seed", type=int, default=1, help="chooses the changes (default 1)")
+    parser.add_argument("--all", action="store_true",
+                        help="every change there is, in hours; goes on where the last such run was stopped")
+    parser.add_argument("--shard", type=shard_number, metavar="K/N", help="with --all: part K of N alone, without a report")
     parser.add_argument("files", nargs="*", help="only changes of these files, named from the root of the tree")
     options = parser.parse_args()
-    run(options.count, options.seed, options.files)
+    if options.shard and not options.all:
+        parser.error("--shard needs --all")
+    if options.shard:
+        run_shard(*options.shard, options.files)
+    elif options.all:
+        run_all(options.files)
+    else:
+        run_sample(options.count, options.seed, options.files)
 
 
 if __name__ == "__main__":

@@ -8,10 +8,12 @@ source scripts/packages.sh
 
 preset=${1:-release}
 packages=("${build_packages[@]}" "${test_packages[@]}")
-if [[ $preset == qt6 ]]; then
-    packages+=("${qt6_packages[@]}")
-fi
+case $preset in
+qt6) packages+=("${qt6_packages[@]}") ;;
+sanitizers) packages+=("${coverage_packages[@]}") ;;
+esac
 install_packages "${packages[@]}"
 cmake --preset "$preset"
 cmake --build --preset "$preset"
-ctest --preset "$preset" --parallel "$(nproc)" "${@:2}"
+# Most of them wait for sockets and programs most of the time.
+ctest --preset "$preset" --parallel "$((2 * $(nproc)))" "${@:2}"
