@@ -58,9 +58,10 @@ INSTANTIATE_TEST_SUITE_P(OfTheDefaultStation, TagClass, testing::ValuesIn(ofTheD
 
 // A prefix that is known counts even when no number can be read after it.
 const TagCase withoutNumber[] = {
-    {"DI", 1, "DI 99 65535"},   {"do", 1, "DI 99, DO 65535"},        {"FN5DO", 1, "DI 99, DO 65535"},
-    {"DI0", 1, "DI 99 65535"},  {"DO5.3", 1, "DI 99, DO 65535"},     {"FN5DO5.3", 1, "DI 99, DO 65535"},
-    {"DI5x", 1, "DI 99 65535"}, {"DI99999999999", 1, "DI 99 65535"}, {"DIabc", 1, "DI 99 65535"},
+    {"DI", 1, "DI 99 65535"},    {"do", 1, "DI 99, DO 65535"},    {"FN5DO", 1, "DI 99, DO 65535"},
+    {"DI0", 1, "DI 99 65535"},   {"DO5.3", 1, "DI 99, DO 65535"}, {"FN5DO5.3", 1, "DI 99, DO 65535"},
+    {"DI5:", 1, "DI 99 65535"},  {"DI5x", 1, "DI 99 65535"},      {"DI99999999999", 1, "DI 99 65535"},
+    {"DIabc", 1, "DI 99 65535"},
 };
 INSTANTIATE_TEST_SUITE_P(WithoutNumber, TagClass, testing::ValuesIn(withoutNumber));
 
@@ -127,6 +128,7 @@ const TagCase ofNoBitArea[] = {
     {"FN5DX7", 1, "DI 99"},
     {"1-FN5DX7", 1, "DI 99"},
     {"2-HR4", 2, "invalid address 2-DI"},
+    {"-DI", 0, "invalid address 0-DI"},
 };
 INSTANTIATE_TEST_SUITE_P(OfNoBitArea, TagClass, testing::ValuesIn(ofNoBitArea));
 

@@ -1,4 +1,5 @@
 #include "tests/support/driver_test.h"
+#include "tests/support/little_memory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -90,6 +91,17 @@ TEST(LoadingMemory, DoesNotGrowWithTheRows)
     const char *const address = "'DO' || (t0.d * 10 + t1.d + 1)";
     const size_t few = mostWithTags(address, 2);
     EXPECT_LE(mostWithTags(address, 5), few + 1024);
+}
+
+// The rows that Qt may keep are not objects of the driver: a million of them take more than there is.
+TEST(LoadingMemory, QtKeepsNoRows)
+{
+    const ProjectDatabase project(QStringList(), 1);
+    ProjectDatabase::execute(viewOfTags("'DO' || (t0.d * 10 + t1.d + 1)", 6));
+    inLittleMemory(32, [] {
+        mostWhileLoading();
+        return testing::Test::HasFailure() ? "the project was not loaded" : "";
+    });
 }
 
 // 8 KB for the addresses of an area, and as much again for other ends.
