@@ -164,6 +164,11 @@ TEST_F(OutputFieldsTest, AreThoseOfThePage)
               shown(ofWatch));
 }
 
+TEST_F(OutputFieldsTest, OfADiagnosisAreThoseOfThePage)
+{
+    EXPECT_EQ(shown(fields("doctor TARGET --listen 0.2")), shown(documented("doctor")));
+}
+
 TEST_F(OutputFieldsTest, AreTheColumnsOfThePage)
 {
     const Names ofRead = documented("read , tags") - OfJson;
