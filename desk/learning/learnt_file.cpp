@@ -1,10 +1,10 @@
 #include "desk/learning/learnt_file.h"
 
 #include "desk/items/number_text.h"
+#include "desk/written_file.h"
 
 #include <QDateTime>
 #include <QFile>
-#include <QSaveFile>
 #include <QStringList>
 
 // A file of what was learnt is a text of lines, a fact each, that people can read, and delete where it is
@@ -253,9 +253,5 @@ Result<Learnt> readLearntFile(const QString &path)
 
 Result<> writeLearntFile(const QString &path, Learnt &learnt)
 {
-    QSaveFile file(path);
-    const QByteArray text = textOf(learnt).toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-        return {};
-    return Error{QStringLiteral("%1: %2").arg(path, file.errorString())};
+    return writeWholeFile(path, textOf(learnt).toUtf8());
 }

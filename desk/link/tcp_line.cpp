@@ -30,7 +30,7 @@ int millisecondsOf(qint64 microseconds)
 
 bool wouldBlock(int error)
 {
-    return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
+    return error == EAGAIN || error == EINTR;
 }
 
 int pendingErrorOf(int descriptor)

@@ -6,6 +6,7 @@
 #include <QJsonDocument>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -118,7 +119,7 @@ Result<> LogFile::begin(const QDateTime &now)
     if (m_file < 0)
         return failure();
     m_day = now.date();
-    m_size = ::lseek(m_file, 0, SEEK_END);
+    m_size = std::max<qint64>(0, ::lseek(m_file, 0, SEEK_END)); // a pipe has no end to go to
     cutTornLine();
     return {};
 }

@@ -84,7 +84,7 @@ CheapestRanges AreaPlan::rangesToTry(const std::vector<Span> &spans, StationFact
     do {
         ranges = rangesFor(maxCount);
         maxCount += (limit.refused() - maxCount) / 2;
-    } while (!isWorthTrying(ranges) && maxCount < limit.refused());
+    } while (!isWorthTrying(ranges)); // as those with one less than was refused are
     return ranges;
 }
 

@@ -116,8 +116,7 @@ private:
 
     void fail(int line, const QString &problem)
     {
-        if (m_problem.isEmpty())
-            m_problem = QStringLiteral("%1: %2").arg(QString::number(line), problem);
+        m_problem = QStringLiteral("%1: %2").arg(QString::number(line), problem);
         m_at = sizeOf(m_text);
     }
 
@@ -128,21 +127,15 @@ private:
     int m_line = 1;
 };
 
-QString withoutMark(const QString &text)
-{
-    return text.startsWith(QChar(QChar::ByteOrderMark)) ? text.mid(1) : text;
-}
-
 } // namespace
 
 QString decodedText(const QByteArray &bytes)
 {
     if (bytes.startsWith("\xFF\xFE") || bytes.startsWith("\xFE\xFF"))
-        return withoutMark(
-            QString::fromUtf16(reinterpret_cast<const char16_t *>(bytes.constData()), sizeOf(bytes) / 2));
+        return QString::fromUtf16(reinterpret_cast<const char16_t *>(bytes.constData()), sizeOf(bytes) / 2);
     const QString text = QString::fromUtf8(bytes);
     const bool isUtf8 = !text.contains(QChar(QChar::ReplacementCharacter)) || bytes.contains("\xEF\xBF\xBD");
-    return isUtf8 ? withoutMark(text) : QString::fromLatin1(bytes);
+    return isUtf8 ? text : QString::fromLatin1(bytes);
 }
 
 Result<CsvTable> parseCsv(const QString &text)

@@ -3,8 +3,8 @@
 #include "desk/items/number_text.h"
 #include "desk/items/target.h"
 #include "desk/readable_file.h"
+#include "desk/written_file.h"
 
-#include <QSaveFile>
 #include <QStringList>
 
 namespace
@@ -210,11 +210,7 @@ Result<Snapshot> readSnapshotFile(const QString &path)
 
 Result<> writeSnapshotFile(const QString &path, const Snapshot &snapshot)
 {
-    QSaveFile file(path);
-    const QByteArray text = snapshotText(snapshot).toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-        return {};
-    return Error{QStringLiteral("%1: %2").arg(path, file.errorString())};
+    return writeWholeFile(path, snapshotText(snapshot).toUtf8());
 }
 
 Result<> checkReplaceable(const QString &path)

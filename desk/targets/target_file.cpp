@@ -1,10 +1,11 @@
 #include "desk/targets/target_file.h"
 
+#include "desk/written_file.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -167,9 +168,5 @@ Result<> TargetFile::save() const
 {
     if (!QDir().mkpath(QFileInfo(m_path).absolutePath()))
         return Error{QStringLiteral("%1: the folder cannot be made").arg(QFileInfo(m_path).absolutePath())};
-    QSaveFile file(m_path);
-    const QByteArray text = (m_lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8();
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-        return {};
-    return Error{QStringLiteral("%1: %2").arg(m_path, file.errorString())};
+    return writeWholeFile(m_path, (m_lines.join(QLatin1Char('\n')) + QLatin1Char('\n')).toUtf8());
 }

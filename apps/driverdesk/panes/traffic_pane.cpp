@@ -2,6 +2,7 @@
 
 #include "apps/driverdesk/panes/table.h"
 #include "desk/wire/protocol.h"
+#include "desk/written_file.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -11,7 +12,6 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
-#include <QSaveFile>
 #include <QScrollBar>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -154,7 +154,7 @@ Result<> TrafficPane::save(const QString &path) const
 {
     const QByteArray text = m_filter.lines().join(QLatin1Char('\n')).toUtf8() + '\n';
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
+    if (saveWhole(file, text))
         return {};
     return Error{tr("%1 cannot be written: %2").arg(path, file.errorString())};
 }

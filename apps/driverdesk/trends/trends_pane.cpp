@@ -1,12 +1,12 @@
 #include "apps/driverdesk/trends/trends_pane.h"
 
 #include "apps/driverdesk/panes/table.h"
+#include "desk/written_file.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QHeaderView>
-#include <QSaveFile>
 #include <QSplitter>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -28,7 +28,7 @@ std::vector<int> selectedCurves(const Table &list)
 Result<> writeWhole(const QString &path, const QByteArray &bytes)
 {
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    if (saveWhole(file, bytes))
         return {};
     return Error{QStringLiteral("%1 cannot be written: %2").arg(path, file.errorString())};
 }

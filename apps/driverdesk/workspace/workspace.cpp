@@ -1,11 +1,11 @@
 #include "apps/driverdesk/workspace/workspace.h"
 
 #include "desk/readable_file.h"
+#include "desk/written_file.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QSaveFile>
 
 namespace
 {
@@ -160,7 +160,7 @@ Result<> saveWorkspace(const QString &path, const Workspace &workspace)
 {
     const QByteArray bytes = bytesOf(workspace);
     QSaveFile file(path);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit())
+    if (saveWhole(file, bytes))
         return {};
     return Error{QStringLiteral("%1 cannot be written: %2").arg(path, file.errorString())};
 }

@@ -96,6 +96,31 @@ TEST(CostLearner, KeepsWhatWasLearntBefore)
     EXPECT_FALSE(learner.wantedLengths());
 }
 
+TEST(CostLearner, KeepsWhatWasLearntBeforeWhateverItBeginsWith)
+{
+    CostLearner learner(Start);
+    EXPECT_FALSE(learner.hasMeasured());
+    learner.restore(Line);
+    learner.setStart(Start);
+    EXPECT_EQ(learner.cost().perRequest, Line.perRequest);
+    EXPECT_TRUE(learner.hasMeasured());
+    CostLearner other(Start);
+    other.add(1, Line.of(1));
+    EXPECT_TRUE(other.hasMeasured());
+}
+
+TEST(CostLearner, ForgetsTimesOfLongAgo)
+{
+    CostLearner learner(Start);
+    for (const int units : {1, 1, 1, 60, 60, 60})
+        learner.add(units, Line.of(units));
+    EXPECT_FALSE(learner.wantedLengths());
+    for (int i = 0; i < 12000; ++i)
+        learner.add(1, Line.of(1));
+    ASSERT_TRUE(learner.wantedLengths());
+    EXPECT_EQ(learner.wantedLengths()->shortest, 1 + 16);
+}
+
 TEST(RequestCost, IsNearWhenPlansHardlyDiffer)
 {
     EXPECT_TRUE(isNear({100, 5}, {200, 10}));
@@ -141,6 +166,20 @@ TEST(CountLimit, IsFoundByHalving)
         EXPECT_EQ(limit.attempt(), actual);
         EXPECT_LE(attempts, 7);
     }
+}
+
+TEST(CountLimit, GoesOnFromWhatWasLearntBefore)
+{
+    CountLimit limit(125);
+    limit.restore(10, 50);
+    limit.addGiven(20);
+    EXPECT_EQ(limit.refused(), 50);
+    EXPECT_EQ(limit.attempt(), 35);
+    limit.addGiven(60);
+    EXPECT_FALSE(limit.hasRefused()) << "it gives more than it did";
+    limit.restore(10, 126);
+    EXPECT_FALSE(limit.hasRefused()) << "that is the protocol's";
+    EXPECT_EQ(limit.attempt(), 125);
 }
 
 TEST(CountLimit, ForgetsWhatWasRefusedForAHole)
@@ -212,6 +251,26 @@ TEST(Refusals, AreAskedForSoonWhenTheyWereGivenBefore)
     refusals.addGiven({5, 5});
     EXPECT_EQ(refusals.wanted({7, 7}), nullptr);
     EXPECT_NE(refusals.wanted({20, 20}), nullptr);
+}
+
+TEST(Refusals, StayOnesThatWereGivenBeforeHoweverOftenTheyAreRefused)
+{
+    Refusals refusals;
+    refusals.addGiven({0, 9});
+    refusals.addWanted({5, 5}, modbus::IllegalDataAddress, 0);
+    refusals.addWanted({5, 5}, modbus::IllegalDataAddress, 4000);
+    EXPECT_EQ(refusals.all().front().pause, 8000);
+    refusals.addGiven({20, 20});
+    EXPECT_NE(refusals.wanted({5, 5}), nullptr) << "not that is back";
+}
+
+TEST(Refusals, StayWantedWhereTheyAreAStepToo)
+{
+    Refusals refusals;
+    refusals.addWanted({4, 5}, modbus::IllegalDataAddress, 0);
+    refusals.addStep({4, 5}, modbus::IllegalDataAddress, 0);
+    ASSERT_NE(refusals.wanted({4, 5}), nullptr);
+    EXPECT_EQ(refusals.wanted({4, 5})->pause, 2 * 60 * 1000);
 }
 
 TEST(Refusals, ReplaceTheStepThatLedToThem)

@@ -1,5 +1,6 @@
 #include "desk/learning/learnt_file.h"
 
+#include "tests/desk/support/full_disk.h"
 #include "tests/peers/text_printing.h"
 
 #include <QDir>
@@ -57,6 +58,15 @@ TEST(LearntFile, SaysWhatWasLearnt)
     EXPECT_TRUE((*learnt)[7].options.isOneByOne);
 }
 
+TEST(LearntFile, TakesLinesInAnyOrder)
+{
+    const QString fifth = QStringLiteral("refused 1-HR5 exception 2 again 2026-05-01T10:00:00Z pause 60\n");
+    const QString first = QStringLiteral("refused 1-HR1 exception 2 again 2026-05-01T10:00:00Z pause 60\n");
+    Result<Learnt> learnt = parseLearnt(withLine("") + fifth + first);
+    ASSERT_TRUE(learnt);
+    EXPECT_EQ(textOf(*learnt), withLine("") + first + fifth);
+}
+
 TEST(LearntFile, LeavesOutWhatIsNotKnown)
 {
     Learnt learnt;
@@ -65,19 +75,48 @@ TEST(LearntFile, LeavesOutWhatIsNotKnown)
     facts.requests(Area::HoldingRegisters).limit.addGiven(50);
     facts.refusals(Area::Coils).addLost({4, 4}, 0);
     EXPECT_EQ(textOf(learnt), QStringLiteral("driverhost learnt\nformat 1\n"));
+    for (int i = 0; i < 2; ++i)
+        facts.refusals(Area::Coils).addLost({4, 4}, 0);
+    EXPECT_EQ(textOf(learnt), withLine("refused 3-DO5 exception 0 again 1970-01-01T00:00:16Z pause 16\n"));
+}
+
+TEST(LearntFile, TakesTheFirstOfRefusalsThatAreAlike)
+{
+    const QString first = withLine("refused 1-HR1..2 exception 2 again 2026-05-01T10:00:00Z pause 60\n");
+    Result<Learnt> learnt = parseLearnt(
+        first + QStringLiteral("refused 1-HR1..2 exception 3 again 2026-06-01T10:00:00Z pause 120\n"));
+    ASSERT_TRUE(learnt);
+    EXPECT_EQ(textOf(*learnt), first);
 }
 
 TEST(LearntFile, NamesTheLineThatIsWrong)
 {
-    for (const char *line :
-         {"station 256 no-fill", "station 1", "station 1 slow", "station 1 registers cost 0 1",
-          "station 1 registers cost x 1", "station 1 registers limit 100 100",
-          "station 1 registers limit 1 127", "station 1 bits limit 0 2002", "station 1 words limit 1 2",
-          "refused", "refused HR1 exception 2 again 2026-05-01T10:00:00Z pause 60",
-          "refused 1-HR1 exception 256 again 2026-05-01T10:00:00Z pause 60",
-          "refused 1-HR1 exception 2 again tomorrow pause 60",
-          "refused 1-HR1 exception 2 again 2026-05-01T10:00:00Z pause 0",
-          "refused 1-HR1 exception 2 again 2026-05-01T10:00:00Z", "granted 1-HR1"}) {
+    for (const char *line : {"station 256 no-fill",
+                             "station 1",
+                             "station 1 slow",
+                             "station 1 registers cost 0 1",
+                             "station 1 registers cost x 1",
+                             "station 1 registers cost 3600000001 1",
+                             "station 1 registers cost 1 -1",
+                             "station 1 registers cost 1 3600000001",
+                             "station 1 registers cost 1",
+                             "station 1 registers speed 1 2",
+                             "station 1 registers limit x 5",
+                             "station 1 registers limit 100 100",
+                             "station 1 registers limit 1 127",
+                             "station 1 bits limit 0 2002",
+                             "station 1 words limit 1 2",
+                             "refused",
+                             "refused HR1 exception 2 again 2026-05-01T10:00:00Z pause 60",
+                             "refused 1-HR1 exception 256 again 2026-05-01T10:00:00Z pause 60",
+                             "refused 1-HR1 exception 2 again tomorrow pause 60",
+                             "refused 1-HR1 exception 2 again 2026-05-01T10:00:00Z pause 0",
+                             "refused XX1 exception 2 again 2026-05-01T10:00:00Z pause 60",
+                             "refused 1-HR1 reason 2 again 2026-05-01T10:00:00Z pause 60",
+                             "refused 1-HR1 exception 2 until 2026-05-01T10:00:00Z pause 60",
+                             "refused 1-HR1 exception 2 again 2026-05-01T10:00:00Z after 60",
+                             "refused 1-HR1 exception 2 again 2026-05-01T10:00:00Z",
+                             "granted 1-HR1"}) {
         const QString problem = problemWith(withLine(line));
         EXPECT_TRUE(problem.startsWith(QLatin1String("3: "))) << line << ": " << problem.toStdString();
     }
@@ -102,4 +141,27 @@ TEST(LearntFile, NeedNotBeThereYet)
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
     EXPECT_FALSE(writeLearntFile(folder.filePath(QStringLiteral("none/learnt")), *learnt));
     EXPECT_FALSE(readLearntFile(folder.path()));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("something else");
+    file.close();
+    EXPECT_TRUE(readLearntFile(path).errorText().startsWith(path + QStringLiteral(":1: ")));
+}
+
+TEST(LearntFile, IsWrittenWholeOrNotAtAll)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("learnt"));
+    Result<Learnt> learnt = parseLearnt(QLatin1String(Whole));
+    ASSERT_TRUE(writeLearntFile(path, *learnt));
+    for (const int refusals : {1, 400}) { // within what is written at once, and beyond
+        for (int i = 0; i < refusals; ++i)
+            (*learnt)[9].refusals(Area::Coils).addWanted({i, i}, 2, 0);
+        const FullDisk disk(100);
+        EXPECT_TRUE(writeLearntFile(path, *learnt).errorText().startsWith(path + QStringLiteral(": ")));
+        Result<Learnt> former = readLearntFile(path);
+        ASSERT_TRUE(former);
+        EXPECT_EQ(textOf(*former), QLatin1String(Whole));
+        EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files).size(), 1);
+    }
 }

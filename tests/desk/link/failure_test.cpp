@@ -1,5 +1,6 @@
 #include "desk/link/failure.h"
 #include "desk/wire/protocol.h"
+#include "tests/peers/recorded_command.h"
 #include "tests/peers/test_files.h"
 #include "tests/peers/text_printing.h"
 
@@ -136,6 +137,63 @@ TEST(Failure, AnyOtherTextIsTheChannels)
     for (const char *const text : {"The remote host closed the connection", "Network operation timed out",
                                    "exception", "a CRC error"}) {
         EXPECT_EQ(int(meaningOf(QLatin1String(text)).kind), int(FailureKind::SendingBroke)) << text;
+    }
+}
+
+// The texts say what the driver saw of the bytes; the line knows more.
+TEST(Failure, TheLineKnowsMoreThanTheTextSays)
+{
+    const auto kindOf = [](const char *text, const CommandRecord &record) {
+        return nameOf(failureOf(QLatin1String(text), record).kind);
+    };
+    const CommandRecord ended = RecordedCommand().opens().sends().with(ChannelEvent::ClosedByOther).ended();
+    const CommandRecord echoed =
+        RecordedCommand().opens().sends().with(ChannelEvent::SkippedCopy, readOne).ended();
+    const CommandRecord withheld = RecordedCommand().opens().with(ChannelEvent::Withheld, readOne).ended();
+    const struct {
+        const char *text;
+        const CommandRecord &record;
+        const char *kind;
+    } cases[] = {
+        {"PLC no response", ended, "connection-ended"},
+        {"packet loss", ended, "connection-ended"},
+        {"The remote host closed the connection", ended, "connection-ended"},
+        {"CRC error", ended, "crc-error"},
+        {"CRC error", echoed, "echo"},
+        {"packet loss", echoed, "echo"},
+        {"PLC no response", echoed, "echo"},
+        {"invalid slave id:7", echoed, "other-station"},
+        {"PLC no response", withheld, "no-reply"},
+        {"packet loss", withheld, "cut-reply"},
+    };
+    for (const auto &one : cases)
+        EXPECT_EQ(kindOf(one.text, one.record), QLatin1String(one.kind)) << one.text;
+}
+
+// What was not sent is silence to the driver; what was sent before it came to something.
+TEST(Failure, OfWhatWasNotSentIsThatOfWhatWasSentBefore)
+{
+    const struct {
+        QByteArray reply;
+        const char *kind;
+        bool isWithheld; // by its advice
+    } cases[] = {
+        {"", "no-reply", false},
+        {goodReply.left(4), "cut-reply", false},
+        {damaged(goodReply), "crc-error", false},
+        {frame("0203020007"), "other-station", false},
+        {frame("0104020007"), "other-function", false},
+        {frame("018306"), "no-reply", true},
+    };
+    for (const auto &one : cases) {
+        RecordedCommand command;
+        command.opens().sends();
+        if (!one.reply.isEmpty())
+            command.gets(one.reply);
+        const CommandRecord record = command.with(ChannelEvent::Withheld, readOne).ended();
+        const Failure failure = failureOf(QStringLiteral("PLC no response"), record);
+        EXPECT_EQ(nameOf(failure.kind), QLatin1String(one.kind));
+        EXPECT_EQ(failure.advice.startsWith(QLatin1String("not sent: ")), one.isWithheld) << one.kind;
     }
 }
 

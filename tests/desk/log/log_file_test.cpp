@@ -1,6 +1,7 @@
 #include "desk/log/change_filter.h"
 #include "desk/log/log_file.h"
 #include "desk/log/value_summary.h"
+#include "tests/desk/support/full_disk.h"
 #include "tests/peers/text_printing.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +11,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <csignal>
-#include <sys/resource.h>
+#include <array>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -43,30 +46,6 @@ QStringList line(int number)
 {
     return {QStringLiteral("x,%1").arg(number)};
 }
-
-// While one exists no file grows beyond so many bytes, as if the disk were full.
-class FullDisk
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        m_formerAction = std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_former);
-        const rlimit limit = {bytes, m_former.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FullDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_former);
-        std::signal(SIGXFSZ, m_formerAction);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_former = {};
-    void (*m_formerAction)(int) = nullptr;
-};
 
 } // namespace
 
@@ -219,6 +198,64 @@ TEST_F(LogFileTest, NoticesWhatOthersDoToTheFile)
     ASSERT_TRUE(QFile::remove(path()));
     ASSERT_TRUE(log.append(line(5), Morning));
     EXPECT_EQ(contents(path()), "time,value\nx,5\n");
+}
+
+TEST_F(LogFileTest, GoesOnInTheFileThatOthersPutInItsPlace)
+{
+    LogFile log(path(), Title, {});
+    ASSERT_TRUE(log.open(Morning));
+    ASSERT_TRUE(QFile::rename(path(), path("moved.csv")));
+    write("time,value\nx,9\n");
+    ASSERT_TRUE(log.append(line(1), Morning));
+    EXPECT_EQ(contents(path()), "time,value\nx,9\nx,1\n");
+    EXPECT_EQ(contents(path("moved.csv")), "");
+}
+
+TEST_F(LogFileTest, BeginsAFileThatIsEmptyAndNeedsNoEndingInItsName)
+{
+    QFile empty(path("log"));
+    ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
+    empty.close();
+    LogFile log(empty.fileName(), Title, {15, false});
+    ASSERT_TRUE(log.open(Morning));
+    EXPECT_TRUE(log.rotated().isEmpty());
+    ASSERT_TRUE(log.append(line(1), Morning));
+    ASSERT_TRUE(log.append(line(2), Morning));
+    EXPECT_EQ(log.rotated(), QStringList{path("log-20261121-101500")});
+    EXPECT_EQ(contents(empty.fileName()), "time,value\nx,2\n");
+}
+
+TEST_F(LogFileTest, BeginsAPipeWithItsTitle)
+{
+    const QByteArray pipe = QFile::encodeName(path("pipe"));
+    ASSERT_EQ(::mkfifo(pipe.constData(), 0600), 0);
+    const int reader = ::open(pipe.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    ASSERT_GE(reader, 0);
+    {
+        LogFile log(path("pipe"), Title, {});
+        ASSERT_TRUE(log.open(Morning));
+        ASSERT_TRUE(log.append(line(1), Morning));
+        ASSERT_TRUE(log.append(line(2), Morning));
+    }
+    std::array<char, 100> read = {};
+    EXPECT_GT(::read(reader, read.data(), read.size() - 1), 0);
+    ::close(reader);
+    EXPECT_STREQ(read.data(), "time,value\nx,1\nx,2\n");
+}
+
+TEST_F(LogFileTest, SaysThatItCannotBeMovedAside)
+{
+    // The time in its name would make that too long.
+    const QString longest = path(QByteArray(250, 'l').constData());
+    const QString aside = longest + QStringLiteral("-20261121-101500");
+    const QString problem = QStringLiteral("%1: cannot be renamed to %2").arg(longest, aside);
+    LogFile log(longest, Title, {15, false});
+    ASSERT_TRUE(log.open(Morning));
+    ASSERT_TRUE(log.append(line(1), Morning));
+    EXPECT_EQ(log.append(line(2), Morning).errorText(), problem);
+    EXPECT_EQ(contents(longest), "time,value\nx,1\n");
+    LogFile other(longest, QStringLiteral("other"), {});
+    EXPECT_EQ(other.open(Morning).errorText(), problem);
 }
 
 TEST_F(LogFileTest, SaysWhyItCannotBeOpened)

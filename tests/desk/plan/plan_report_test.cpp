@@ -48,6 +48,7 @@ TEST(PlanReport, SaysWhyRequestsEndWhereTheyDo)
               QStringLiteral("1-HR1..90 6 84 fills 84 registers in 5 gaps; cut here, where it costs least"));
     Planned doubles({{1, Area::InputRegisters, 0, 1}, {1, Area::InputRegisters, 2, 3}});
     doubles.learnt[1].requests(Area::InputRegisters).limit.restore(2, 3);
+    doubles.learnt[1].refusals(Area::InputRegisters).addStep({50, 51}, 2, 0);
     EXPECT_EQ(doubles.lines().first(), QStringLiteral("1-IR1..2 1 0 no more than 2 registers at once"));
 }
 
@@ -63,6 +64,44 @@ TEST(PlanReport, SaysWhatWasRefused)
     ASSERT_EQ(report.refused.size(), 1u);
     EXPECT_EQ(rangeText(report.refused.front().range), QStringLiteral("1-HR9"));
     EXPECT_EQ(report.refused.front().refusal.exception, 3);
+    EXPECT_EQ(report.terms.size(), 1u);
+}
+
+TEST(PlanReport, CountsPointsThatWereRefusedTogether)
+{
+    Planned planned(registersAt({1, 9, 9, 12}));
+    Refusals &refusals = planned.learnt[1].refusals(Area::HoldingRegisters);
+    refusals.addWanted({8, 8}, 2, 0);
+    refusals.addWanted({11, 11}, 2, 0);
+    const PlanReport report = planned.report();
+    ASSERT_EQ(report.refused.size(), 2u);
+    EXPECT_EQ(report.refused.front().points, 2);
+    EXPECT_EQ(report.refused.back().points, 1);
+}
+
+TEST(PlanReport, SaysWhatWasNotAnswered)
+{
+    Planned planned({{1, Area::Coils, 0, 0},
+                     {1, Area::Coils, 2, 2},
+                     {1, Area::Coils, 20, 20},
+                     {1, Area::DiscreteInputs, 0, 0}});
+    Refusals &refusals = planned.learnt[1].refusals(Area::Coils);
+    refusals.addStep({0, 2}, 0, 0);
+    refusals.addStep({25, 26}, 0, 0);
+    EXPECT_EQ(planned.lines().mid(0, 2), (QStringList{"1-DI1 1 0 ", "1-DO1 1 0 1-DO1..3 was not answered"}));
+    EXPECT_EQ(planned.lines().last(), QStringLiteral("1-DO3..21 2 17 fills 17 bits in 1 gap"));
+    EXPECT_EQ(planned.report().terms.size(), 1u) << "all bits of a station cost alike";
+}
+
+TEST(PlanReport, NamesEachStationsTerms)
+{
+    Planned planned(
+        {{1, Area::Coils, 0, 0}, {1, Area::HoldingRegisters, 0, 0}, {2, Area::HoldingRegisters, 0, 0}});
+    const PlanReport report = planned.report();
+    ASSERT_EQ(report.terms.size(), 3u);
+    EXPECT_TRUE(report.terms[0].areBits);
+    EXPECT_FALSE(report.terms[1].areBits);
+    EXPECT_EQ(report.terms[2].station, 2);
 }
 
 TEST(PlanReport, SaysWhatThePersonWants)

@@ -70,6 +70,19 @@ TEST(StationScan, KeepsTheLastAnswerOfEachStation)
     EXPECT_EQ(scan.scanned(), 3);
 }
 
+TEST(StationScan, ListsStationsInTheirOrderAndEndsWhenItMayNotGoOn)
+{
+    StationScan scan([](int) { return answer(StationAnswer::Answers); });
+    EXPECT_FALSE(scan.run({5, 3, 4}, [](int done, int total, int found) {
+        EXPECT_EQ(total, 3);
+        EXPECT_EQ(found, done);
+        return done < 2;
+    }));
+    ASSERT_EQ(scan.found().size(), 2u);
+    EXPECT_EQ(scan.found().front().station, 3);
+    EXPECT_EQ(scan.scannedTo(), 5);
+}
+
 TEST(StationScan, EndsWhereThereIsNoHope)
 {
     StationScan scan(

@@ -69,6 +69,7 @@ TEST(PointFile, TakesColumnsInAnyOrder)
     EXPECT_EQ(nameOf(points[3].at.type), QStringLiteral("u32"));
     EXPECT_TRUE(points[3].at.order.isHighWordFirst);
     EXPECT_EQ(points[3].line, 6);
+    EXPECT_EQ(pointsIn("name,,address,\na,,HR1,\n").size(), 1u) << "columns without a title";
 }
 
 TEST(PointFile, TakesWhatSpreadsheetsSave)
@@ -117,6 +118,8 @@ TEST(PointFile, ErrorsNameLineAndColumnAndWhatWasExpected)
          "2: column 2 (address): address \"HRSW1\": SW in the address says the high word"},
         {"p,HR1:f32@ABCD,,DCBA", "2: column 4 (order): order \"DCBA\": the address says ABCD"},
         {"p,HR1,,,x", "2: column 5 (scale): scale \"x\": expected a number such as 0.1"},
+        {"p,HR1:f32,f32,cdab,inf", "2: column 5 (scale): scale \"inf\": expected a number such as 0.1"},
+        {"p,HR1:f32@CDAB,f32,cdab,x", "2: column 5 (scale): scale \"x\": expected a number"},
         {"p,HR1,,,0", "2: column 5 (scale): scale \"0\": expected a number other than 0"},
         {"p,HR1,,,,x", "2: column 6 (offset): offset \"x\": expected a number"},
         {"p,HR1,hex,,2", "2: column 5 (scale): a hex is not scaled; expected a type such as u16"},
@@ -127,6 +130,10 @@ TEST(PointFile, ErrorsNameLineAndColumnAndWhatWasExpected)
         {"p,HR1,,,,,,,,0=a;0=b", "2: column 10 (states): \"0=b\": 0 has a name already"},
         {"p,HR1,,,,,,,,16:a", "2: column 10 (states): \"16:a\": expected a bit from 0 to 15"},
         {"p,HR1,,,,,,,,0=a;1:b", "2: column 10 (states): \"1:b\": names of values (=) and names of bits (:)"},
+        {"p,HR1,,,,,,,,-1:a", "2: column 10 (states): \"-1:a\": expected a bit from 0 to 15"},
+        {"p,HR1,,,,,,,,x=a", "2: column 10 (states): \"x=a\": expected a value and its name"},
+        {"p,HR1,,,,,,,,1=", "2: column 10 (states): \"1=\": expected a value and its name"},
+        {"p,HR1,str4,,,,,,,0=a", "2: column 10 (states): a str4 has no states"},
         {"p,HR1,f32,,,,,,,0=a", "2: column 10 (states): a f32 has no states"},
         {"p,HR1,,,,,,,,,c,12", "2: column 12: \"12\" stands below no title"},
     };
@@ -177,6 +184,9 @@ TEST(Point, ShowsItsValueAsPeopleReadIt)
     EXPECT_EQ(shown(temperature, "04B0").limit, QString());
     EXPECT_EQ(shown(pointAt("HR1,u16,,0.1"), "0003").text, QStringLiteral("0.3")) << "no binary rests";
     EXPECT_EQ(shown(pointAt("HR1,f32,,100"), "3DCCCCCD").text, QStringLiteral("10"));
+    EXPECT_EQ(shown(pointAt("HR1,f64,,0.1"), "3FD5555555555555").text, QStringLiteral("0.0333333333333333"));
+    EXPECT_EQ(scaledText(QByteArray::fromHex("0007"), {Meaning::Unsigned, 16}, Scaling()),
+              QStringLiteral("7"));
     EXPECT_EQ(shown(pointAt("HR1,u64"), "FFFFFFFFFFFFFFFF").text, QStringLiteral("18446744073709551615"));
 
     const Point mode = pointAt("HR1,u16,,,,rpm,,,0=stopped;1=running");
@@ -188,6 +198,8 @@ TEST(Point, ShowsItsValueAsPeopleReadIt)
     const Point status = pointAt("HR1,hex,,,,,,,0:ready;3:fault;15:locked");
     EXPECT_EQ(shown(status, "8009").state, QStringLiteral("ready, fault, locked"));
     EXPECT_EQ(shown(status, "0002").state, QStringLiteral("-"));
+    EXPECT_EQ(shown(pointAt("HR1,hex,,,,,,,0:a=b"), "0001").state, QStringLiteral("a=b"));
+    EXPECT_EQ(shown(pointAt("HR1,u16,,,,,,,1=a:b"), "0001").state, QStringLiteral("a:b"));
     EXPECT_EQ(shown(status, "0009").raw, QStringLiteral("0x0009"));
 
     const Point text = pointAt("HR1,str4,,,,,1");
@@ -217,6 +229,7 @@ TEST(Point, IsWrittenAsItIsShown)
     EXPECT_EQ(written(mode, "7"), QStringLiteral("0007"));
     EXPECT_TRUE(written(mode, "jumping").endsWith(QLatin1String(", or one of stopped, running")));
     EXPECT_EQ(written(pointAt("HR1,hex,,,,,,,0:ready"), "0009"), QStringLiteral("0009"));
+    EXPECT_FALSE(written(pointAt("HR1,hex,,,,,,,0:ready"), "jumping").contains(QLatin1String("ready")));
     EXPECT_EQ(written(pointAt("DO1"), "on"), QStringLiteral("01"));
 }
 
@@ -247,6 +260,10 @@ TEST(PointNames, AreFoundByNameAndPattern)
     EXPECT_TRUE(pointsNamed(points, QStringLiteral("Valve2")).empty()) << "which of the two?";
     EXPECT_TRUE(pointsNamed(points, QStringLiteral("pump")).empty());
     EXPECT_EQ(similarNames(points, QStringLiteral("pump1.sped")).value(0), QStringLiteral("pump1.speed"));
+    EXPECT_EQ(similarNames(points, QStringLiteral("VALV")).size(), 3);
+    EXPECT_EQ(
+        similarNames(pointsIn("name,address\npa1,HR1\npa2,HR2\npa3,HR3\npa4,HR4\n"), QStringLiteral("pa")),
+        (QStringList{QStringLiteral("pa1"), QStringLiteral("pa2"), QStringLiteral("pa3")}));
     EXPECT_TRUE(similarNames(points, QStringLiteral("x")).isEmpty());
 }
 
@@ -261,6 +278,14 @@ TEST(PointCheck, FindsDoublesAndOverlaps)
     EXPECT_EQ(odd("a,DO1,u8\nb,DO8,bit\nc,DO9,bit\n").size(), 0) << "a bit of a byte";
     EXPECT_EQ(odd("a,HR1,hex\nb,HR1.3,bit\nc,HR1.3,bit\n").size(), 1) << "a word and its bits";
     EXPECT_EQ(odd("a,HR1,u8\nb,HR1,u8\n").size(), 1);
+    EXPECT_EQ(odd("a,HR1.3,bit\nb,HR1,hex\n").size(), 0) << "a bit and its word";
+    EXPECT_EQ(odd("a,HR1,u16\nb,HR1,f32\n"),
+              QStringList{QStringLiteral("3: \"b\" (HR1) overlaps \"a\" (HR1) in line 2")});
+    EXPECT_EQ(odd("a,DO1,u8\nb,DO4,u8\n"),
+              QStringList{QStringLiteral("3: \"b\" (DO4) overlaps \"a\" (DO1) in line 2")});
+    EXPECT_EQ(oddPoints(pointsIn("name,address,type,order\na,HR1,u8,AB\nb,HR1,u8,BA\nc,HR1,u16,\n")).size(),
+              0)
+        << "both bytes of a register";
     EXPECT_EQ(odd("a,HR1,u16\nb,IR1,u16\nc,2-HR1,u16\nd,HR2,u16\n").size(), 0);
     EXPECT_EQ(odd("a,FN6HR1,u16\nb,HR1,u16\n").size(), 1) << "the same registers";
 }
@@ -269,12 +294,13 @@ TEST(PointDrafts, AreTablesOfWhatIsThere)
 {
     const QStringList ofTags =
         draftOfTags({QStringLiteral("HR5"), QStringLiteral("2-DO3"), QStringLiteral("HR5"),
-                     QStringLiteral("HRSW7"), QStringLiteral("HR9:f32"), QStringLiteral("nonsense")});
-    EXPECT_EQ(
-        ofTags.mid(1),
-        (QStringList{QStringLiteral("HR5,HR5,u16,,,,,,,,"), QStringLiteral("2-DO3,2-DO3,bit,,,,,,,,"),
-                     QStringLiteral("HRSW7,HRSW7,u32,,,,,,,,"), QStringLiteral("HR9,HR9,f32,,,,,,,,")}));
-    EXPECT_EQ(pointsIn(ofTags.join(QLatin1Char('\n')).toUtf8()).size(), 4u);
+                     QStringLiteral("HRSW7"), QStringLiteral("HR9:f32"), QStringLiteral("HR8.3"),
+                     QStringLiteral("HR9:f99"), QStringLiteral("nonsense")});
+    EXPECT_EQ(ofTags.mid(1),
+              (QStringList{QStringLiteral("HR5,HR5,u16,,,,,,,,"), QStringLiteral("2-DO3,2-DO3,bit,,,,,,,,"),
+                           QStringLiteral("HRSW7,HRSW7,u32,,,,,,,,"), QStringLiteral("HR9,HR9,f32,,,,,,,,"),
+                           QStringLiteral("HR8.3,HR8.3,bit,,,,,,,,")}));
+    EXPECT_EQ(pointsIn(ofTags.join(QLatin1Char('\n')).toUtf8()).size(), 5u);
 
     const Result<QStringList> ofScan =
         draftOfRanges({QStringLiteral("HR1..3"), QString(), QStringLiteral("DI65536  1 address")});

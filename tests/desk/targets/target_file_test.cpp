@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -101,6 +102,7 @@ TEST_F(TargetFileTest, SaysInWhichLineWhatWasExpected)
         {"[a]\nhots = x\n", ":2: \"hots\": expected one of host, port, station, timeout, retries, delay"},
         {"[a]\nhost = x\nHOST = y\n", ":3: \"host\" is set already"},
         {"[a]\n\n[a]\n", ":3: there is a target \"a\" already"},
+        {"[a\nhost = x\n", ":1: \"[a\": expected a target's name in brackets first"},
         {"[a b]\n", ":1: \"a b\": expected a name of letters"},
         {"[]\n", ":1: \"\": expected a name of letters"},
     };
@@ -120,4 +122,20 @@ TEST_F(TargetFileTest, SaysWhyItCannotBeSaved)
     TargetFile targets = *TargetFile::read(QStringLiteral("/proc/none/targets.ini"));
     ASSERT_TRUE(targets.add(QStringLiteral("a"), Boiler));
     EXPECT_TRUE(targets.save().errorText().startsWith(QLatin1String("/proc/none")));
+}
+
+TEST_F(TargetFileTest, IsNoFolder)
+{
+    TargetFile targets = file();
+    ASSERT_TRUE(QDir().mkpath(path()));
+    EXPECT_TRUE(targets.save().errorText().startsWith(path() + QStringLiteral(": ")));
+    EXPECT_TRUE(TargetFile::read(path()).errorText().startsWith(path() + QStringLiteral(": ")));
+}
+
+TEST_F(TargetFileTest, MayLackTheEndOfItsLastLine)
+{
+    write("[boiler]\nhost = 10.0.0.5\nstation = 5");
+    EXPECT_EQ(file().find(QStringLiteral("boiler")), Boiler);
+    ASSERT_TRUE(file().save());
+    EXPECT_EQ(contents(), "[boiler]\nhost = 10.0.0.5\nstation = 5\n");
 }
