@@ -59,7 +59,7 @@ Diagnosis diagnose(Examiner &examiner)
                  .arg(durationText(examiner.options().longestTime)),
              {},
              {}});
-    diagnosis.worksNow = remedy.worksNow && seen.working >= 0;
+    diagnosis.worksNow = remedy.worksNow;
     diagnosis.command = commandFor(examiner.options(), remedy, seen);
     diagnosis.duration = examiner.now();
     examiner.disconnect();

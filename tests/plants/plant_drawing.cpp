@@ -15,6 +15,17 @@ const int LastValue = 220;
 
 } // namespace
 
+Wanted wantedAt(const QString &address, const QString &expected)
+{
+    const Result<TypedText> text = parseTypedText(address);
+    const Result<Address> at = parseAddress(text->address);
+    Wanted wanted;
+    wanted.point.at = *typedItems(*at, text->type.value_or(ValueType{Meaning::Unsigned, 16}), 1, text->order);
+    wanted.point.at.isTyped = text->type.has_value();
+    wanted.expected = expected;
+    return wanted;
+}
+
 PlantDrawing::PlantDrawing(quint32 seed) : m_random(seed)
 {
     m_case.plant.seed = seed;
@@ -71,13 +82,7 @@ void PlantDrawing::addHole(int first, int last)
 
 void PlantDrawing::want(const QString &address, const QString &expected)
 {
-    const Result<TypedText> text = parseTypedText(address);
-    const Result<Address> at = parseAddress(text->address);
-    Wanted wanted;
-    wanted.point.at = *typedItems(*at, text->type.value_or(ValueType{Meaning::Unsigned, 16}), 1, text->order);
-    wanted.point.at.isTyped = text->type.has_value();
-    wanted.expected = expected;
-    m_case.doctor.wanted.push_back(wanted);
+    m_case.doctor.wanted.push_back(wantedAt(address, expected));
     m_case.words += expected.isEmpty() ? address : address + QLatin1Char('=') + expected;
 }
 

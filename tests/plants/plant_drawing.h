@@ -4,6 +4,9 @@
 
 const qint64 Millisecond = 1000;
 
+/// A value that is wanted at "HR5:f32@ABCD".
+Wanted wantedAt(const QString &address, const QString &expected = {});
+
 /// A plant in the making: a good one with values that a seed draws, to which faults are added.
 class PlantDrawing
 {

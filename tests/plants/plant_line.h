@@ -28,9 +28,9 @@ private:
 class PlantLine : public Line
 {
 public:
-    PlantLine(VirtualTime &time, Plant &plant)
-        : m_time(time), m_plant(plant), m_peer(plant), m_line(time, m_peer)
+    PlantLine(VirtualTime &time, Plant &plant) : m_plant(plant), m_peer(plant), m_line(time, m_peer)
     {
+        m_line.setCancelled([this] { return isCancelled(); });
     }
 
     bool open(qint64 deadline) override;
@@ -46,7 +46,6 @@ public:
     qint64 now() const override { return m_line.now(); }
 
 private:
-    VirtualTime &m_time;
     Plant &m_plant;
     PlantPeer m_peer;
     SimulatedLine m_line;

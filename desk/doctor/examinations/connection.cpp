@@ -30,7 +30,7 @@ void observe(Examiner &examiner)
             examiner.listen(Second);
             if (examiner.isConnected())
                 return;
-        } else if (pause > 0 || !isRefused(examiner.seen().connections.back())) {
+        } else if (pause > 0 || examiner.isCancelled() || !isRefused(examiner.seen().connections.back())) {
             return;
         }
     }

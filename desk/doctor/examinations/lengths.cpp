@@ -84,7 +84,7 @@ Judgement judge(const Observations &seen, const DoctorOptions & /*options*/)
 {
     Judgement judgement;
     const Asked *longest = longestRead(seen);
-    if (seen.askedFor(Purpose::Length).empty() || longest == nullptr)
+    if (longest == nullptr || seen.askedFor(Purpose::Length).empty())
         return judgement;
     judgement.add(FindingKind::LargestRequest,
                   QStringLiteral("the largest request that was answered reads %1 %2%3")

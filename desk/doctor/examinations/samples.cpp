@@ -39,13 +39,12 @@ QByteArray sampleRequest(Examiner &examiner)
     return shorter;
 }
 
-// Refusals take as long as other replies.
+// Refusals take as long as other replies, and of a station that works something is known.
 QByteArray anyRequest(const Observations &seen)
 {
-    const auto any = std::find_if(seen.asked.begin(), seen.asked.end(), [&](const Asked &one) {
-        return one.station() == seen.working && one.isAnswer();
-    });
-    return any == seen.asked.end() ? QByteArray() : any->request;
+    return std::find_if(seen.asked.begin(), seen.asked.end(),
+                        [&](const Asked &one) { return one.station() == seen.working && one.isAnswer(); })
+        ->request;
 }
 
 void observe(Examiner &examiner)
@@ -57,7 +56,7 @@ void observe(Examiner &examiner)
         request = anyRequest(examiner.seen());
     const qint64 end = examiner.now() + LongestSampling;
     int silent = 0;
-    for (int i = 0; i < MostSamples && silent < 2 && examiner.now() < end && !request.isEmpty(); ++i) {
+    for (int i = 0; i < MostSamples && silent < 2 && examiner.now() < end; ++i) {
         if (!examiner.hasTimeFor(examiner.usualWait()))
             return;
         examiner.showProgress(QStringLiteral("reading, %1 of %2").arg(i + 1).arg(MostSamples));

@@ -47,6 +47,8 @@ public:
     {
         m_hasWide =
             std::any_of(m_wanted.begin(), m_wanted.end(), [](const Wanted *one) { return isWide(*one); });
+        std::copy_if(m_wanted.begin(), m_wanted.end(), std::back_inserter(m_ordered),
+                     [&](const Wanted *one) { return touches(*one); });
     }
 
     bool hasValues() const
@@ -75,34 +77,24 @@ public:
     // Whether the order is another one than the values have.
     bool isOther(const ByteOrder &order) const
     {
-        return std::any_of(m_wanted.begin(), m_wanted.end(), [&](const Wanted *one) {
-            return touches(*one) && !(order == one->point.at.order);
-        });
+        return std::any_of(m_ordered.begin(), m_ordered.end(),
+                           [&](const Wanted *one) { return !(order == one->point.at.order); });
     }
     std::vector<ByteOrder> orders() const
     {
         std::vector<ByteOrder> others;
-        for (const Wanted *one : m_wanted) {
-            if (!touches(*one))
-                continue;
-            for (const char *name : Orders) {
-                const bool isByteOrder = !m_hasWide && QLatin1String(name) != QLatin1String("ABCD") &&
-                                         QLatin1String(name) != QLatin1String("DCBA");
-                const ByteOrder order{name[0] == 'A' || name[0] == 'B', name[0] == 'B' || name[0] == 'D'};
-                if (!isByteOrder && isOther(order))
-                    others.push_back(order);
-            }
-            break;
+        for (const char *name : Orders) {
+            const bool isByteOrder = !m_hasWide && QLatin1String(name) != QLatin1String("ABCD") &&
+                                     QLatin1String(name) != QLatin1String("DCBA");
+            const ByteOrder order{name[0] == 'A' || name[0] == 'B', name[0] == 'B' || name[0] == 'D'};
+            if (!isByteOrder && isOther(order))
+                others.push_back(order);
         }
         return others;
     }
     QString nameOfOrder(const ByteOrder &order) const
     {
-        for (const Wanted *one : m_wanted) {
-            if (touches(*one))
-                return nameOf(order, one->point.at.type);
-        }
-        return {};
+        return nameOf(order, m_ordered.front()->point.at.type);
     }
 
     QStringList evidence(const Guess &guess) const
@@ -154,6 +146,7 @@ private:
 
     const Observations &m_seen;
     std::vector<const Wanted *> m_wanted;
+    std::vector<const Wanted *> m_ordered; // that an order touches
     bool m_hasWide = false;
 };
 

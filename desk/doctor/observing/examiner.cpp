@@ -58,7 +58,9 @@ bool Examiner::tryToConnect()
     else
         attempt.error = m_line.errorString();
     m_quietSince = now();
-    m_seen.connections.push_back(attempt);
+    // Of what was not waited for to the end nothing is known.
+    if (isOpen || !isCancelled())
+        m_seen.connections.push_back(attempt);
     traceText(isOpen ? QStringLiteral("connected") : attempt.error);
     return isOpen;
 }
@@ -121,12 +123,13 @@ Asked Examiner::ask(Purpose purpose, const QByteArray &request, qint64 wait, qin
         noteIdle(m_line.receive(m_line.now()));
         flushIdle();
         asked.connection = static_cast<int>(m_seen.connections.size()) - 1;
-        if (send(asked))
+        if (!isCancelled() && send(asked))
             takeReply(asked);
         noteEnd();
     }
-    // Of what was not waited for to the end nothing is known.
-    if (!isCancelled() || asked.isAnswer())
+    if (isCancelled() && !asked.isAnswer())
+        forgetParts();
+    else
         m_seen.asked.push_back(asked);
     return asked;
 }

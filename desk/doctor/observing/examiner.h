@@ -68,6 +68,7 @@ private:
     void judge(Asked &asked, ReplyFinder &finder, ReplyFinder::Verdict verdict);
     void noteReply(Asked &asked, int start, int size) const;
     void noteParts(Asked &asked, const QList<SkippedPart> &parts);
+    void forgetParts();
     void noteIdle(const QByteArray &bytes);
     void flushIdle();
     void noteStray(Stray stray);

@@ -23,13 +23,14 @@ bool isReplyOfOther(const Stray &stray, const Asked &asked)
 
 qint64 arrivalOf(const std::vector<Segment> &segments, int index)
 {
-    int end = 0;
+    qint64 at = 0;
+    int begin = 0;
     for (const Segment &segment : segments) {
-        end += int(segment.bytes.size());
-        if (index < end)
-            return segment.at;
+        if (begin <= index)
+            at = segment.at;
+        begin += int(segment.bytes.size());
     }
-    return segments.empty() ? 0 : segments.back().at;
+    return at;
 }
 
 } // namespace
@@ -59,6 +60,16 @@ void Examiner::noteParts(Asked &asked, const QList<SkippedPart> &parts)
     }
     if (asked.result == AskResult::Noise && isAllLate)
         asked.result = AskResult::Silent;
+}
+
+// Those of a request that is not written down.
+void Examiner::forgetParts()
+{
+    const int next = static_cast<int>(m_seen.asked.size());
+    std::vector<Stray> &strays = m_seen.strays;
+    strays.erase(
+        std::remove_if(strays.begin(), strays.end(), [next](const Stray &one) { return one.asked >= next; }),
+        strays.end());
 }
 
 void Examiner::noteIdle(const QByteArray &bytes)

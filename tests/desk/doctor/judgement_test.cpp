@@ -1,7 +1,5 @@
-#include "desk/doctor/diagnosis.h"
-#include "desk/doctor/examinations/examination.h"
 #include "desk/doctor/remedy.h"
-#include "desk/wire/rtu_frame.h"
+#include "tests/desk/doctor/written_observations.h"
 #include "tests/peers/text_printing.h"
 
 #include <gtest/gtest.h>
@@ -11,95 +9,7 @@
 namespace
 {
 
-const qint64 Millisecond = 1000;
-
-class Seen
-{
-public:
-    Seen()
-    {
-        seen.working = 1;
-        seen.connections.emplace_back();
-        seen.connections.back().openedAt = 0;
-    }
-
-    Seen &answer(qint64 latency, const QByteArray &values = QByteArray(16, '\1'))
-    {
-        Asked asked = request(8);
-        asked.result = AskResult::Answered;
-        asked.reply = reply(values);
-        asked.firstAt = asked.repliedAt = asked.sentAt + latency;
-        asked.segments.push_back({asked.repliedAt, asked.reply});
-        seen.asked.push_back(asked);
-        return *this;
-    }
-    Seen &spoilt(const QByteArray &bytes)
-    {
-        Asked asked = request(8);
-        asked.result = AskResult::Damaged;
-        asked.segments.push_back({asked.sentAt, bytes});
-        asked.reply = bytes;
-        seen.asked.push_back(asked);
-        return *this;
-    }
-    Seen &silence()
-    {
-        seen.asked.push_back(request(8));
-        return *this;
-    }
-    Seen &refusal(int code)
-    {
-        Asked asked = request(8);
-        asked.result = AskResult::Refused;
-        asked.reply = exceptionReply(asked.request, code);
-        seen.asked.push_back(asked);
-        return *this;
-    }
-    Seen &stray(qint64 at, const QByteArray &bytes, bool isFirst = false)
-    {
-        Stray stray;
-        stray.at = at * Millisecond;
-        stray.bytes = bytes;
-        stray.isFirst = isFirst;
-        stray.connection = static_cast<int>(seen.connections.size()) - 1;
-        seen.strays.push_back(stray);
-        return *this;
-    }
-
-    static QByteArray reply(const QByteArray &values)
-    {
-        return withCrc(QByteArray::fromHex("0103") + static_cast<char>(values.size()) + values);
-    }
-    Asked request(int count)
-    {
-        Asked asked;
-        asked.purpose = Purpose::Sample;
-        asked.request = readRequest(1, Area::HoldingRegisters, 0, count);
-        asked.sentAt = now += 1000 * Millisecond;
-        asked.result = AskResult::Silent;
-        return asked;
-    }
-
-    Observations seen;
-
-private:
-    qint64 now = 0;
-};
-
-QStringList faultsOf(const Judgement &judgement)
-{
-    QStringList names;
-    for (const Finding &finding : judgement.findings) {
-        if (finding.isFault())
-            names += finding.name();
-    }
-    return names;
-}
-
-Judgement judge(const Examination &examination, const Seen &seen, const DoctorOptions &options = {})
-{
-    return examination.judge(seen.seen, options);
-}
+const qint64 Millisecond = Seen::Millisecond;
 
 } // namespace
 
