@@ -130,7 +130,7 @@ void PlannedReadings::given(const AreaRange &range, const std::vector<int> &poin
 {
     for (const int point : points) {
         const size_t reading = m_points.readings[static_cast<size_t>(point)];
-        if (m_isWanted && m_listener != nullptr)
+        if (m_isWanted)
             m_isWanted =
                 m_listener->add(reading, partOf(m_data, range, m_points.points[static_cast<size_t>(point)]));
     }
@@ -145,20 +145,20 @@ void PlannedReadings::failAway(int station, const std::vector<size_t> &readings)
 {
     if (m_heldBack.count(station) == 0)
         fail(readings);
-    else if (m_isWanted && m_listener != nullptr)
+    else if (m_isWanted)
         m_isWanted = m_listener->addNotAsked(readings, paceOf(station));
 }
 
 void PlannedReadings::notAsked(const Refusals::Refusal &refusal, const std::vector<int> &points)
 {
-    if (m_isWanted && m_listener != nullptr)
+    if (m_isWanted)
         m_isWanted = m_listener->addNotAsked(readingsOf(points), failureOf(refusal));
 }
 
 // What was given up because the run is over is no failure of the slave.
 void PlannedReadings::fail(const std::vector<size_t> &readings)
 {
-    if (!isOver() && m_listener != nullptr)
+    if (!isOver())
         m_isWanted = m_listener->addFailure(readings, m_session.failure());
 }
 

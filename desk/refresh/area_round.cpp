@@ -83,12 +83,11 @@ int AreaRound::lastOfNext() const
 // read together, before a plan relies on it.
 int AreaRound::firstOfNext(int last) const
 {
-    if (!m_isJoined || m_isDoubtful || m_position == 0)
+    if (!m_isJoined)
         return m_position;
     const Span whole = m_plan->range(m_position - 1, last);
     const RangeRules rules = m_areaPlan.rules(m_facts);
-    const bool isAllowed = rules.fillsGaps && !rules.isOneByOne && whole.count() <= rules.maxCount &&
-                           !refusals().isBarred(whole);
+    const bool isAllowed = rules.fillsGaps && whole.count() <= rules.maxCount && !refusals().isBarred(whole);
     return isAllowed ? m_position - 1 : m_position;
 }
 
@@ -104,7 +103,7 @@ void AreaRound::goOnAt(int span)
 {
     m_position = span;
     m_isJoined = false;
-    m_isDoubtful = span > 0 && span < m_plan->size() &&
+    m_isDoubtful = span < m_plan->size() &&
                    m_plan->range(span, span).first <= m_plan->range(span - 1, span - 1).last + Neighbourhood;
     ++m_holes;
 }
@@ -120,7 +119,7 @@ void AreaRound::takeRefusal(int first, int last, const RangeReply &reply)
         takeAlone(first, reply, refusals().isBarred(span));
     else if (reply.outcome == RangeReply::Lost && !isWorthSearching(first, last))
         fail(first, last);
-    else if (reply.outcome == RangeReply::NoFunction && first == m_position && !refusals().hasGiven())
+    else if (reply.outcome == RangeReply::NoFunction && !refusals().hasGiven())
         readFirstAlone(last, reply);
     else
         search(first, last, first < m_position, reply);

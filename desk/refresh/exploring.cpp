@@ -83,10 +83,9 @@ RangeReply::Outcome exploreLimit(AreaPlan &areaPlan, StationFacts &facts, Refres
         if (!range)
             break;
         const RangeReply reply = askAndLearn(areaPlan, facts, client, *range);
-        const bool isTold =
-            reply.outcome == RangeReply::Given ||
-            (reply.outcome == RangeReply::TooMany && limit.addRefused(areaPlan.rangeOf(*range)));
-        if (!isTold)
+        if (reply.outcome == RangeReply::TooMany)
+            limit.addRefused(areaPlan.rangeOf(*range));
+        else if (reply.outcome != RangeReply::Given)
             return reply.outcome;
     }
     return RangeReply::Given;

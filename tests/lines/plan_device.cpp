@@ -35,6 +35,7 @@ RangeReply PlanDevice::refusal(Refusing how) const
     switch (how) {
     case AsMissing: return {RangeReply::Missing, modbus::IllegalDataAddress, 0};
     case AsTooMany: return {RangeReply::TooMany, modbus::IllegalDataValue, 0};
+    case AsUnknown: return {RangeReply::NoFunction, modbus::IllegalFunction, 0};
     case BySilence: break;
     }
     return {RangeReply::Lost, 0, 0};

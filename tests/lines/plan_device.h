@@ -10,7 +10,7 @@
 /// A device that answers requests for ranges without any frames: what it has, and how it refuses what it has
 /// not.
 struct PlanDevice {
-    enum Refusing { AsMissing, AsTooMany, BySilence };
+    enum Refusing { AsMissing, AsTooMany, BySilence, AsUnknown };
 
     using Place = std::pair<int, Area>; ///< station and area
     std::map<Place, std::set<int>> holes;

@@ -231,6 +231,41 @@ TEST(RefreshValues, AskADeviceWithoutTheFunctionTwice)
     EXPECT_EQ(rounds.client.problem(), QString());
 }
 
+TEST(RefreshValues, AreNotThereWhereADeviceHasLostTheFunction)
+{
+    Layout layout = withPoints({});
+    for (int number = 0; number < 20; ++number)
+        layout.points.push_back(registers(number, number));
+    Rounds rounds(layout);
+    rounds.read();
+    layout.device.unknownFunctions.insert({1, Area::HoldingRegisters});
+    for (int round = 0; round < 3; ++round) {
+        rounds.read();
+        EXPECT_EQ(rounds.client.problem(), QString());
+    }
+    layout.device.unknownFunctions.clear();
+    rounds.client.wait(3600e6);
+    for (int round = 0; round < 3; ++round)
+        rounds.read();
+    EXPECT_EQ(rounds.client.problem(), QString());
+}
+
+// As some devices say of a length that it is their function that they lack.
+TEST(RefreshValues, AreThereWhereLongRangesAreRefusedForTheirFunction)
+{
+    Layout layout = withPoints({});
+    for (int number = 0; number < 100; ++number)
+        layout.points.push_back(registers(number, number));
+    layout.device.maxRegisters = 30;
+    layout.device.longRangesAre = PlanDevice::AsUnknown;
+    Rounds rounds(layout);
+    for (int round = 0; round < 5; ++round) {
+        rounds.read();
+        EXPECT_EQ(rounds.client.problem(), QString()) << "round " << round;
+        rounds.explore();
+    }
+}
+
 TEST(RefreshValues, AskADeadStationLittleMoreThanItsRanges)
 {
     Layout layout = sparseLayout(1);

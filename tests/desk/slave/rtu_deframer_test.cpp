@@ -51,6 +51,18 @@ TEST(RtuDeframer, TakesTheLargestWrites)
     EXPECT_EQ((QList<QByteArray>{registers, coils}), framesIn(registers + coils));
 }
 
+TEST(RtuDeframer, DoesNotWaitForWritesThatNoFrameCarries)
+{
+    // 254 bytes of values would make a frame of 263.
+    const QByteArray tooLong = QByteArray::fromHex("01100000007FFE");
+    RtuDeframer deframer;
+    deframer.add(tooLong + someRequests().front());
+    EXPECT_EQ(QList<QByteArray>{someRequests().front()}, framesOf(deframer));
+    EXPECT_EQ(tooLong, deframer.takeDropped());
+    deframer.giveUp();
+    EXPECT_TRUE(deframer.takeDropped().isEmpty()) << "there is nothing to give up";
+}
+
 TEST(RtuDeframer, MergedSegments)
 {
     EXPECT_EQ(someRequests(), framesIn(someRequests().join()));

@@ -92,6 +92,23 @@ TEST(SlaveConnection, SendsHeartbeats)
     EXPECT_GE(clock.elapsed(), 35);
 }
 
+TEST(SlaveConnection, SendsNoHeartbeatIntoAReply)
+{
+    SlaveOptions options;
+    options.gateway.heartbeat = "alive";
+    options.gateway.heartbeatMs = 5;
+    RunningSlave slave(options);
+    slave.inject({Fault::Split, 20});
+    RawMaster master(slave.port());
+    master.send(frameOf("010300010001"));
+    const QByteArray reply = frameOf("0103020000");
+    QByteArray received;
+    EXPECT_TRUE(waitUntil([&] {
+        received += master.receive(1);
+        return received.contains(reply);
+    })) << received.toHex().constData();
+}
+
 TEST(SlaveConnection, HoldsItsOnlySlot)
 {
     SlaveOptions options;
@@ -144,6 +161,25 @@ TEST(SlaveConnection, StartsAgainOnTheSamePort)
     EXPECT_EQ("0103020000", after.ask("010300010001"));
 }
 
+TEST(SlaveConnection, GoesOnByWhatItIsTold)
+{
+    RunningSlave slave;
+    EXPECT_TRUE(slave.start()) << "it runs already";
+    slave.setValues(
+        {{1, Area::HoldingRegisters, 3, 7}, {1, Area::DiscreteInputs, 4, 1}, {1, Area::Coils, 5, 1}});
+    QList<SlaveMemory::Value> values = slave.valuesAt({{1, Area::HoldingRegisters, 3, 0},
+                                                       {1, Area::DiscreteInputs, 4, 0},
+                                                       {1, Area::Coils, 5, 0},
+                                                       {1, Area::Coils, 6, 9}});
+    ASSERT_EQ(values.size(), 4);
+    EXPECT_EQ(values[0].value, 7);
+    EXPECT_EQ(values[1].value, 1);
+    EXPECT_EQ(values[2].value, 1);
+    EXPECT_EQ(values[3].value, 0);
+    EXPECT_TRUE(slave.valuesAt({}).isEmpty());
+    slave.setValues({});
+}
+
 TEST(SlaveConnection, StopsWithAReplyOnItsWay)
 {
     SlaveOptions options;
@@ -171,6 +207,30 @@ TEST(SlaveConnection, SaysWhyItCannotListen)
 TEST(SlaveConnection, ListensOnLoopbackUnlessTold)
 {
     EXPECT_TRUE(SlaveOptions().address.isLoopback());
+}
+
+TEST(SlaveConnection, TracesWhatItSendsUnaskedAndThatItSendsNothing)
+{
+    QMutex mutex;
+    QStringList lines;
+    SlaveOptions options;
+    options.gateway.banner = "hello";
+    options.trace = [&](const QString &line) {
+        const QMutexLocker locker(&mutex);
+        lines.append(line.section(QLatin1Char(' '), 1));
+    };
+    RunningSlave slave(options);
+    slave.inject({Fault::Silence, -1});
+    {
+        RawMaster master(slave.port());
+        EXPECT_EQ("hello", master.receive(5));
+        master.send(frameOf("010600010102") + frameOf("010300010001"));
+        EXPECT_EQ(frameOf("0103020102"), master.receive(7));
+    }
+    slave.stop();
+    ASSERT_GE(lines.size(), 4);
+    EXPECT_EQ("> 68 65 6C 6C 6F  #1 banner", lines.at(1).toStdString());
+    EXPECT_TRUE(lines.contains(QStringLiteral("- #1 [silence] nothing sent")));
 }
 
 TEST(SlaveConnection, TracesWhatItDoes)

@@ -48,6 +48,16 @@ TEST_F(SlaveFault, Silence)
     EXPECT_EQ(1u, slave.counts().faults.value(Fault::Silence));
 }
 
+TEST_F(SlaveFault, HoldsBackUntilAReplyIsSent)
+{
+    RawMaster master(slave.port());
+    request(master, Fault::Merge);
+    request(master, Fault::Silence);
+    EXPECT_TRUE(master.isSilent(::Silence)) << "nothing takes it along";
+    master.send(frameOf("010300000001"));
+    EXPECT_EQ(rightReply + frameOf("0103021122"), master.receive(9 + 7));
+}
+
 TEST_F(SlaveFault, Delay)
 {
     RawMaster master(slave.port());

@@ -54,6 +54,12 @@ TEST_F(SlaveMemoryFile, TakesValues)
     EXPECT_EQ("0-HR100=1 0-HR101=65534 0-HR102=31 2-DO1=1 2-DO2=0 2-DO3=1 0-IR65536=65535 0-DI1=1", values());
 }
 
+TEST_F(SlaveMemoryFile, TakesAsManyValuesAsAddresses)
+{
+    EXPECT_EQ("", load("HR1..3 = 1 2 3\n2-DO5..6 = 1 0\n"));
+    EXPECT_EQ("0-HR1=1 0-HR2=2 0-HR3=3 2-DO5=1 2-DO6=0", values());
+}
+
 TEST_F(SlaveMemoryFile, TakesHoles)
 {
     EXPECT_EQ("", load("hole IR200..299\nhole 3-DO7\n"));
