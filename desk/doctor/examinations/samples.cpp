@@ -28,7 +28,8 @@ QByteArray sampleRequest(Examiner &examiner)
     QByteArray longer = readRequest(first->station(), areaOfFunction(first->function()),
                                     wordAt(first->request, 2), SampleItems);
     QByteArray shorter = first->request;
-    for (int quiet = 0, tries = 0; quiet < 2 && tries < MostTries; ++tries) {
+    for (int quiet = 0, tries = 0;
+         quiet < 2 && tries < MostTries && examiner.hasTimeFor(examiner.usualWait()); ++tries) {
         const Asked asked = examiner.ask(Purpose::Sample, longer, examiner.patientWait());
         if (asked.result == AskResult::Answered)
             return longer;
