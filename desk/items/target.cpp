@@ -29,7 +29,7 @@ Result<Target> parseTarget(const QString &text)
     Target target;
     const int port = url.port(target.port);
     if (!url.isValid() || url.scheme() != QLatin1String("rtutcp") || url.host().isEmpty() ||
-        !url.userInfo().isEmpty() || url.hasQuery() || url.hasFragment() || port < 1 || port > MaxPort)
+        !url.userInfo().isEmpty() || url.hasQuery() || url.hasFragment() || port < 1)
         return Error{
             QStringLiteral("target \"%1\": expected rtutcp://HOST:PORT/STATION, with a port from 1 to 65535")
                 .arg(text)};

@@ -156,15 +156,13 @@ QString element(const char *name, const QString &text)
     return QStringLiteral("<%1>%2</%1>\n").arg(QLatin1String(name), text.toHtmlEscaped());
 }
 
-QString sectionOf(const Finding &finding)
+QString sectionOf(const Finding &fault)
 {
-    QString text = element("h2", finding.name()) + element("p", sentenceOf(finding));
-    if (!finding.evidence.isEmpty())
-        text += element("pre", finding.evidence.join(QLatin1Char('\n')));
-    if (finding.isFault())
-        text += element("p", QStringLiteral("Told by: ") + QLatin1String(infoOf(finding.kind).told)) +
-                QStringLiteral("<p class=\"change\">%1</p>\n").arg(changeOf(finding).toHtmlEscaped());
-    return text;
+    QString text = element("h2", fault.name()) + element("p", sentenceOf(fault));
+    if (!fault.evidence.isEmpty())
+        text += element("pre", fault.evidence.join(QLatin1Char('\n')));
+    return text + element("p", QStringLiteral("Told by: ") + QLatin1String(infoOf(fault.kind).told)) +
+           QStringLiteral("<p class=\"change\">%1</p>\n").arg(changeOf(fault).toHtmlEscaped());
 }
 
 } // namespace

@@ -92,8 +92,8 @@ TEST(HostAddress, SaysWhatIsWrong)
     EXPECT_TRUE(problemWith("").contains(QLatin1String("no area")));
     EXPECT_TRUE(problemWith("HR").contains(QLatin1String("no number")));
     EXPECT_TRUE(problemWith("100").contains(QLatin1String("no area")));
-    for (const char *text :
-         {"HR10x", "HR10-2", "HR 10", "HR-1", "HR10SW5", "HR1.2.3", "-HR1", "FN3HR1", "HR\n1"})
+    for (const char *text : {"HR10x", "HR10-2", "HR 10", "HR-1", "HR10SW5", "HR1.2.3", "-HR1", "FN3HR1",
+                             "HR\n1", "FN", "FN:5", "FNDO5", "[5", "\xC4R5"})
         EXPECT_FALSE(problemWith(text).isEmpty()) << text;
 }
 
@@ -111,9 +111,9 @@ TEST(HostTarget, TakesNamesAndBothKindsOfAddresses)
 
 TEST(HostTarget, RefusesWhatIsNone)
 {
-    for (const char *text :
-         {"tcp://host/1", "rtutcp://", "rtutcp://host:0", "rtutcp://host:65536", "rtutcp://host/256",
-          "rtutcp://host/x", "rtutcp://host/1/2", "rtutcp://host/1?x", "rtutcp://me@host/1"})
+    for (const char *text : {"tcp://host/1", "rtutcp://", "rtutcp://host:0", "rtutcp://host:65536",
+                             "rtutcp://host/256", "rtutcp://host/x", "rtutcp://host/1/2", "rtutcp://host/1?x",
+                             "rtutcp://host/1#x", "rtutcp://me@host/1"})
         EXPECT_TRUE(isRefused(text)) << text;
 }
 

@@ -97,6 +97,31 @@ TEST(HostItems, NameEachItem)
     EXPECT_EQ(itemsAt("DO7", BitItem, 2).label(1), QStringLiteral("DO8"));
 }
 
+TEST(HostItems, AreTheDriversToJudgeWhereTheyAreRaw)
+{
+    Items raw;
+    raw.rawText = QStringLiteral("fn5xy");
+    raw.count = 0;
+    EXPECT_TRUE(checkItems(raw));
+    EXPECT_EQ(raw.label(0), QStringLiteral("fn5xy"));
+    EXPECT_EQ(raw.label(2), QStringLiteral("fn5xy +2"));
+    EXPECT_EQ(raw.command().address, QStringLiteral("fn5xy"));
+    EXPECT_EQ(nameOf(static_cast<ItemKind>(99)), QStringLiteral("99"));
+}
+
+TEST(HostItems, AreWholeOnesInASpan)
+{
+    const auto count = [](const char *span, int bits, const char *name) {
+        return countIn(*parseAddressSpan(QLatin1String(span)), bits, QLatin1String(name));
+    };
+    EXPECT_EQ(count("HR1..6", 32, "dword").valueOr(0), 3);
+    EXPECT_EQ(count("DO1..16", 8, "byte").valueOr(0), 2);
+    EXPECT_EQ(count("HR1..5", 32, "dword").errorText(),
+              QStringLiteral("\"HR1..5\": a dword takes 2 registers, and these are 5"));
+    EXPECT_EQ(count("DO1..9", 8, "byte").errorText(),
+              QStringLiteral("\"DO1..9\": a byte takes 8 bits, and these are 9"));
+}
+
 TEST(HostItems, AskForTheTagsOfBytesOnBits)
 {
     const QStringList tags = neededTags(itemsAt("FN5DO9", ByteItem, 2), 3);

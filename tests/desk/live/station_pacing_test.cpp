@@ -186,6 +186,7 @@ TEST(StationPacing, AsksAtGrowingDistances)
     }
     pacing.noteAnswer(7);
     EXPECT_FALSE(pacing.isFailing(7));
+    EXPECT_EQ(0, pacing.dueAt(7));
     EXPECT_TRUE(pacing.isDue(7, now));
 }
 

@@ -156,6 +156,14 @@ TEST(SnapshotReading, KeepsWhatOneByOneWouldFind)
     }
 }
 
+TEST(SnapshotReading, AsksOnceWhetherAStationAnswers)
+{
+    FakeSlave slave;
+    EXPECT_EQ(read(slave, {"1-HR1..100", "1-HR201..300"}).kept.size(), 2u);
+    EXPECT_EQ(slave.asked.first(), QStringLiteral("1-HR1x1"));
+    EXPECT_FALSE(slave.asked.contains(QStringLiteral("1-HR201x1")));
+}
+
 TEST(SnapshotReading, IsWholeOrNothing)
 {
     FakeSlave slave;

@@ -70,6 +70,14 @@ TEST(Snapshot, TakesWhatPeopleAdd)
     EXPECT_EQ(snapshot->ranges.front().values, (std::vector<std::optional<quint16>>{7, 7, 8}));
 }
 
+TEST(Snapshot, HoldsRangesInAnyOrder)
+{
+    const Result<Snapshot> snapshot =
+        parseSnapshot(QLatin1String(Head) + QStringLiteral("range 1-HR5\nHR5 7\nrange 1-HR1\nHR1 8\nend\n"));
+    ASSERT_TRUE(snapshot) << snapshot.errorText().toStdString();
+    EXPECT_EQ(rangeText(snapshot->ranges.back().range), QStringLiteral("1-HR1"));
+}
+
 TEST(Snapshot, SaysInWhichLineWhatWasExpected)
 {
     const struct {
@@ -106,6 +114,8 @@ TEST(Snapshot, SaysInWhichLineWhatWasExpected)
         {QByteArray(Head) + "range 1-HR1..2\nHR1 5\nend\n", "7: \"end\": expected HR2 and its value"},
         {QByteArray(Head) + "range 1-HR1..2\nHR1 5\nrange 1-DO1\n",
          "7: \"range 1-DO1\": expected HR2 and its value"},
+        {QByteArray(Head) + "range 1-HR1\nHR1 5\nend now\n",
+         "7: \"end\": expected a range such as range 1-HR1..100, or end"},
         {QByteArray(Head) + "range 1-HR1\nHR1 466",
          "7: the file ends here; expected a range such as range 1-HR1..100, or end"},
         {QByteArray(Head) + "range 1-HR1..2\nHR1..2 5\nrange 1-HR2..3\n",
@@ -171,6 +181,14 @@ TEST(Comparison, FindsWhatDiffers)
     EXPECT_EQ(texts, (QStringList{
                          QStringLiteral("1-HR2: was 2, is 9"), QStringLiteral("1-HR3: was missing, is 3"),
                          QStringLiteral("1-HR4: was 4, is missing"), QStringLiteral("2-DI8: was 0, is 1")}));
+}
+
+TEST(Comparison, IsOfWhatBothHold)
+{
+    const Snapshot longer = snapshotOf({kept("1-HR1..2", {1, 2}), kept("1-IR1", {3})});
+    const Snapshot shorter = snapshotOf({kept("1-HR1", {9})});
+    EXPECT_EQ(differencesOf(longer, shorter).size(), 1u);
+    EXPECT_EQ(differencesOf(shorter, longer).size(), 1u);
 }
 
 TEST(Comparison, WritesRunsOfWhatDiffersAndCanBeWritten)

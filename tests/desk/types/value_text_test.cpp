@@ -200,6 +200,8 @@ TEST(Decimal, KeepsWhatIsWritten)
 {
     EXPECT_EQ(parseDecimal(QStringLiteral("0100.50")), parseDecimal(QStringLiteral("1.005e2")));
     EXPECT_EQ(parseDecimal(QStringLiteral("-0")), parseDecimal(QStringLiteral("0.00")));
+    for (const char *other : {"50", "-5", "0.5", "4"})
+        EXPECT_FALSE(parseDecimal(QStringLiteral("5")) == parseDecimal(QLatin1String(other))) << other;
     EXPECT_FALSE(parseDecimal(QStringLiteral("0.1")) == parseDecimal(QStringLiteral("0.10000000000000001")));
     for (const char *text : {"", ".", "-", "1e", "1.2.3", "0x1", " 1", "1 ", "e5", "1e12345", "nan"})
         EXPECT_FALSE(parseDecimal(QLatin1String(text))) << text;

@@ -128,6 +128,7 @@ TEST(TypedText, SaysWhatIsWrong)
     EXPECT_TRUE(
         problemWith("HR5:f16").startsWith(QLatin1String("address \"HR5:f16\": type \"f16\": expected bit")));
     EXPECT_TRUE(problemWith("HR5:").contains(QLatin1String("type \"\": expected bit")));
+    EXPECT_TRUE(problemWith("HR5:f32x65537").contains(QLatin1String("count \"65537\": expected 1 to 65536")));
     EXPECT_TRUE(problemWith("HR5:f32x0").contains(QLatin1String("count \"0\": expected 1 to 65536")));
     EXPECT_TRUE(problemWith("HR5:f32x99999999999").contains(QLatin1String("expected 1 to 65536")));
     EXPECT_TRUE(problemWith("HR5:f32@").contains(QLatin1String("no order after \"@\"")));

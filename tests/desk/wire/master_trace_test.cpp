@@ -32,6 +32,7 @@ TEST(MasterTrace, PutsAReplyTogether)
     trace.sent(frame("010300630002"));
     EXPECT_EQ(1, collected.lines.size());
     trace.received(answer.left(5));
+    trace.dropped(QByteArray());
     EXPECT_EQ(1, collected.lines.size());
     trace.received(answer.mid(5));
     ASSERT_EQ(2, collected.lines.size());
