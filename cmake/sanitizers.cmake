@@ -8,7 +8,6 @@ set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-
 set(counters -fprofile-instr-generate -fprofile-update=atomic -fcoverage-mapping -fcoverage-mcdc
   -fcoverage-compilation-dir=.)
 string(JOIN " " CMAKE_CXX_FLAGS_INIT -w ${sanitizers} ${counters})
-set(CMAKE_CXX_FLAGS_DEBUG_INIT "-O0 -g1")
 
 # In a library of its own, so that the kit's clock still comes before it.
 set(runtime "-shared-libasan -Wl,-rpath,/usr/lib/llvm-19/lib/clang/19/lib/linux")
