@@ -2,6 +2,7 @@
 #include "apps/driverdesk/opening/window_options.h"
 #include "apps/driverdesk/window/end_guard.h"
 #include "apps/driverdesk/window/main_window.h"
+#include "apps/driverdesk/window/palettes.h"
 #include "apps/driverhost/console/exit_code.h"
 #include "apps/driverhost/console/stop_signal.h"
 #include "desk/startup/beside_database.h"
@@ -75,6 +76,7 @@ int main(int argc, char **argv)
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication application(argc, argv);
+    QApplication::setStyle(newStyle());
     QApplication::setOrganizationName(QStringLiteral("driverdesk"));
     QApplication::setApplicationName(QStringLiteral("driverdesk"));
     QApplication::setApplicationVersion(QStringLiteral(DRIVERDESK_VERSION));

@@ -1,6 +1,7 @@
 #include "apps/driverdesk/dialogs/open_dialog.h"
 
 #include "apps/driverdesk/opening/window_options.h"
+#include "apps/driverdesk/panes/scrolled_widget.h"
 
 #include <QCompleter>
 #include <QDialogButtonBox>
@@ -62,7 +63,9 @@ OpenDialog::OpenDialog(const QStringList &targetNames, QWidget *parent)
     m_problem->setWordWrap(true);
     m_problem->setTextFormat(Qt::PlainText);
     m_problem->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    auto *form = new QFormLayout;
+    auto *fields = new QWidget(this);
+    auto *form = new QFormLayout(fields);
+    form->setContentsMargins(0, 0, 0, 0);
     form->addRow(tr("&Target:"), m_target);
     form->addRow(tr("&Addresses:"), m_addresses);
     form->addRow(tr("&Points:"),
@@ -77,10 +80,10 @@ OpenDialog::OpenDialog(const QStringList &targetNames, QWidget *parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &OpenDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto *whole = new QVBoxLayout(this);
-    whole->addLayout(form);
+    whole->addWidget(new ScrolledWidget(fields, this), 1);
     whole->addWidget(m_problem);
     whole->addWidget(buttons);
-    resize(fontMetrics().averageCharWidth() * 80, sizeHint().height());
+    resizeWithinScreen(*this, {fontMetrics().averageCharWidth() * 80, sizeHint().height()});
 }
 
 QWidget *OpenDialog::withBrowse(QLineEdit *edit, const QString &title, const QString &filter)

@@ -1,5 +1,7 @@
 #include "apps/driverdesk/dialogs/write_dialog.h"
 
+#include "apps/driverdesk/panes/scrolled_widget.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -19,6 +21,7 @@ namespace
 
 const int PreviewDelay = 150; // milliseconds after the last key
 const int SwitchColumns = 4;
+const int FramesLines = 6;
 
 QLabel *selectableLabel(const QString &text, QWidget *parent)
 {
@@ -67,7 +70,9 @@ WriteDialog::WriteDialog(const PointRow &row, const QString &oldValue, QWidget *
 
 void WriteDialog::layOut(const QString &oldValue)
 {
-    auto *form = new QFormLayout;
+    auto *fields = new QWidget(this);
+    auto *form = new QFormLayout(fields);
+    form->setContentsMargins(0, 0, 0, 0);
     form->addRow(tr("Point:"), selectableLabel(m_draft.label(), this));
     form->addRow(tr("Now:"), selectableLabel(oldValue, this));
     form->addRow(tr("Expected:"), selectableLabel(m_draft.expectedText(), this));
@@ -78,7 +83,8 @@ void WriteDialog::layOut(const QString &oldValue)
     form->addRow(QString(), m_problem);
     form->addRow(tr("Frames:"), m_frames);
     form->addRow(tr("Result:"), m_result);
-    m_frames->setMinimumHeight(6 * fontMetrics().lineSpacing());
+    m_frames->setMinimumHeight(FramesLines * fontMetrics().lineSpacing());
+    m_frames->setSizeAdjustPolicy(QAbstractScrollArea::AdjustToContents);
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     m_write = buttons->addButton(tr("&Write"), QDialogButtonBox::ActionRole);
     // Enter in the field must not send anything.
@@ -88,9 +94,11 @@ void WriteDialog::layOut(const QString &oldValue)
     buttons->button(QDialogButtonBox::Close)->setAutoDefault(false);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto *whole = new QVBoxLayout(this);
-    whole->addLayout(form, 1);
+    whole->addWidget(new ScrolledWidget(fields, this), 1);
     whole->addWidget(buttons);
-    resize(fontMetrics().averageCharWidth() * 90, sizeHint().height());
+    // With room for the texts that are still empty.
+    resizeWithinScreen(*this, {fontMetrics().averageCharWidth() * 90,
+                               sizeHint().height() + FramesLines * fontMetrics().lineSpacing()});
 }
 
 QWidget *WriteDialog::makeSwitches()

@@ -39,12 +39,12 @@ Result<QList<int>> stationsOf(const QString &text)
 SlavePane::SlavePane(MovingSlave &slave, QWidget *parent)
     : QWidget(parent),
       m_slave(slave),
+      m_values(new Table(this)),
       m_port(new QSpinBox(this)),
       m_stations(new QLineEdit(QStringLiteral("1"), this)),
       m_start(new QPushButton(this)),
       m_open(new QPushButton(tr("&Open its points"), this)),
       m_state(new QLabel(this)),
-      m_values(new Table(this)),
       m_range(new QLineEdit(this)),
       m_faults(new QListView(this)),
       m_oneOf(new QSpinBox(this))

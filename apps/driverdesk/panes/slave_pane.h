@@ -43,12 +43,13 @@ private:
     void removeSelected();
 
     MovingSlave &m_slave;
+    // The first, for the Tab key goes on from it.
+    Table *m_values;
     QSpinBox *m_port;
     QLineEdit *m_stations;
     QPushButton *m_start;
     QPushButton *m_open;
     QLabel *m_state;
-    Table *m_values;
     QLineEdit *m_range;
     QListView *m_faults;
     QSpinBox *m_oneOf;

@@ -47,6 +47,11 @@ void Table::copySelection() const
         QApplication::clipboard()->setText(copiedText(cells));
 }
 
+QSize Table::sizeHint() const
+{
+    return {QTableView::sizeHint().width(), minimumSizeHint().height()};
+}
+
 void Table::keyPressEvent(QKeyEvent *event)
 {
     if (event->matches(QKeySequence::Copy))

@@ -15,6 +15,9 @@ public:
 
     void copySelection() const;
 
+    /// As low as it can be: what it does not show it scrolls.
+    QSize sizeHint() const override;
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
 

@@ -1,5 +1,7 @@
 #include "apps/driverdesk/trends/latency_plot.h"
 
+#include "apps/driverdesk/trends/fitted_scale.h"
+
 #include <QEvent>
 #include <qwt_column_symbol.h>
 #include <qwt_plot_canvas.h>
@@ -57,6 +59,13 @@ void LatencyPlot::setClasses(const LatencyClasses &classes)
         columns.append({static_cast<double>(classes.count(i)), middle - 0.4, middle + 0.4});
     }
     m_histogram->setSamples(columns);
+    replot();
+}
+
+void LatencyPlot::resizeEvent(QResizeEvent *event)
+{
+    QwtPlot::resizeEvent(event);
+    fitScale(*this, QwtPlot::yLeft);
     replot();
 }
 

@@ -17,9 +17,13 @@ public:
     explicit LatencyPlot(QWidget *parent = nullptr);
     ~LatencyPlot() override;
 
+    /// As low as it can be, for it lies under a text that gets more lines where it is narrow.
+    QSize sizeHint() const override { return minimumSizeHint(); }
+
     void setClasses(const LatencyClasses &classes);
 
 protected:
+    void resizeEvent(QResizeEvent *event) override;
     void changeEvent(QEvent *event) override;
 
 private:

@@ -48,9 +48,9 @@ LinePane::LinePane(LineModel &model, QWidget *parent)
     splitter->setChildrenCollapsible(false);
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 1);
-    m_plot->setMinimumSize(fontMetrics().averageCharWidth() * 40, fontMetrics().height() * 8);
+    m_plot->setMinimumSize(fontMetrics().averageCharWidth() * 52, fontMetrics().height() * 8);
     // Room for the titles and the counts of a station or two.
-    splitter->setSizes({fontMetrics().averageCharWidth() * 48, fontMetrics().averageCharWidth() * 52});
+    splitter->setSizes({fontMetrics().averageCharWidth() * 48, fontMetrics().averageCharWidth() * 54});
     auto *whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(m_summary);

@@ -1,5 +1,6 @@
 #include "apps/driverdesk/trends/trend_plot.h"
 
+#include "apps/driverdesk/trends/fitted_scale.h"
 #include "apps/driverdesk/trends/gap_curve.h"
 #include "apps/driverdesk/trends/thinned_points.h"
 
@@ -145,6 +146,7 @@ void TrendPlot::showValues(int axis)
     QwtText title(units.join(QStringLiteral(", ")));
     title.setFont(font());
     setAxisTitle(axis, title);
+    fitScale(*this, axis);
     const std::optional<TrendWindow::Range> &chosen = m_window.values(axis == QwtPlot::yRight ? 1 : 0);
     if (chosen)
         return setAxisScale(axis, chosen->low, chosen->high);
@@ -242,6 +244,12 @@ void TrendPlot::keyPressEvent(QKeyEvent *event)
     }
     redraw();
     emit windowChanged();
+}
+
+void TrendPlot::resizeEvent(QResizeEvent *event)
+{
+    QwtPlot::resizeEvent(event);
+    redraw();
 }
 
 void TrendPlot::changeEvent(QEvent *event)

@@ -107,6 +107,7 @@ void TrendsPane::layOut()
     splitter->setStretchFactor(0, 3);
     splitter->setStretchFactor(1, 1);
     splitter->setChildrenCollapsible(false);
+    splitter->setSizes({18 * fontMetrics().height(), 6 * fontMetrics().height()});
     m_list->setMinimumHeight(2 * m_list->verticalHeader()->defaultSectionSize());
     m_plot->setMinimumHeight(6 * fontMetrics().height());
     auto *whole = new QVBoxLayout(this);

@@ -10,15 +10,14 @@
 #include "apps/driverdesk/trends/trends_pane.h"
 #include "apps/driverdesk/window/menus.h"
 #include "apps/driverdesk/window/palettes.h"
-#include "apps/driverdesk/window/start_page.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDateTime>
 #include <QDockWidget>
 #include <QLabel>
+#include <QLineEdit>
 #include <QStackedWidget>
-#include <QStatusBar>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -40,7 +39,7 @@ MainWindow::MainWindow(QWidget *parent)
       m_trafficPane(new TrafficPane(m_traffic, this)),
       m_linePane(new LinePane(m_line, this)),
       m_slavePane(new SlavePane(m_slave, this)),
-      m_stateLabel(new QLabel(this)),
+      m_stateText(new QLineEdit(this)),
       m_rateLabel(new QLabel(this)),
       m_lockLabel(new QLabel(this))
 {
@@ -61,6 +60,7 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    disconnect(qApp, nullptr, this, nullptr);
     // The panes look at the models until they are gone.
     delete m_writeDialog.data();
     for (QWidget *pane :
@@ -68,57 +68,10 @@ MainWindow::~MainWindow()
         delete pane;
 }
 
-void MainWindow::makePanes()
-{
-    auto *page = new StartPage(this);
-    connect(page, &StartPage::openWanted, this, &MainWindow::askAndOpen);
-    connect(page, &StartPage::workspaceWanted, this, &MainWindow::askForWorkspace);
-    connect(page, &StartPage::demoWanted, this, [this] { openDemo(1); });
-    m_center->addWidget(page);
-    m_center->addWidget(m_pointsPane);
-    auto *central = new QWidget(this);
-    auto *column = new QVBoxLayout(central);
-    column->addWidget(m_message);
-    column->addWidget(m_center, 1);
-    setCentralWidget(central);
-    setDockNestingEnabled(true);
-    arrange();
-    for (QLabel *label : {m_stateLabel, m_rateLabel, m_lockLabel})
-        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    statusBar()->addWidget(m_stateLabel, 1);
-    statusBar()->addPermanentWidget(m_rateLabel);
-    statusBar()->addPermanentWidget(m_lockLabel);
-}
-
-// Trends at the left below the points, the others at the right of them, one over the other.
-void MainWindow::arrange()
-{
-    QDockWidget *trends =
-        addPane(m_trendsPane, QStringLiteral("trends"), tr("Trends"), Qt::BottomDockWidgetArea);
-    QDockWidget *traffic =
-        addPane(m_trafficPane, QStringLiteral("traffic"), tr("Traffic"), Qt::BottomDockWidgetArea);
-    QDockWidget *line = addPane(m_linePane, QStringLiteral("line"), tr("Line"), Qt::BottomDockWidgetArea);
-    QDockWidget *slave = addPane(m_slavePane, QStringLiteral("slave"), tr("Slave"), Qt::BottomDockWidgetArea);
-    splitDockWidget(trends, traffic, Qt::Horizontal);
-    tabifyDockWidget(traffic, line);
-    tabifyDockWidget(line, slave);
-    traffic->raise();
-    resizeDocks({trends, traffic}, {1, 1}, Qt::Horizontal);
-}
-
-QDockWidget *MainWindow::addPane(QWidget *pane, const QString &name, const QString &title,
-                                 Qt::DockWidgetArea area)
-{
-    auto *dock = new QDockWidget(title, this);
-    dock->setObjectName(name);
-    dock->setWidget(pane);
-    addDockWidget(area, dock);
-    m_docks.push_back(dock);
-    return dock;
-}
-
 void MainWindow::connectPanes()
 {
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget * /*before*/, QWidget *now) { raiseFocused(now); });
     connect(m_pointsPane, &PointsPane::writeWanted, this, &MainWindow::showWriteDialog);
     connect(m_pointsPane, &PointsPane::trendsWanted, this, &MainWindow::addTrends);
     connect(m_trendsPane, &TrendsPane::failed, this, &MainWindow::showMessage);
@@ -172,22 +125,6 @@ void MainWindow::openGround(const WindowOptions &options)
     m_pointsPane->setFocus();
     setReadingPaused(false);
     setWindowTitle(tr("%1 – driverdesk").arg(options.ground.title));
-}
-
-void MainWindow::showPanes()
-{
-    m_center->setCurrentWidget(m_pointsPane);
-    for (QDockWidget *dock : m_docks)
-        dock->show();
-    // Where there is no room for two beside each other, they lie over each other.
-    if (width() < fontMetrics().averageCharWidth() * 150)
-        tabifyDockWidget(m_docks[1], m_docks[0]);
-    m_docks[1]->raise();
-    // Sizes count once all of it is laid out.
-    QTimer::singleShot(0, this, [this] {
-        resizeDocks({m_docks[0], m_docks[1]}, {width() * 2 / 5, width() * 3 / 5}, Qt::Horizontal);
-        resizeDocks({m_docks[0], m_docks[1]}, {height() / 2, height() / 2}, Qt::Vertical);
-    });
 }
 
 void MainWindow::openDemo(int seed)
@@ -327,7 +264,8 @@ void MainWindow::showStatus(const LinkStatus &status)
 {
     const QStringList names = {tr("closed"), tr("opening"), tr("connected"), tr("failing"), tr("not usable")};
     const QString &state = names.at(status.state);
-    m_stateLabel->setText(status.text.isEmpty() ? state : tr("%1: %2").arg(state, status.text));
+    m_stateText->setText(status.text.isEmpty() ? state : tr("%1: %2").arg(state, status.text));
+    m_stateText->setCursorPosition(0);
     if (status.state == LinkStatus::Unusable)
         showMessage(status.text);
 }

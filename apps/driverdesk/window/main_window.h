@@ -19,6 +19,7 @@ class PointsPane;
 class QAction;
 class QDockWidget;
 class QLabel;
+class QLineEdit;
 class QStackedWidget;
 class SlavePane;
 class TrafficPane;
@@ -91,9 +92,11 @@ protected:
 
 private:
     void makePanes();
+    void makeStatusBar();
     void arrange();
     void showPanes();
     QDockWidget *addPane(QWidget *pane, const QString &name, const QString &title, Qt::DockWidgetArea area);
+    void raiseFocused(QWidget *focus);
     void connectPanes();
     void openGround(const WindowOptions &options);
     void drain();
@@ -121,7 +124,7 @@ private:
     SlavePane *m_slavePane;
     std::vector<QDockWidget *> m_docks;
     QPointer<WriteDialog> m_writeDialog;
-    QLabel *m_stateLabel;
+    QLineEdit *m_stateText;
     QLabel *m_rateLabel;
     QLabel *m_lockLabel;
     QTimer m_drainTimer;

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QProxyStyle>
+#include <QStyleOptionButton>
 
 namespace
 {
@@ -24,7 +26,29 @@ QPalette darkPalette()
     return palette;
 }
 
+// Styles give an empty check box an outline darker than the window, which nobody sees in a dark one.
+class OutlinedStyle : public QProxyStyle
+{
+public:
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget) const override
+    {
+        const auto *box =
+            element == PE_IndicatorCheckBox ? qstyleoption_cast<const QStyleOptionButton *>(option) : nullptr;
+        if (box == nullptr || box->palette.color(QPalette::Window).lightness() > 127)
+            return QProxyStyle::drawPrimitive(element, option, painter, widget);
+        QStyleOptionButton outlined = *box;
+        outlined.palette.setColor(QPalette::Window, box->palette.color(QPalette::Text));
+        QProxyStyle::drawPrimitive(element, &outlined, painter, widget);
+    }
+};
+
 } // namespace
+
+QStyle *newStyle()
+{
+    return new OutlinedStyle;
+}
 
 void applyPalette(bool isDark)
 {
