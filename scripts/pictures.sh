@@ -38,13 +38,13 @@ pictures_of_documents() {
     sleep 40
     take "$folder/window.png"
     press ctrl+4
-    take "$folder/line.png" 764x400+516+380
+    take "$folder/line.png" 764x404+516+372
     press ctrl+5
-    take "$folder/slave.png" 764x400+516+380
+    take "$folder/slave.png" 764x404+516+372
     press ctrl+3
-    take "$folder/traffic.png" 764x400+516+380
-    take "$folder/trends.png" 512x400+0+380
-    take "$folder/points.png" 1280x380+0+0
+    take "$folder/traffic.png" 764x404+516+372
+    take "$folder/trends.png" 512x404+0+372
+    take "$folder/points.png" 1280x368+0+0
     press ctrl+1 Home Down Down Down Down Down Down Down Down ctrl+Return
     xdotool type --delay 40 75
     sleep 1
