@@ -58,6 +58,12 @@ TrafficPane::TrafficPane(TrafficModel &model, QWidget *parent)
     connectAll();
 }
 
+TrafficPane::~TrafficPane()
+{
+    // The table may still scroll when its rows go, after this pane has.
+    m_table->verticalScrollBar()->disconnect(this);
+}
+
 void TrafficPane::layOut()
 {
     auto *copy = new QToolButton(this);

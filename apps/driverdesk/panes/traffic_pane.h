@@ -18,6 +18,7 @@ class TrafficPane : public QWidget
 
 public:
     explicit TrafficPane(TrafficModel &model, QWidget *parent = nullptr);
+    ~TrafficPane() override;
 
     Table *table() const { return m_table; }
     QComboBox *functionBox() const { return m_function; }
