@@ -5,6 +5,12 @@
 
 // Types for each item, on real sockets.
 
+class TypedValuesOfHolesTest : public SlaveTest
+{
+protected:
+    TypedValuesOfHolesTest() : SlaveTest(withHoles()) {}
+};
+
 class TypedValuesTest : public SlaveTest
 {
 protected:
@@ -157,24 +163,18 @@ TEST_F(TypedValuesTest, OptionsAreForItemsWithoutAType)
         host("read TARGET HR1@ABCD --kind dword --word-order low").err.contains("say different things"));
 }
 
-TEST_F(TypedValuesTest, AFailureEndsAWriteOfSeveral)
+TEST_F(TypedValuesOfHolesTest, AFailureEndsAWriteOfSeveral)
 {
-    SlaveOptions options;
-    options.memory.addHole({0, Area::HoldingRegisters, 4, 4});
-    SlaveThread holed(options);
-    ASSERT_TRUE(holed.start());
-    const QString where = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(holed.port());
-    const HostRun run =
-        runHost({"write", where, "HR1:u16=7", "HR5:u16=8", "HR9:u16=9", "--retries", "0", "--format", "csv"});
+    const HostRun run = host("write TARGET HR1:u16=7 HR50:u16=8 HR9:u16=9 --retries 0 --format csv");
     EXPECT_EQ(run.code, 5);
     EXPECT_TRUE(run.err.contains("HR9: not sent")) << run.err.toStdString();
     const QStringList lines = run.out.split('\n', Qt::SkipEmptyParts);
     ASSERT_EQ(lines.size(), 4);
     EXPECT_TRUE(lines.at(1).startsWith("1,HR1,0,u16,7,7,written,")) << lines.at(1).toStdString();
-    EXPECT_TRUE(lines.at(2).startsWith("1,HR5,4,u16,,8,refused,exception,")) << lines.at(2).toStdString();
+    EXPECT_TRUE(lines.at(2).startsWith("1,HR50,49,u16,,8,refused,exception,")) << lines.at(2).toStdString();
     EXPECT_TRUE(lines.at(3).startsWith("1,HR9,8,u16,,9,not-sent,")) << lines.at(3).toStdString();
-    EXPECT_EQ(holed.value(1, Area::HoldingRegisters, 0), 7);
-    EXPECT_EQ(holed.value(1, Area::HoldingRegisters, 8), 0);
+    EXPECT_EQ(holdingRegister(0), 7);
+    EXPECT_EQ(holdingRegister(8), 0);
 }
 
 TEST_F(TypedValuesTest, AProbeOfAScanMayHaveAType)

@@ -70,6 +70,12 @@ private:
 
 } // namespace
 
+class WatchOfHolesTest : public SlaveTest
+{
+protected:
+    WatchOfHolesTest() : SlaveTest(withHoles()) {}
+};
+
 class WatchLogTest : public SlaveTest
 {
 protected:
@@ -138,32 +144,21 @@ TEST_F(WatchLogTest, WideHasARowForEachRound)
     EXPECT_EQ(host("watch TARGET HR1 --wide --format text").code, 2);
 }
 
-TEST_F(WatchLogTest, WideLeavesACellEmptyForWhatFailed)
+TEST_F(WatchOfHolesTest, WideLeavesACellEmptyForWhatFailed)
 {
-    SlaveOptions options;
-    options.memory.addHole({0, Area::HoldingRegisters, 4, 4});
-    SlaveThread holed(options);
-    ASSERT_TRUE(holed.start());
-    const QString where = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(holed.port());
-    const HostRun run = runHost({"watch", where, "HR1", "HR5", "--wide", "--count", "1", "--retries", "0"});
+    const HostRun run = host("watch TARGET HR1 HR50 --wide --count 1 --retries 0");
     EXPECT_TRUE(run.out.endsWith(",0,\n")) << run.out.toStdString();
-    EXPECT_TRUE(run.err.contains("HR5: exception code:0x02")) << run.err.toStdString();
-    const HostRun json =
-        runHost({"watch", where, "HR5", "--wide", "--count", "1", "--retries", "0", "--format", "json"});
-    EXPECT_TRUE(objectIn(json.out.section('\n', 0, 0)).value("values").toObject().value("HR5").isNull());
+    EXPECT_TRUE(run.err.contains("HR50: exception code:0x02")) << run.err.toStdString();
+    const HostRun json = host("watch TARGET HR50 --wide --count 1 --retries 0 --format json");
+    EXPECT_TRUE(objectIn(json.out.section('\n', 0, 0)).value("values").toObject().value("HR50").isNull());
 }
 
-TEST_F(WatchLogTest, SaysWhenNoValueWasMissed)
+TEST_F(WatchOfHolesTest, SaysWhenNoValueWasMissed)
 {
-    SlaveOptions options;
-    options.memory.addHole({0, Area::HoldingRegisters, 4, 4});
-    SlaveThread holed(options);
-    ASSERT_TRUE(holed.start());
-    const QString where = QStringLiteral("rtutcp://127.0.0.1:%1/1").arg(holed.port());
     const char *const said = "no value was missed: what was refused was asked for again in parts\n";
-    EXPECT_TRUE(runHost({"watch", where, "HR1", "HR9", "--count", "1"}).err.endsWith(said));
-    EXPECT_FALSE(runHost({"watch", where, "HR1", "HR5", "--count", "1"}).err.contains(said));
-    EXPECT_FALSE(runHost({"watch", where, "HR1", "--count", "1"}).err.contains(said));
+    EXPECT_TRUE(host("watch TARGET HR49 HR51 --count 1").err.endsWith(said));
+    EXPECT_FALSE(host("watch TARGET HR49 HR50 --count 1").err.contains(said));
+    EXPECT_FALSE(host("watch TARGET HR49 --count 1").err.contains(said));
 }
 
 TEST_F(WatchLogTest, OnChangeKeepsNothingElse)
